@@ -1,0 +1,8 @@
+# -DWEBCTRL_SANITIZE=address,undefined (or thread) instruments everything that is built here, the
+# HTTP library included.
+set(WEBCTRL_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas")
+if(WEBCTRL_SANITIZE)
+  add_compile_options(-fsanitize=${WEBCTRL_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${WEBCTRL_SANITIZE})
+endif()

@@ -1,0 +1,19 @@
+# Our code compiles without a warning; the libraries' code is theirs.
+add_library(webctrl_warnings INTERFACE)
+target_compile_options(webctrl_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                                  -Werror)
+
+# webctrl_library(<name> <sources>...): a static library of one folder, built with our warnings and
+# included by paths from the project's root ("control/UdpCtrlSocket.h").
+function(webctrl_library name)
+  add_library(${name} STATIC ${ARGN})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE webctrl_warnings)
+endfunction()
+
+# webctrl_program(<name> <sources>...): an executable under the same rules.
+function(webctrl_program name)
+  add_executable(${name} ${ARGN})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE webctrl_warnings)
+endfunction()
