@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Every shell script of the project, by its first line and not by its name.
+# shellcheck source=scripts/common.sh
+. "$(dirname -- "$0")/../common.sh"
+
+cd "$root"
+mapfile -t files < <(git grep -lIE '^#!/(usr/)?bin/(env )?(ba)?sh' -- . | sort)
+[ ${#files[@]} -gt 0 ] || fail "found no script to look at"
+shellcheck --external-sources "${files[@]}" scripts/common.sh
+say "${#files[@]} scripts without a finding"

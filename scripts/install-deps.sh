@@ -1,0 +1,103 @@
+#!/usr/bin/env bash
+# install-deps.sh <purpose>...: installs what the project needs for these purposes and is missing.
+#
+# The one list of everything that comes from outside. What is there already is not touched and
+# needs neither root nor a network. Debian 12's packages by apt-get, the HTTP library's sources by
+# fetch-mongoose.sh, the browser tests' node modules by npm from their lock file.
+# shellcheck source=scripts/common.sh
+. "$(dirname -- "$0")/common.sh"
+
+purposes="build run test ui check bench fuzz cross"
+
+packages_for() {
+  case $1 in
+    # ca-certificates: package sources may be https ones.
+    build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev ca-certificates ;;
+    # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
+    run) echo net-tools iproute2 ;;
+    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles.
+    test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
+      libxml2-utils libc-bin binutils valgrind git ;;
+    # A font for the Chinese screenshots.
+    ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
+    check) echo clang-format clang-tidy cppcheck shellcheck git ;;
+    bench) echo libbenchmark-dev wrk lighttpd busybox libfcgi-dev valgrind ;;
+    fuzz) echo clang libclang-rt-14-dev llvm ;;
+    cross) echo g++-arm-linux-gnueabihf qemu-user-static dpkg-dev fakeroot ;;
+    *) fail "no purpose \"$1\"; there are: $purposes" ;;
+  esac
+}
+
+# A newer Node.js than Debian's is as good, and its package conflicts with Debian's npm.
+node_packages() {
+  local major
+  major=$(node --version 2>/dev/null | sed -n 's/^v\([0-9]*\)\..*/\1/p')
+  if [ "${major:-0}" -lt 18 ] || ! command -v npm >/dev/null; then
+    echo nodejs npm
+  fi
+}
+
+missing_packages() {
+  local installed wanted
+  installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p')
+  wanted=$(for purpose in "$@"; do packages_for "$purpose"; done)
+  tr -s ' ' '\n' <<<"$wanted" | sed '/^$/d' | sort -u | grep -vxF -e "$installed" || true
+}
+
+require_debian_12() {
+  local system
+  system=$(sed -n 's/^\(ID\|VERSION_ID\)=//p' /etc/os-release 2>/dev/null | tr -d '"' | sort -r |
+    tr '\n' ' ')
+  [ "$system" = "debian 12 " ] ||
+    fail "this is ${system:-an unknown system }and not Debian 12; install by hand: $*"
+}
+
+# The update's own result says little (a foreign source may fail); the install is what counts.
+apt_install() {
+  local log
+  log=$(mktemp)
+  # shellcheck disable=SC2064  # the file's name now
+  trap "rm -f '$log'" EXIT
+  export DEBIAN_FRONTEND=noninteractive
+  say "installing $*"
+  apt-get -q update >"$log" 2>&1 || true
+  apt-get -q install -y --no-install-recommends "$@" >>"$log" 2>&1 ||
+    fail "apt-get cannot install them (no network?): $(grep '^E:' "$log" | head -n 1)"
+}
+
+install_packages() {
+  local missing
+  command -v dpkg-query >/dev/null || require_debian_12 "$(packages_for "$1")"
+  missing=$(missing_packages "$@" | tr '\n' ' ')
+  missing=${missing% }
+  [ -n "$missing" ] || return 0
+  require_debian_12 "$missing"
+  [ "$(id -u)" = 0 ] || fail "not root, and these packages are missing: $missing"
+  # shellcheck disable=SC2086  # a list of names
+  apt_install $missing
+}
+
+# The stamp is written last: an interrupted installation is done again.
+install_node_modules() {
+  local dir=$root/tests/ui stamp sum
+  [ -f "$dir/package-lock.json" ] || return 0
+  stamp=$dir/node_modules/.installed
+  sum=$(sha256sum <"$dir/package-lock.json")
+  [ "$(cat "$stamp" 2>/dev/null)" != "$sum" ] || return 0
+  say "installing the browser tests' node modules"
+  (cd "$dir" && npm ci --no-audit --no-fund --loglevel=error >/dev/null) ||
+    fail "npm cannot install the modules of tests/ui (no network?)"
+  echo "$sum" >"$stamp"
+}
+
+[ $# -gt 0 ] || fail "which purpose? One or more of: $purposes"
+for purpose in "$@"; do
+  packages_for "$purpose" >/dev/null
+done
+install_packages "$@"
+for purpose in "$@"; do
+  case $purpose in
+    build) "$root/scripts/fetch-mongoose.sh" ;;
+    ui) install_node_modules ;;
+  esac
+done

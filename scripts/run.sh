@@ -1,0 +1,107 @@
+#!/usr/bin/env bash
+# run.sh: the whole product on a desk. Installs what is missing, builds, starts the simulated
+# recorder and the daemon, prints the address to open, and stops both on Ctrl-C.
+# shellcheck source=scripts/common.sh
+. "$(dirname -- "$0")/common.sh"
+
+bin=$root/build/release/bin
+state=$root/build/run
+declare -A pids=()
+
+# port_owner <ss flags> <port>: "name (pid 12)" of who has the port; nothing when it is free.
+port_owner() {
+  local line
+  line=$(ss -H -anp "$1" "sport = :$2" | grep -v TIME-WAIT | head -n 1) || true
+  [ -n "$line" ] || return 0
+  if [[ $line =~ users:\(\(\"([^\"]*)\",pid=([0-9]+) ]]; then
+    echo "${BASH_REMATCH[1]} (pid ${BASH_REMATCH[2]})"
+  else
+    echo "a process of another user"
+  fi
+}
+
+require_free() {
+  local owner
+  owner=$(port_owner "$1" "$2")
+  [ -z "$owner" ] || fail "port $2/$3 ($4) is taken by $owner"
+}
+
+# Bit 10 of the effective capabilities allows the ports below the unprivileged range.
+require_port_80() {
+  local caps first
+  caps=$(sed -n 's/^CapEff:[[:space:]]*//p' /proc/self/status)
+  first=$(cat /proc/sys/net/ipv4/ip_unprivileged_port_start 2>/dev/null || echo 1024)
+  [ $((16#$caps >> 10 & 1)) = 1 ] || [ "$first" -le 80 ] ||
+    fail "port 80/tcp (web pages) may not be bound by this user: run as root"
+}
+
+check_ports() {
+  require_free -lt 80 tcp "web pages"
+  require_free -u 4999 udp "the daemon's own socket"
+  require_free -u 6000 udp "the device application"
+  require_port_80
+}
+
+build() {
+  local log=$state/build.log
+  say "building"
+  # A folder that test.sh has configured keeps its tests, else the next test.sh builds them anew.
+  [ -f "$root/build/release/CMakeCache.txt" ] || set -- -DWEBCTRL_BUILD_TESTS=OFF
+  if ! (cd "$root" && cmake --preset release "$@" &&
+    cmake --build --preset release --target webctrl devsim -j "$(nproc)") >"$log" 2>&1; then
+    tail -n 20 "$log" >&2
+    fail "the build failed, see $log"
+  fi
+}
+
+# start <name> <command>...: in the background, its output in a log of its own.
+start() {
+  local name=$1
+  shift
+  "$@" >"$state/$name.log" 2>&1 </dev/null &
+  pids[$name]=$!
+}
+
+stop_all() {
+  trap - EXIT
+  trap '' INT TERM HUP
+  local name
+  for name in "${!pids[@]}"; do
+    kill "${pids[$name]}" 2>/dev/null || true
+  done
+  wait || true
+}
+
+# Ready when the port answers; what the log says is shown when a program ended instead.
+wait_until_ready() {
+  local tries
+  for ((tries = 0; tries < 100; tries++)); do
+    require_alive
+    [ -z "$(port_owner -u 6000)" ] || [ -z "$(port_owner -lt 80)" ] || return 0
+    sleep 0.1
+  done
+  fail "the daemon does not listen on port 80 after 10 s: $(tail -n 1 "$state/webctrl.log")"
+}
+
+require_alive() {
+  local name
+  for name in "${!pids[@]}"; do
+    kill -0 "${pids[$name]}" 2>/dev/null ||
+      fail "$name has ended: $(tail -n 1 "$state/$name.log")"
+  done
+}
+
+"$root/scripts/install-deps.sh" build run
+check_ports
+mkdir -p "$state"
+build
+trap stop_all EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
+start devsim "$bin/devsim" --state "$state/recorder.xml"
+start webctrl "$bin/webctrl"
+wait_until_ready
+say "open http://localhost/login.html"
+say "traces: $state/webctrl.log and $state/devsim.log; stop with Ctrl-C"
+wait -n "${pids[@]}" || true
+require_alive
