@@ -1,0 +1,103 @@
+// Attribute tables: one row per XML attribute says its name and how its text gets into a record.
+// Walk applies a table to an element, WalkIndexed to the item elements under a container. Nothing
+// here owns or keeps anything; a record may be filled from one thread at a time.
+#pragma once
+
+#include <strings.h>
+#include <tinyxml.h>
+
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+#include "config/TextValue.h"
+
+template <auto M>
+struct MemberOf;
+template <class R, class F, F R::*M>
+struct MemberOf<M> {
+  using Record = R;
+  using Field = F;
+};
+
+// Stores take a record and a text (an attribute's or a form variable's) and fill one field.
+// They return 0; 1 to make the import's result 1; negative to reject the section at once.
+
+// By the field's type: a text is cut to its capacity less one, a float and an integer converted.
+template <auto M>
+int Store(typename MemberOf<M>::Record& rec, const char* pszText) {
+  using F = typename MemberOf<M>::Field;
+  if constexpr (std::is_array_v<F>) {
+    constexpr size_t kLast = std::extent_v<F> - 1;
+    strncpy(rec.*M, pszText, kLast);
+    (rec.*M)[kLast] = '\0';
+  } else if constexpr (std::is_floating_point_v<F>) {
+    rec.*M = TextToFloat(pszText);
+  } else {
+    rec.*M = static_cast<F>(TextToInt(pszText));  // Deliberate: unchecked, "300" in a uc is 44.
+  }
+  return 0;
+}
+
+// An address in any spelling; a text that is none leaves the field.
+template <auto M>
+int StoreAddress(typename MemberOf<M>::Record& rec, const char* pszText) {
+  ConvertAddressValue(pszText, rec.*M);
+  return 0;
+}
+
+template <class R>
+struct CAttr {
+  const char* pszName;
+  int (*pfnStore)(R& rec, const char* pszText);
+};
+
+// A row whose name and member cannot drift apart; ATTR_AS with a store other than the plain one.
+#define ATTR(R, field) \
+  { #field, Store < &R::field> }
+#define ATTR_AS(R, field, pfnStore) \
+  { #field, pfnStore < &R::field> }
+
+// Stores every attribute that the table names, in document order, letter case ignored; others are
+// skipped and fields without an attribute stay. Returns 0; 1 when a store asked for it (the walk
+// goes on); -1 when a store rejected the section (the walk stops) or there is no element.
+template <class R, size_t N>
+int Walk(const TiXmlElement* pElem, const CAttr<R> (&rows)[N], R& rec) {
+  if (!pElem) return -1;
+  int nResult = 0;
+  for (const TiXmlAttribute* p = pElem->FirstAttribute(); p; p = p->Next()) {
+    for (const CAttr<R>& row : rows) {
+      if (strcasecmp(p->Name(), row.pszName) != 0) continue;
+      const int nRet = row.pfnStore(rec, p->Value());
+      if (nRet < 0) return -1;
+      if (nRet > 0) nResult = nRet;
+      break;
+    }
+  }
+  return nResult;
+}
+
+// How much of an item element's name may stand from its first "_" on.
+enum class Suffix { kExactlyTwo, kAtLeastTwo };
+
+// The item number in an item element's name: the digit behind the first "_". Returns 0 to 9, or
+// -1 when there is no "_", no digit behind it, or more behind it than the rule allows.
+int ItemIndex(const char* pszName, Suffix rule);
+
+// Walks the item elements under the section's container child into pItems[0 .. nItems - 1].
+// Returns 0 (also without a container or items, and at the first item beyond the last: it and the
+// later ones stay unread); -1 at an item with a malformed name, keeping what was stored before it.
+template <class R, size_t N>
+int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
+                R* pItems, int nItems, Suffix rule = Suffix::kExactlyTwo) {
+  if (!pSection) return -1;
+  const TiXmlElement* pItem = pSection->FirstChildElement(pszContainer);
+  for (pItem = pItem ? pItem->FirstChildElement() : nullptr; pItem;
+       pItem = pItem->NextSiblingElement()) {
+    const int nIndex = ItemIndex(pItem->Value(), rule);
+    if (nIndex < 0) return -1;
+    if (nIndex >= nItems) return 0;
+    if (Walk(pItem, rows, pItems[nIndex]) < 0) return -1;
+  }
+  return 0;
+}
