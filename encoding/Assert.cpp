@@ -1,0 +1,10 @@
+// The failing end of ENC_ASSERT.
+#include "encoding/Assert.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+
+void EncAssertFailed(const char* pszText, const char* pszFile, int nLine, const char* pszFunction) {
+  fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", pszFile, nLine, pszFunction, pszText);
+  abort();
+}

@@ -1,0 +1,15 @@
+// Assertions that stay in every build: a release build defines NDEBUG, and a caller that breaks a
+// precondition here would write past a buffer. Failing prints the text on stderr and aborts.
+#ifndef ENCODING_ASSERT_H_
+#define ENCODING_ASSERT_H_
+
+// Prints "<file>:<line>: <function>: Assertion `<text>' failed." on standard error and aborts.
+[[noreturn]] void EncAssertFailed(const char* pszText, const char* pszFile, int nLine,
+                                  const char* pszFunction);
+
+// Aborts with `text` unless `condition` holds. The text is given apart from the condition because
+// it is part of the interface: it must not change with the compiler's NULL or with a reformatting.
+#define ENC_ASSERT(condition, text) \
+  ((condition) ? static_cast<void>(0) : EncAssertFailed(text, __FILE__, __LINE__, __func__))
+
+#endif  // ENCODING_ASSERT_H_

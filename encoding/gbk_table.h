@@ -1,0 +1,22 @@
+// The GBK forward table: code page 936 from 0x8140 to 0xFE4F, one entry a code, no gaps, so that
+// the entry of code c stands at index c - kGbkFirst. Constant data, safe from every thread.
+// The numbers are in gbk_table.inc, which tools/gbk_table writes; never edit that file by hand.
+#ifndef ENCODING_GBK_TABLE_H_
+#define ENCODING_GBK_TABLE_H_
+
+#include <stdint.h>
+
+struct stGbkCode {
+  uint16_t usGbk;   // the code itself, lead byte high
+  uint16_t usUcs2;  // its UCS-2 value, or kGbkUnassigned
+};
+
+constexpr int kGbkFirst = 0x8140;
+constexpr int kGbkLast = 0xFE4F;
+constexpr int kGbkCodes = kGbkLast - kGbkFirst + 1;
+constexpr int kGbkAssigned = 21791;  // entries with a value of their own; no value occurs twice
+constexpr uint16_t kGbkUnassigned = 0x0001;
+
+extern const stGbkCode kGbkTable[kGbkCodes];
+
+#endif  // ENCODING_GBK_TABLE_H_

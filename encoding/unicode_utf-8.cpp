@@ -1,0 +1,218 @@
+// The conversions. Each direction is one single-character function; the array and string functions
+// run it in one of two loops, bytes to code points and code points to bytes.
+#include "encoding/unicode_utf-8.h"
+
+#include <stddef.h>
+#include <string.h>
+
+#include "encoding/Assert.h"
+#include "encoding/alg_table.h"
+#include "encoding/gbk_table.h"
+
+static constexpr char kTextArrays[] = "pInput != ((void *)0) && pOutput != ((void *)0)";
+static constexpr int kUtf8Max = 6;
+static constexpr int kGbkMax = 2;
+
+static alg_table* tab_UCS2_to_GBK;
+
+static inline uint32_t ByteAt(const char* pText, int nIndex) {
+  return static_cast<unsigned char>(pText[nIndex]);
+}
+
+// pfnOne(const char*, uint32_t*) converts one character and returns the bytes it took, or 0.
+template <class F>
+static int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, int* nMembOut,
+                        F pfnOne) {
+  const int nCapacity = *nMembOut;
+  int nRet = 1, nOut = 0;
+  for (ptrdiff_t nIn = 0; nIn < nLen; ++nOut) {
+    if (nOut == nCapacity) {
+      nRet = 2;
+      break;
+    }
+    const int nTaken = pfnOne(pInput + nIn, &pOutput[nOut]);
+    if (nTaken == 0) {
+      nRet = 0;
+      break;
+    }
+    nIn += nTaken;
+  }
+  *nMembOut = nOut;
+  return nRet;
+}
+
+// pfnOne(uint32_t, char*) writes one character of at most nMax bytes and returns their number or 0.
+template <int nMax, class F>
+static int FromCodePoints(const uint32_t* pInput, char* pOutput, int* nMembOut, F pfnOne) {
+  const int nCapacity = *nMembOut;
+  int nRet = 1, nOut = 0;
+  for (; *pInput != 0; ++pInput) {
+    if (nCapacity - nOut < nMax) {
+      nRet = 2;
+      break;
+    }
+    const int nWritten = pfnOne(*pInput, pOutput + nOut);
+    if (nWritten == 0) {
+      nRet = 0;
+      break;
+    }
+    nOut += nWritten;
+  }
+  *nMembOut = nOut;
+  return nRet;
+}
+
+int enc_GBK_to_unicode_one(uint16_t usGbk, uint32_t* ucs) {
+  ENC_ASSERT(ucs, "ucs != ((void *)0)");
+  if (usGbk < 0x8000) {
+    *ucs = usGbk >> 8;
+    return 1;
+  }
+  if (usGbk < kGbkFirst || usGbk > kGbkLast) return 0;
+  *ucs = kGbkTable[usGbk - kGbkFirst].usUcs2;  // Deliberate: unassigned codes pass as U+0001.
+  return 2;
+}
+
+// The byte behind a lead byte is read without a look at the length: at the end it is the
+// terminator.
+static inline int GbkCharacter(const char* pInput, uint32_t* pUcs) {
+  const uint32_t uiLead = ByteAt(pInput, 0);
+  const uint32_t uiTrail = uiLead < 0x80 ? 0 : ByteAt(pInput, 1);
+  return enc_GBK_to_unicode_one(static_cast<uint16_t>(uiLead << 8 | uiTrail), pUcs);
+}
+
+int enc_GBK_to_unicode(const char* pInput, int nLen, uint32_t* pOutput, int* nMembOut) {
+  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  ENC_ASSERT(nMembOut && *nMembOut >= 1, "*nMembOut >= 1");
+  return ToCodePoints(pInput, nLen, pOutput, nMembOut, GbkCharacter);
+}
+
+int enc_GBK_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut) {
+  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  return enc_GBK_to_unicode(pInput, static_cast<int>(strlen(pInput)), pOutput, nMembOut);
+}
+
+static inline bool Continues(uint32_t uiByte) { return (uiByte & 0xC0) == 0x80; }
+
+// The sequences of four to six bytes, seldom seen.
+static int LongUtf8Character(const char* pInput, uint32_t* pUnic) {
+  const uint32_t uiLead = ByteAt(pInput, 0);
+  const int nLen = uiLead < 0xF8 ? 4 : uiLead < 0xFC ? 5 : 6;
+  if (uiLead >= 0xFE) return 0;
+  uint32_t uiValue = nLen == 4 ? uiLead & 0x07 : nLen == 6 ? uiLead & 0x01 : 0;
+  for (int i = 1; i < nLen; ++i) {
+    if (!Continues(ByteAt(pInput, i))) return 0;
+    uiValue = uiValue << 6 | (ByteAt(pInput, i) & 0x3F);
+  }
+  // Deliberate: five-byte sequences carry their lead bits at 30-31, not at 24-25.
+  if (nLen == 5) uiValue |= (uiLead & 0x03) << 30;
+  *pUnic = uiValue;
+  return nLen;
+}
+
+int enc_utf8_to_unicode_one(const char* pInput, uint32_t* Unic) {
+  ENC_ASSERT(pInput && Unic, "pInput != ((void *)0) && Unic != ((void *)0)");
+  *Unic = 0;
+  const uint32_t uiLead = ByteAt(pInput, 0);
+  if (uiLead < 0x80) {
+    *Unic = uiLead;
+    return 1;
+  }
+  if (uiLead < 0xC0) return 0;
+  if (uiLead < 0xE0) {
+    // Deliberate: only 0x80 to 0x9F may follow here, so half of the two-byte forms are refused.
+    if ((ByteAt(pInput, 1) & 0xE0) != 0x80) return 0;
+    *Unic = (uiLead & 0x1F) << 6 | (ByteAt(pInput, 1) & 0x3F);
+    return 2;
+  }
+  if (uiLead >= 0xF0) return LongUtf8Character(pInput, Unic);
+  if (!Continues(ByteAt(pInput, 1)) || !Continues(ByteAt(pInput, 2))) return 0;
+  *Unic = (uiLead & 0x0F) << 12 | (ByteAt(pInput, 1) & 0x3F) << 6 | (ByteAt(pInput, 2) & 0x3F);
+  return 3;
+}
+
+int enc_utf8_to_unicode(const char* pInput, int nLen, uint32_t* pOutput, int* nMembOut) {
+  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  ENC_ASSERT(nMembOut && *nMembOut >= 1, "*nMembOut >= 1");
+  return ToCodePoints(pInput, nLen, pOutput, nMembOut, enc_utf8_to_unicode_one);
+}
+
+int enc_utf8_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut) {
+  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  return enc_utf8_to_unicode(pInput, static_cast<int>(strlen(pInput)), pOutput, nMembOut);
+}
+
+int enc_unicode_to_utf8_one(uint32_t unic, char* pOutput, int outSize) {
+  ENC_ASSERT(pOutput, "pOutput != ((void *)0)");
+  ENC_ASSERT(outSize >= kUtf8Max, "outSize >= 6");
+  if (unic < 0x80) {
+    pOutput[0] = static_cast<char>(unic);
+    return 1;
+  }
+  if (unic >= 0x80000000) return 0;
+  const int nLen = unic < 0x800       ? 2
+                   : unic < 0x10000   ? 3
+                   : unic < 0x200000  ? 4
+                   : unic < 0x4000000 ? 5
+                                      : 6;
+  uint32_t uiRest = unic;
+  for (int i = nLen - 1; i > 0; --i, uiRest >>= 6)
+    pOutput[i] = static_cast<char>(0x80 | (uiRest & 0x3F));
+  pOutput[0] = static_cast<char>((0xFF00u >> nLen & 0xFF) | uiRest);
+  return nLen;
+}
+
+int enc_unicode_to_utf8_str(const uint32_t* pInput, char* pOutput, int* nMembOut) {
+  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  ENC_ASSERT(nMembOut && *nMembOut >= kUtf8Max, "*nMembOut >= 6");
+  return FromCodePoints<kUtf8Max>(pInput, pOutput, nMembOut, [](uint32_t unic, char* pOut) {
+    return enc_unicode_to_utf8_one(unic, pOut, kUtf8Max);
+  });
+}
+
+static int CompareCodePoints(uint32_t uiLeft, uint32_t uiRight) { return uiLeft != uiRight; }
+static uint32_t HashCodePoint(uint32_t uiKey) { return uiKey & 0xFFFF; }
+
+int enc_stc_unicode_to_GBK_init() {
+  ENC_ASSERT(!tab_UCS2_to_GBK, "tab_UCS2_to_GBK == ((void *)0)");
+  tab_UCS2_to_GBK = Table_new(kGbkAssigned, CompareCodePoints, HashCodePoint);
+  if (!tab_UCS2_to_GBK) return 0;
+  for (const stGbkCode& code : kGbkTable) {
+    if (code.usUcs2 == kGbkUnassigned) continue;
+    if (Table_put(tab_UCS2_to_GBK, code.usUcs2, code.usGbk) != -1) return 0;
+  }
+  return 1;
+}
+
+int enc_unicode_to_GBK_one(uint32_t unic, uint16_t* gbk) {
+  ENC_ASSERT(gbk, "gbk != ((void *)0)");
+  if (unic < 0x80) {
+    *gbk = static_cast<uint16_t>(unic);
+    return 1;
+  }
+  if (!tab_UCS2_to_GBK && enc_stc_unicode_to_GBK_init() == 0) return 0;
+  const uint32_t uiCode = Table_get(tab_UCS2_to_GBK, unic);
+  if (uiCode == 0) return 0;
+  *gbk = static_cast<uint16_t>(uiCode);
+  return 2;
+}
+
+static inline int PutGbkCharacter(uint32_t unic, char* pOutput) {
+  uint16_t usGbk = 0;
+  const int nLen = enc_unicode_to_GBK_one(unic, &usGbk);
+  if (nLen == 1) {
+    pOutput[0] = static_cast<char>(usGbk);
+  } else if (nLen == 2) {
+    pOutput[0] = static_cast<char>(usGbk >> 8);
+    pOutput[1] = static_cast<char>(usGbk & 0xFF);
+  } else {
+    ENC_ASSERT(nLen == 0, "0");
+  }
+  return nLen;
+}
+
+int enc_unicode_to_GBK_str(const uint32_t* pInput, char* pOutput, int* nMembOut) {
+  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  ENC_ASSERT(nMembOut && *nMembOut >= kGbkMax, "*nMembOut >= 2");
+  return FromCodePoints<kGbkMax>(pInput, pOutput, nMembOut, PutGbkCharacter);
+}
