@@ -89,7 +89,7 @@ int ItemIndex(const char* pszName, Suffix rule);
 // later ones stay unread); -1 at an item with a malformed name, keeping what was stored before it.
 template <class R, size_t N>
 int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
-                R* pItems, int nItems, Suffix rule = Suffix::kExactlyTwo) {
+                R* pItems, int nItems, Suffix rule) {
   if (!pSection) return -1;
   const TiXmlElement* pItem = pSection->FirstChildElement(pszContainer);
   for (pItem = pItem ? pItem->FirstChildElement() : nullptr; pItem;
@@ -100,4 +100,11 @@ int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CA
     if (Walk(pItem, rows, pItems[nIndex]) < 0) return -1;
   }
   return 0;
+}
+
+// The same for an array of items whose names end in "_" and one digit.
+template <class R, size_t N, size_t M>
+int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
+                R (&items)[M]) {
+  return WalkIndexed(pSection, pszContainer, rows, items, static_cast<int>(M), Suffix::kExactlyTwo);
 }

@@ -1,0 +1,97 @@
+// Importers of the vehicle and of what is wired to the recorder; each stands under its tables.
+#include "CBB/Util/OtherFun.h"
+#include "config/Config_Task.h"
+
+constexpr CAttr<stVehicle> kVehicle[] = {
+    ATTR(stVehicle, strFD_CompanyName),  ATTR(stVehicle, strFD_LicensePlate),
+    ATTR(stVehicle, strFD_DriverName),   ATTR(stVehicle, strFD_DeviceNum),
+    ATTR(stVehicle, strFD_Phonenumber),  ATTR(stVehicle, strFD_ServiceTel),
+    ATTR(stVehicle, strFD_ProvincialId), ATTR(stVehicle, strFD_CityDomainId),
+    ATTR(stVehicle, strFD_CarColors),    ATTR(stVehicle, strFD_Authentication),
+    ATTR(stVehicle, strFD_TerminalType), ATTR(stVehicle, strFD_TerminalID),
+    ATTR(stVehicle, strFD_FacturerID),   ATTR(stVehicle, strFD_CarVIN),
+    ATTR(stVehicle, strFD_CarType),      ATTR(stVehicle, strFD_DrivingLicense),
+};
+
+int CConfig_Task::Import_stVehicle(TiXmlElement* pElem, int nCopy, stConfig* pDst) {
+  return Walk(pElem, kVehicle, Dest(pDst).stVehicleInfo[nCopy == 1 ? 1 : 0]);
+}
+
+constexpr CAttr<stSerialItem> kSerialItem[] = {
+    ATTR(stSerialItem, ucFD_DataMode), ATTR(stSerialItem, uiBaudRate),
+    ATTR(stSerialItem, ucDataBit),     ATTR(stSerialItem, ucParity),
+    ATTR(stSerialItem, ucStopBit),     ATTR(stSerialItem, ucCount),
+};
+
+int CConfig_Task::Import_stSerial(TiXmlElement* pElem, stConfig* pDst) {
+  return WalkIndexed(pElem, "stSerialChnPara", kSerialItem,
+                     Dest(pDst).stSerialInfo.stSerialChnPara);
+}
+
+constexpr CAttr<stPtzItem> kPtzItem[] = {
+    ATTR(stPtzItem, usPtzAddress),
+    ATTR(stPtzItem, ucPtzProtocol),
+    ATTR(stPtzItem, ucSerialIndex),
+    ATTR(stPtzItem, ucAutoStoped),
+};
+
+int CConfig_Task::Import_stPtz(TiXmlElement* pElem, stConfig* pDst) {
+  return WalkIndexed(pElem, "stChnPtzPara", kPtzItem, Dest(pDst).stPtzInfo.stChnPtzPara);
+}
+
+constexpr CAttr<stPower> kPower[] = {
+    ATTR(stPower, ucPowerMode),      ATTR(stPower, ucPOnDelayEnable),
+    ATTR(stPower, usPOffDelayTime),  ATTR(stPower, uiTimingPOnTime),
+    ATTR(stPower, uiTimingPOffTime), ATTR(stPower, uiAccOffStopRecCh),
+};
+
+int CConfig_Task::Import_stPower(TiXmlElement* pElem, stConfig* pDst) {
+  return Walk(pElem, kPower, Dest(pDst).stPowerInfo);
+}
+
+// Takes as many whole bytes as the block holds; a text with other characters leaves it.
+static int StoreReserveData(stReserve& rec, const char* pszText) {
+  const size_t nDigits = strnlen(pszText, sizeof(rec.ucReserveData) * 2) & ~size_t{1};
+  int nLen = sizeof(rec.ucReserveData);
+  HexStrToBytes(pszText, static_cast<int>(nDigits), rec.ucReserveData, nLen);
+  return 0;
+}
+
+constexpr CAttr<stReserve> kReserve[] = {{"ucReserveData", StoreReserveData}};
+
+int CConfig_Task::Import_stReserve(TiXmlElement* pElem, stConfig* pDst) {
+  return Walk(pElem, kReserve, Dest(pDst).stReserveInfo);
+}
+
+template <auto M>
+static int StoreTimeOfDay(stTPeriodItem& rec, const char* pszText) {
+  rec.*M = TextToTimeOfDay(pszText);
+  return 0;
+}
+
+constexpr CAttr<stIpc> kIpc[] = {
+    ATTR(stIpc, ucFD_Enable),
+    ATTR(stIpc, ucFD_IPCNum),
+    ATTR(stIpc, usFD_FuncMode),
+    ATTR(stIpc, ucFD_PureNVR),
+};
+
+constexpr CAttr<stIpcItem> kIpcItem[] = {
+    ATTR(stIpcItem, strFD_User),
+    ATTR(stIpcItem, strFD_Pass),
+    ATTR_AS(stIpcItem, uiFD_IP, StoreAddress),
+    ATTR(stIpcItem, ucFD_Valid),
+};
+
+constexpr CAttr<stTPeriodItem> kTPeriodItem[] = {
+    ATTR(stTPeriodItem, strFD_Wday),
+    ATTR_AS(stTPeriodItem, strFD_StartT, StoreTimeOfDay),
+    ATTR_AS(stTPeriodItem, strFD_EndT, StoreTimeOfDay),
+};
+
+int CConfig_Task::Import_stIpc(TiXmlElement* pElem, stConfig* pDst) {
+  stIpc& rec = Dest(pDst).stIpcInfo;
+  if (Walk(pElem, kIpc, rec) < 0) return -1;
+  if (WalkIndexed(pElem, "stChnIpc", kIpcItem, rec.stChnIpc) < 0) return -1;
+  return WalkIndexed(pElem, "stFunTPeriod", kTPeriodItem, rec.stFunTPeriod);
+}

@@ -1,0 +1,35 @@
+#include "config/TextValue.h"
+
+#include <arpa/inet.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+
+#include "CBB/Util/OtherFun.h"
+
+int TextToInt(const char* pszText) {
+  return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
+}
+
+float TextToFloat(const char* pszText) { return strtof(pszText, nullptr); }
+
+uint32_t TextToTimeOfDay(const char* pszText) {
+  char szText[23] = {};
+  strncpy(szText, pszText, sizeof(szText) - 1);
+  tm time{};
+  strptime(szText, "%H:%M:%S", &time);
+  return static_cast<uint32_t>(time.tm_hour * 3600 + time.tm_min * 60 + time.tm_sec);
+}
+
+int ConvertAddressValue(const char* pszText, uint32_t& uiValue) {
+  if (IsIpAddrStr(pszText)) {
+    uiValue = inet_addr(pszText);
+    return 0;
+  }
+  if (IsHexStr(pszText)) {
+    return HexStrToUInt(pszText + 2, static_cast<int>(strlen(pszText)) - 2, uiValue);
+  }
+  if (IsDecStr(pszText)) uiValue = static_cast<uint32_t>(TextToInt(pszText));
+  return 0;
+}
