@@ -1,0 +1,190 @@
+#include "CBB/Util/Logger.h"
+
+#include <dirent.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <utility>
+
+#include "CBB/Util/DebugPrint.h"
+
+namespace {
+
+constexpr int kErrorLevel = 3;
+constexpr uint32_t kLinesPerFile = 120000;
+constexpr int kFilesKept = 30;
+constexpr size_t kPathSize = 640;  // directory, and the longest name that a directory can hold
+constexpr size_t kLineSize = 2048;
+constexpr size_t kCommandSize = 4 * kPathSize + 16;  // quoting makes at most four bytes of one
+
+// An error line: red, with the class, the function and the source line before the message.
+__attribute__((format(printf, 3, 4))) void PrintError(const char* pszCaller, int nLine,
+                                                      const char* pszFormat, ...) {
+  char szMessage[768];
+  va_list args;
+  va_start(args, pszFormat);
+  vsnprintf(szMessage, sizeof(szMessage), pszFormat, args);
+  va_end(args);
+  DebugPrint(kErrorLevel, "\033[31m\033[1m[%-16s]<ERROR@%s, L%d>:%s\n\033[0m", "Logger", pszCaller,
+             nLine, szMessage);
+}
+
+tm LocalNow() {
+  const time_t now = time(nullptr);
+  tm local{};
+  localtime_r(&now, &local);
+  return local;
+}
+
+// Writes "verb path" as a shell command. A path of harmless characters stands as it is; any other
+// is quoted, so that no file name becomes a command of its own.
+void ShellCommand(char (&szCommand)[kCommandSize], const char* pszVerb, const char* pszPath) {
+  static constexpr char kHarmless[] =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-/";
+  if (!pszPath[strspn(pszPath, kHarmless)]) {
+    snprintf(szCommand, sizeof(szCommand), "%s %s", pszVerb, pszPath);
+    return;
+  }
+  size_t nLen = static_cast<size_t>(snprintf(szCommand, sizeof(szCommand), "%s '", pszVerb));
+  for (const char* p = pszPath; *p; p++)
+    nLen += static_cast<size_t>(
+        snprintf(szCommand + nLen, sizeof(szCommand) - nLen, *p == '\'' ? "'\\'%c" : "%c", *p));
+  snprintf(szCommand + nLen, sizeof(szCommand) - nLen, "'");
+}
+
+// The outcome of a shell command is of no interest: what it failed to do shows by itself.
+void RunShell(const char* pszCommand) {
+  if (system(pszCommand) != 0) return;
+}
+
+int CompareNames(const dirent** ppLeft, const dirent** ppRight) {
+  return strcmp((*ppLeft)->d_name, (*ppRight)->d_name);
+}
+
+}  // namespace
+
+Logger& Logger::Instance() {
+  static Logger s_logger;
+  return s_logger;
+}
+
+int Logger::init(const char* pszPrefix, const char* pszDir) {
+  const AutoLock lock(m_mutex);
+  if (SetNames(pszPrefix, pszDir)) return -1;
+  return OpenFile("init");
+}
+
+int Logger::SetNames(const char* pszPrefix, const char* pszDir) {
+  if (!pszDir || !*pszDir) pszDir = "./log/";
+  const size_t nDirLen = strlen(pszDir);
+  // A cut directory would be another one, whose files are cleared: refuse.
+  if (nDirLen + 2 > sizeof(m_szDir) || strlen(pszPrefix) >= sizeof(m_szPrefix)) {
+    PrintError("init", __LINE__, "Can't open log file:%s%s.", pszDir, pszPrefix);
+    return -1;
+  }
+  const char* const pszSlash = pszDir[nDirLen - 1] == '/' ? "" : "/";
+  snprintf(m_szDir, sizeof(m_szDir), "%s%s", pszDir, pszSlash);
+  snprintf(m_szPrefix, sizeof(m_szPrefix), "%s", pszPrefix);
+  return 0;
+}
+
+int Logger::OpenFile(const char* pszCaller) {
+  if (m_pFile) fclose(m_pFile);
+  const tm now = LocalNow();
+  char szPath[kPathSize];
+  snprintf(szPath, sizeof(szPath), "%s%s_%d%02d%02d_%02d%02d%02d", m_szDir, m_szPrefix,
+           now.tm_year + 1900, now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
+  m_pFile = fopen(szPath, "a+");
+  if (m_pFile) return 0;
+  PrintError(pszCaller, __LINE__, "Can't open log file:%s.", szPath);
+  return -1;
+}
+
+int Logger::RotateIfDue() {
+  // Deliberate: line 0 rotates too, so the first message after init goes to a file of its own.
+  if (m_uiLine % kLinesPerFile) return 0;
+  fclose(m_pFile);
+  m_pFile = nullptr;
+  Clear(kFilesKept);
+  return OpenFile("log");
+}
+
+void Logger::log(const char* pszFormat, ...) {
+  const AutoLock lock(m_mutex);
+  if (!m_pFile) {
+    PrintError("log", __LINE__, "CLogger not init.");
+    return;
+  }
+  if (RotateIfDue()) return;
+  const tm now = LocalNow();
+  char szLine[kLineSize];
+  const int nHead = snprintf(szLine, sizeof(szLine),
+                             "<L%u> [%d-%02d-%02d %02d:%02d:%02d]:", m_uiLine, now.tm_year + 1900,
+                             now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
+  va_list args;
+  va_start(args, pszFormat);
+  vsnprintf(szLine + nHead, sizeof(szLine) - static_cast<size_t>(nHead), pszFormat, args);
+  va_end(args);
+  fwrite(szLine, 1, strlen(szLine), m_pFile);
+  fflush(m_pFile);
+  m_uiLine++;
+}
+
+int Logger::clearLog(int nKeep) {
+  const AutoLock lock(m_mutex);
+  return Clear(nKeep);
+}
+
+// Lists the log directory, sorted by name; creates it when it is missing. Returns the number of
+// entries, or -1.
+int Logger::OpenDir(dirent*** pppEntries) const {
+  int nCount = scandir(m_szDir, pppEntries, nullptr, CompareNames);
+  if (nCount >= 0) return nCount;
+  const char* pszStep = "open";
+  if (errno == ENOENT && m_szDir[0]) {
+    char szCommand[kCommandSize];
+    ShellCommand(szCommand, "mkdir", m_szDir);
+    RunShell(szCommand);
+    nCount = scandir(m_szDir, pppEntries, nullptr, CompareNames);
+    pszStep = "reopen";
+  }
+  if (nCount < 0)
+    PrintError("clearLog", __LINE__, "%s dir:[%s] error:%s.", pszStep, m_szDir, strerror(errno));
+  return nCount;
+}
+
+void Logger::RemoveFile(const char* pszName) const {
+  char szPath[kPathSize];
+  char szCommand[kCommandSize];
+  snprintf(szPath, sizeof(szPath), "%s%s", m_szDir, pszName);
+  ShellCommand(szCommand, "rm -rf", szPath);
+  RunShell(szCommand);
+  DebugPrint(1, "\033[32m\033[1mLogger::clearLog, [%s]\n\033[0m", szCommand);
+}
+
+int Logger::Clear(int nKeep) const {
+  dirent** ppEntries = nullptr;
+  const int nCount = OpenDir(&ppEntries);
+  if (nCount < 0) return -1;
+  const size_t nPrefixLen = strlen(m_szPrefix);
+  int nOurs = 0;
+  // Names that are not ours are dropped, ours move to the front and stay sorted.
+  for (int i = 0; i < nCount; i++) {
+    const char* const pszName = ppEntries[i]->d_name;
+    if (strcmp(pszName, ".") && strcmp(pszName, "..") && !strncmp(pszName, m_szPrefix, nPrefixLen))
+      std::swap(ppEntries[nOurs++], ppEntries[i]);
+  }
+  const int nRemove = nOurs - (nKeep > 0 ? nKeep : 0);
+  for (int i = 0; i < nRemove; i++) RemoveFile(ppEntries[i]->d_name);
+  for (int i = 0; i < nCount; i++) free(ppEntries[i]);
+  free(ppEntries);
+  return 0;
+}
+
+uint32_t Logger::LineCount() {
+  const AutoLock lock(m_mutex);
+  return m_uiLine;
+}

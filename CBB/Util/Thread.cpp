@@ -1,0 +1,36 @@
+#include "CBB/Util/Thread.h"
+
+#include <cassert>
+#include <memory>
+#include <new>
+
+namespace {
+
+int Launch(stThread& thread, void* (*pfnBody)(void*), void* pArg, size_t nStackSize) {
+  if (pthread_attr_init(&thread.attr)) return 1;
+  if (!pthread_attr_setdetachstate(&thread.attr, PTHREAD_CREATE_JOINABLE) &&
+      !pthread_attr_setstacksize(&thread.attr, nStackSize ? nStackSize : kDefaultStackSize) &&
+      !pthread_create(&thread.tid, &thread.attr, pfnBody, pArg))
+    return 0;
+  pthread_attr_destroy(&thread.attr);
+  return 1;
+}
+
+}  // namespace
+
+int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_t nStackSize) {
+  assert(pfnBody && ppThread);
+  std::unique_ptr<stThread> pThread(new (std::nothrow) stThread{});
+  if (!pThread) return 3;
+  if (const int nRet = Launch(*pThread, pfnBody, pArg, nStackSize)) return nRet;
+  *ppThread = pThread.release();
+  return 0;
+}
+
+void ThreadStop(stThread* pThread) {
+  assert(pThread);
+  pthread_cancel(pThread->tid);
+  pthread_join(pThread->tid, nullptr);
+  pthread_attr_destroy(&pThread->attr);
+  delete pThread;
+}
