@@ -1,0 +1,63 @@
+// The datagram endpoint towards the device application: one object per exchange, bound to a fixed
+// local port, sending to a fixed destination and waiting a bounded time for one reply.
+//
+// An object belongs to one thread. It owns its socket. Failures print a line and return; only the
+// sender's port is checked, by design.
+#ifndef CONTROL_UDPCTRLSOCKET_H_
+#define CONTROL_UDPCTRLSOCKET_H_
+
+#include <netinet/in.h>
+
+#include <cstdint>
+
+// The longest datagram that is received whole, in bytes.
+constexpr int kReplyMax = 30000;
+
+class CUdpCtrlSocket {
+ public:
+  // Opens the socket at once; a failure is printed and shows as a failed send later. The address is
+  // dotted IPv4 text (31 characters kept), "255.255.255.255" means broadcast when ucBroadcast is
+  // set. The socket is bound to usLocalPort (0: any) on the address of the interface (11 characters
+  // kept), or on any address when the interface has none. Ports in host order.
+  CUdpCtrlSocket(const char* pszDstIp, uint16_t usDstPort, uint16_t usLocalPort,
+                 uint8_t ucBroadcast, const char* pszIfName);
+  virtual ~CUdpCtrlSocket();
+  CUdpCtrlSocket(const CUdpCtrlSocket&) = delete;
+  CUdpCtrlSocket& operator=(const CUdpCtrlSocket&) = delete;
+
+  // Creates and binds the socket. Returns 0 (also when it is open already), or -1.
+  int OpenCtrlSocket();
+  // Closes the socket if one is open. Returns 0.
+  int CloseCtrlSocket();
+
+  // Discards what has arrived so far, then sends nLen bytes as one datagram. Returns 0, or -1.
+  int SendDataToHost(const void* pData, int nLen);
+
+  // Waits up to nTimeoutSec seconds for one datagram from the destination's port. nLen gives the
+  // room in pBuf and receives the number of bytes; no terminator is added. Returns 0; -1 for a
+  // failure, a sender with another port or a datagram beyond the room or empty; -2 when the time
+  // is up. Buffer and nLen are touched on success only.
+  int RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec);
+
+ private:
+  int CreateSocket();
+  int BindSocket();
+  void FlushStale();
+  int FillDestination(sockaddr_in& dst) const;
+  int WaitReadable(int nTimeoutSec) const;
+  int TakeDatagram(const sockaddr_in& from, const void* pData, int nGot, void* pBuf,
+                   int& nLen) const;
+
+  int32_t m_nSock = -1;
+  char m_szDstIp[32] = "";
+  uint16_t m_usDstPort;
+  uint16_t m_usLocalPort;
+  uint8_t m_ucBroadcast;
+  char m_szIfName[12] = "";
+};
+
+// Looks up the IPv4 broadcast address of a named interface (15 characters count). Returns 0 with
+// the address in network order, or -1; uiAddr is touched on success only.
+int GetIfBrdAddr(const char* pszIfName, uint32_t& uiAddr);
+
+#endif  // CONTROL_UDPCTRLSOCKET_H_

@@ -1,0 +1,120 @@
+#include "control/VariCfgSec.h"
+
+#include <cassert>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "control/XmlText.h"
+
+namespace {
+
+constexpr char kRoot[] = "VariCfgSec";
+constexpr char kAction[] = "Action";
+constexpr char kResult[] = "Result";
+constexpr uint8_t kBroadcast = 1;
+constexpr size_t kResultSize = 512;
+
+// The source lines that the traces of a query name.
+constexpr int kLineQueryStart = 461;
+constexpr int kLineQueryDone = 477;
+
+// Indexed by CParaCmd.
+constexpr const char* kActions[] = {"BROAD_SEARCH", "DEVICE_QUERY", "DEVICE_SET", "DEVICE_REBOOT",
+                                    "DEVICE_FORMAT"};
+static_assert(sizeof(kActions) / sizeof(kActions[0]) == kCmdUnknown, "one row per known command");
+
+int ActionCode(const char* pszAction) {
+  int nCode = 0;
+  while (nCode < kCmdUnknown && strcmp(kActions[nCode], pszAction) != 0) nCode++;
+  return nCode;
+}
+
+}  // namespace
+
+int GetParaInfoByCmd(const char* pszDevIp, uint16_t usDevPort, const char* pszRequest, char* pReply,
+                     int& nCapacity) {
+  printf("FUN:%s, LINE:%d, dst.ip:%s, dst:port:%d.\n", __func__, kLineQueryStart, pszDevIp,
+         usDevPort);
+  CUdpCtrlSocket sock(pszDevIp, usDevPort, kLocalPort, kBroadcast, kInterface);
+  if (const int nRet = sock.SendDataToHost(pszRequest, static_cast<int>(strlen(pszRequest))))
+    return nRet;
+  if (sock.RecvDataFromHost(pReply, nCapacity, kDeviceTimeoutSec)) return -1;
+  // The rest of a longer request may stand behind the reply in the same buffer.
+  pReply[nCapacity] = '\0';
+  printf("FUN:%s, LINE:%d.\n", __func__, kLineQueryDone);
+  return 0;
+}
+
+int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nResult,
+                     int nTimeoutSec) {
+  if (const int nRet = sock.SendDataToHost(pszMsg, nLen)) return nRet;
+  // On the heap: the thread's stack has 128 KiB.
+  const std::unique_ptr<char[]> pReply(new (std::nothrow) char[kReplyMax + 1]());
+  if (!pReply) return -1;
+  int nReplyLen = kReplyMax;
+  if (sock.RecvDataFromHost(pReply.get(), nReplyLen, nTimeoutSec)) return -1;
+  char szResult[kResultSize] = "";
+  if (GetParaAttr(pReply.get(), kResult, szResult, sizeof(szResult))) return -1;
+  nResult = atoi(szResult);
+  return 0;
+}
+
+int CheckMessage(const char* pszText, TiXmlDocument& doc, TiXmlElement*& pRoot) {
+  if (ParseXml(doc, pszText)) return -2;
+  TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
+  if (!pFound) return -2;
+  // Deliberate: the lines name the classifier, whoever asks for the check.
+  const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
+  if (!pAttr) {
+    printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
+    return -1;
+  }
+  if (strcmp(pAttr->Name(), kAction) != 0) {
+    printf("CWebCtrl::GetParaCmdType, first attribute name is not Action.\n");
+    return -1;
+  }
+  pRoot = pFound;
+  return 0;
+}
+
+int GetParaSection(const char* pszReply, TiXmlDocument& doc, TiXmlElement*& pSection) {
+  TiXmlElement* pRoot = nullptr;
+  if (CheckMessage(pszReply, doc, pRoot)) return -1;
+  TiXmlElement* const pChild = pRoot->FirstChildElement();
+  if (!pChild) return -1;
+  pSection = pChild;
+  return 0;
+}
+
+int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_t nCapacity) {
+  assert(nCapacity > 0);
+  TiXmlDocument doc;
+  TiXmlElement* pRoot = nullptr;
+  if (CheckMessage(pszReply, doc, pRoot)) return -1;
+  const char* const pszFound = pRoot->Attribute(pszName);
+  if (!pszFound) return -1;
+  snprintf(pszValue, nCapacity, "%s", pszFound);
+  return 0;
+}
+
+int GetParaCmdType(const char* pszText, int& nCode) {
+  printf("----------------------CWebCtrl::GetParaCmdType, data:%s.\n", pszText);
+  TiXmlDocument doc;
+  TiXmlElement* pRoot = nullptr;
+  const int nRet = CheckMessage(pszText, doc, pRoot);
+  if (nRet == -2)
+    printf("CWebCtrl::GetParaCmdType, xmlDoc.FirstChildElement[VariCfgSec] failed.\n");
+  if (nRet) return -1;
+  const TiXmlAttribute* const pAction = pRoot->FirstAttribute();
+  const TiXmlAttribute* const pSecond = pAction->Next();
+  if (pSecond && !strcmp(pSecond->Name(), kResult)) {
+    printf("CWebCtrl::GetParaCmdType, is resp msg, do't handle.\n");
+    return -1;
+  }
+  nCode = ActionCode(pAction->Value());
+  printf("CWebCtrl::GetParaCmdType, support cmd:%s.\n", pAction->Value());
+  return 0;
+}

@@ -1,0 +1,19 @@
+// Hostile XML text on its way to the recursive parser.
+//
+// The server thread has a stack of 128 KiB and the parser takes a frame per nested element, so the
+// nesting is measured, without recursion, before the parser sees the text.
+#ifndef CONTROL_XMLTEXT_H_
+#define CONTROL_XMLTEXT_H_
+
+#include <tinyxml.h>
+
+// The deepest nesting of elements that is parsed; the root counts as 1.
+constexpr int kXmlDepthMax = 32;
+
+// Parses a terminated text into a document, whose earlier content is dropped. Returns 0 when the
+// text was parsed as far as the parser gets (its own errors are the document's); -1, with an empty
+// document, when elements nest deeper than kXmlDepthMax or memory runs out. Stateless, for any
+// thread.
+int ParseXml(TiXmlDocument& doc, const char* pszText);
+
+#endif  // CONTROL_XMLTEXT_H_
