@@ -1,0 +1,24 @@
+// devsim: the simulated recorder. Answers the web-control daemon on a desk and in tests.
+#include <stdio.h>
+
+#include "tools/devsim/Options.h"
+#include "tools/devsim/Simulator.h"
+
+int main(int nArgs, char** ppszArgs) {
+  stOptions options;
+  std::string strError;
+  if (ReadOptions(nArgs, ppszArgs, options, strError) != 0) {
+    fprintf(stderr, "devsim: %s\n", strError.c_str());
+    return 2;
+  }
+  if (options.bHelp) {
+    printf("%s", HelpText().c_str());
+    return 0;
+  }
+  CSimulator simulator;
+  if (simulator.Open(options, strError) != 0) {
+    fprintf(stderr, "devsim: %s\n", strError.c_str());
+    return 1;
+  }
+  return simulator.Run() == 0 ? 0 : 1;
+}
