@@ -11,7 +11,7 @@ declare -A pids=()
 # port_owner <ss flags> <port>: "name (pid 12)" of who has the port; nothing when it is free.
 port_owner() {
   local line
-  line=$(ss -H -anp "$1" "sport = :$2" | grep -v TIME-WAIT | head -n 1) || true
+  line=$(ss -H -n -p "$1" "sport = :$2" | head -n 1)
   [ -n "$line" ] || return 0
   if [[ $line =~ users:\(\(\"([^\"]*)\",pid=([0-9]+) ]]; then
     echo "${BASH_REMATCH[1]} (pid ${BASH_REMATCH[2]})"
@@ -37,8 +37,8 @@ require_port_80() {
 
 check_ports() {
   require_free -lt 80 tcp "web pages"
-  require_free -u 4999 udp "the daemon's own socket"
-  require_free -u 6000 udp "the device application"
+  require_free -au 4999 udp "the daemon's own socket"
+  require_free -au 6000 udp "the device application"
   require_port_80
 }
 
@@ -77,7 +77,7 @@ wait_until_ready() {
   local tries
   for ((tries = 0; tries < 100; tries++)); do
     require_alive
-    [ -z "$(port_owner -u 6000)" ] || [ -z "$(port_owner -lt 80)" ] || return 0
+    [ -z "$(port_owner -au 6000)" ] || [ -z "$(port_owner -lt 80)" ] || return 0
     sleep 0.1
   done
   fail "the daemon does not listen on port 80 after 10 s: $(tail -n 1 "$state/webctrl.log")"
@@ -98,7 +98,7 @@ build
 trap stop_all EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
-start devsim "$bin/devsim" --state "$state/recorder.xml"
+start devsim "$bin/devsim" --state "$state/recorder.xml" --log -
 start webctrl "$bin/webctrl"
 wait_until_ready
 say "open http://localhost/login.html"

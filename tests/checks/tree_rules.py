@@ -1,0 +1,71 @@
+#!/usr/bin/python3
+"""Holds the C++ tree to its rules: how long a file may be, and which folder may include which.
+
+usage: tree_rules.py <source folder>
+"""
+import os
+import re
+import sys
+
+# Folder: what it may include besides itself. Tests may include anything.
+LAYERS = {
+    "encoding": set(),
+    "CBB/Util": set(),
+    "control": {"CBB/Util"},
+    "config": {"CBB/Util"},
+    "CBB/WebCtrl": {"CBB/Util", "control", "config", "encoding"},
+    "tools/devsim": set(),
+}
+MOST_LINES = {".cpp": 300, ".h": 120}
+# The one class that has every endpoint as a member cannot be shorter than their list.
+LONG_LISTS = {"CBB/WebCtrl/WebCtrl.h"}
+FREE = ("tests/", "bench/", "fuzz/", "tools/")
+
+
+def sources(top):
+    for folder, folders, names in os.walk(top):
+        folders[:] = [name for name in folders
+                      if name not in ("build", "node_modules") and not name.startswith(".")]
+        for name in names:
+            path = os.path.relpath(os.path.join(folder, name), top)
+            if os.path.splitext(name)[1] in MOST_LINES:
+                yield path
+
+
+def layer_of(path):
+    return next((layer for layer in LAYERS if path.startswith(layer + "/")), None)
+
+
+def include_problems(path, text):
+    layer = layer_of(path)
+    for name in re.findall(r'^#include "([^"]+)"', text, re.M):
+        target = layer_of(name)
+        if layer and target and target != layer and target not in LAYERS[layer]:
+            yield f"{path}: {layer} may not include {name}"
+    if re.search(r'^#include [<"]mongoose\.h', text, re.M) and layer != "CBB/WebCtrl":
+        if not path.startswith(FREE):
+            yield f"{path}: only CBB/WebCtrl may include the HTTP library"
+
+
+def problems(path, text):
+    lines = text.count("\n")
+    most = MOST_LINES[os.path.splitext(path)[1]]
+    if lines > most and path not in LONG_LISTS and not path.startswith("tests/"):
+        yield f"{path}: {lines} lines, more than {most}"
+    yield from include_problems(path, text)
+
+
+def main():
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    paths = sorted(sources(sys.argv[1]))
+    found = []
+    for path in paths:
+        with open(os.path.join(sys.argv[1], path), encoding="utf-8") as file:
+            found += problems(path, file.read())
+    print("\n".join(found) or f"{len(paths)} files keep the rules")
+    sys.exit(1 if found or not paths else 0)
+
+
+if __name__ == "__main__":
+    main()
