@@ -10,6 +10,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "CBB/Util/TextCopy.h"
 #include "config/TextValue.h"
 
 template <auto M>
@@ -28,9 +29,7 @@ template <auto M>
 int Store(typename MemberOf<M>::Record& rec, const char* pszText) {
   using F = typename MemberOf<M>::Field;
   if constexpr (std::is_array_v<F>) {
-    constexpr size_t kLast = std::extent_v<F> - 1;
-    strncpy(rec.*M, pszText, kLast);
-    (rec.*M)[kLast] = '\0';
+    CopyText(rec.*M, sizeof(F), pszText);
   } else if constexpr (std::is_floating_point_v<F>) {
     rec.*M = TextToFloat(pszText);
   } else {

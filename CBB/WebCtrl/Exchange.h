@@ -1,0 +1,50 @@
+// The exchanges with the device application that the endpoints share: what a query is (data) and
+// how it runs. The set side is in CWebCtrl: TransactSection, then Conclude.
+#pragma once
+
+#include <tinyxml.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "CBB/WebCtrl/WebCtrl.h"
+#include "config/Config_Task.h"
+#include "control/VariCfgSec.h"
+
+#define QUERY(section) "<VariCfgSec Action=\"DEVICE_QUERY\">" section "</VariCfgSec>"
+#define SET(section) "<VariCfgSec Action=\"DEVICE_SET\">" section "</VariCfgSec>"
+
+constexpr int kMaxQueryReply = 2048;
+
+// One query: the request text, how long a reply may be (at most kMaxQueryReply bytes; it arrives in
+// the request's buffer), the importer, which fills the record and returns 0 or leaves it, and what
+// a trace of the reply's text begins with (null: no such trace).
+template <class R>
+struct CQuery {
+  const char* pszRequest;
+  int nCapacity;
+  int (*pfnImport)(TiXmlElement* pSection, R& rec);
+  const char* pszReplyTrace = nullptr;
+};
+
+// Imports a section with the importer pfnImport and copies its member pRecord out on success.
+template <auto pfnImport, auto pRecord>
+int ImportRecord(TiXmlElement* pSection, typename MemberOf<pRecord>::Field& rec) {
+  CConfig_Task task;
+  const int nRet = (task.*pfnImport)(pSection, nullptr);
+  if (nRet == 0) rec = task.Record().*pRecord;
+  return nRet;
+}
+
+template <class R>
+int CWebCtrl::Query(const CQuery<R>& query, R& rec) {
+  char szText[kMaxQueryReply + 1] = {};
+  strncpy(szText, query.pszRequest, kMaxQueryReply);
+  int nLen = query.nCapacity;
+  if (GetParaInfoByCmd(szText, szText, nLen) != 0) return -1;
+  if (query.pszReplyTrace != nullptr) printf("%s%s.\n", query.pszReplyTrace, szText);
+  TiXmlDocument doc;
+  TiXmlElement* pSection = nullptr;
+  if (GetParaSection(szText, doc, pSection) != 0) return -1;
+  return query.pfnImport(pSection, rec);
+}

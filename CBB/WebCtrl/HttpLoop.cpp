@@ -1,0 +1,110 @@
+#include "CBB/WebCtrl/HttpLoop.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "CBB/WebCtrl/WebCtrl.h"
+
+namespace {
+
+constexpr const char* kPort = "80";
+constexpr int kPollMs = 1000;
+constexpr size_t kMaxRequestBytes = 1024 * 1024;
+constexpr int kMaxConnections = 128;
+
+// What the include calls of the pages print.
+char g_szSetting1[100] = "value1";
+char g_szSetting2[100] = "value2";
+
+void PrintSetting(mg_connection* pConn, const char* pszName) {
+  if (strcmp(pszName, "setting1") == 0) mg_printf_html_escape(pConn, "%s", g_szSetting1);
+  if (strcmp(pszName, "setting2") == 0) mg_printf_html_escape(pConn, "%s", g_szSetting2);
+}
+
+// Whether the body that the library reports is the whole one and lies in the received bytes. The
+// library takes a negative Content-Length for a whole request, and when a client goes away it
+// delivers what had arrived until then.
+bool IsWhole(const mg_connection& conn, http_message& msg) {
+  const mbuf& received = conn.recv_mbuf;
+  const size_t nHead = static_cast<size_t>(msg.body.p - received.buf);
+  if (nHead > received.len || msg.body.len > received.len - nHead) return false;
+  const bool bClosing = (conn.flags & (MG_F_CLOSE_IMMEDIATELY | MG_F_SEND_AND_CLOSE)) != 0;
+  if (!bClosing) return true;
+  if (mg_get_http_header(&msg, "Transfer-Encoding") != nullptr) return false;
+  const mg_str* pLength = mg_get_http_header(&msg, "Content-Length");
+  return pLength == nullptr || strtoull(pLength->p, nullptr, 10) == msg.body.len;
+}
+
+void HandleRequest(mg_connection* pConn, http_message* pMsg) {
+  if (!IsWhole(*pConn, *pMsg)) {
+    pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
+    pMsg->message.len = pConn->recv_mbuf.len;  // or the library would look at the same bytes again
+    return;
+  }
+  CWebCtrl::Instance().DoHttpRequeset(pConn, pMsg);
+}
+
+// Replies go out without waiting for acknowledgements; accepted sockets inherit it.
+void SetListenerLimits(mg_connection* pListener) {
+  const int nOn = 1;
+  setsockopt(pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
+  pListener->recv_mbuf_limit = kMaxRequestBytes;
+}
+
+}  // namespace
+
+mg_serve_http_opts& HttpOptions() {
+  static mg_serve_http_opts opts{};
+  return opts;
+}
+
+void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
+  if (nEvent == MG_EV_HTTP_REQUEST) HandleRequest(pConn, static_cast<http_message*>(pData));
+  if (nEvent == MG_EV_SSI_CALL) PrintSetting(pConn, static_cast<const char*>(pData));
+}
+
+void CloseIdleConnections(mg_mgr& mgr) {
+  int nOpen = 0;
+  for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
+    if (p->listener != nullptr && (p->flags & MG_F_CLOSE_IMMEDIATELY) == 0) ++nOpen;
+  }
+  for (; nOpen > kMaxConnections; --nOpen) {
+    mg_connection* pIdlest = nullptr;
+    for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
+      if (p->listener == nullptr || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0) continue;
+      // New connections stand in front: of two equally idle ones the older goes.
+      if (pIdlest == nullptr || p->last_io_time <= pIdlest->last_io_time) pIdlest = p;
+    }
+    pIdlest->flags |= MG_F_CLOSE_IMMEDIATELY;
+  }
+}
+
+int RunHttpLoop(const char* pszWebRoot) {
+  mg_mgr mgr;
+  mg_mgr_init(&mgr, nullptr);
+  // Deliberate: the failure paths below leave the manager as it is.
+  mg_connection* const pListener = mg_bind(&mgr, kPort, &HttpEvent);
+  if (pListener == nullptr) {
+    fprintf(stderr, "Cannot bind to %s\n", kPort);
+    return -1;
+  }
+  SetListenerLimits(pListener);
+  mg_set_protocol_http_websocket(pListener);
+  HttpOptions().document_root = pszWebRoot;
+  struct stat st {};
+  if (stat(pszWebRoot, &st) != 0) {
+    fputs("Cannot find web_root directory, exiting\n", stderr);
+    return -1;
+  }
+  printf("Starting web server on port %s\n", kPort);
+  for (;;) {
+    mg_mgr_poll(&mgr, kPollMs);
+    CloseIdleConnections(mgr);
+  }
+}

@@ -1,0 +1,89 @@
+// The hand-formatted JSON replies: a status line and header, one chunk a piece, an empty chunk.
+//
+// Nothing is escaped: a value reaches the browser as the device gave it. Used on the HTTP server
+// thread only; the connection belongs to the HTTP library.
+#pragma once
+
+#include <mongoose.h>
+
+#include <cstdint>
+#include <type_traits>
+
+#include "config/AttrTable.h"
+
+constexpr const char* kStdHeader = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+// Deliberate: the misspelt media type and the missing blank are what the pages know.
+constexpr const char* kJsonHeader =
+    "HTTP/1.1 200 OK\r\nContent-Type:applicaion/json;charset=UTF-8\r\n"
+    "Transfer-Encoding: chunked\r\n\r\n";
+
+// One query reply. Each Add or Piece is one chunk; Result ends the reply.
+class CJsonReply {
+ public:
+  // Sends pszHeader at once.
+  explicit CJsonReply(mg_connection* pConn, const char* pszHeader = kStdHeader);
+
+  // `"key": "text"`, opened by "{ " as the first piece and by ", " later.
+  void Add(const char* pszKey, const char* pszText);
+
+  // `"key": "number"`: numbers are quoted. Unsigned values from 2^31 on show negative.
+  void Add(const char* pszKey, int nValue);
+
+  // `"key": "a.b.c.d"` from an address in network byte order, a platform's own address masked.
+  void AddAddress(const char* pszKey, uint32_t uiAddress);
+
+  // One irregular piece, exactly as given.
+  void Piece(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
+
+  // `, "result": 1 }` for success, else 0, and the end of the reply.
+  void Result(bool bOk);
+
+  // The empty chunk that ends the reply.
+  void End();
+
+ private:
+  const char* Lead() { return m_nPieces != 0 ? ", " : "{ "; }
+
+  mg_connection* m_pConn;
+  int m_nPieces = 0;
+};
+
+// The whole reply of a set endpoint: `{"result": 1 }` for success, else 0.
+void ReplyResult(mg_connection* pConn, bool bOk);
+
+// One row of a query reply: the key, and how its value is written.
+template <class R>
+struct CJsonField {
+  const char* pszKey;
+  void (*pfnEmit)(CJsonReply& reply, const char* pszKey, const R& rec);
+};
+
+// Writes the record's field M as it stands.
+template <auto M>
+void Emit(CJsonReply& reply, const char* pszKey, const typename MemberOf<M>::Record& rec) {
+  if constexpr (std::is_array_v<typename MemberOf<M>::Field>) {
+    reply.Add(pszKey, rec.*M);
+  } else {
+    reply.Add(pszKey, static_cast<int>(rec.*M));
+  }
+}
+
+// Writes field M of the first item in the record's item array A.
+template <auto A, auto M>
+void EmitItem(CJsonReply& reply, const char* pszKey, const typename MemberOf<A>::Record& rec) {
+  Emit<M>(reply, pszKey, (rec.*A)[0]);
+}
+
+// Writes the address field M as dotted text, a platform's own address masked.
+template <auto M>
+void EmitAddress(CJsonReply& reply, const char* pszKey, const typename MemberOf<M>::Record& rec) {
+  reply.AddAddress(pszKey, rec.*M);
+}
+
+// Writes the rows in order and the result: a whole query reply.
+template <class R, size_t N>
+void ReplyFields(mg_connection* pConn, const CJsonField<R> (&rows)[N], const R& rec, bool bOk) {
+  CJsonReply reply(pConn);
+  for (const CJsonField<R>& row : rows) row.pfnEmit(reply, row.pszKey, rec);
+  reply.Result(bOk);
+}

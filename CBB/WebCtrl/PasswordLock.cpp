@@ -1,0 +1,70 @@
+// The password lock's endpoints. The service only forwards the numbers, except that the query
+// clears a lock whose hour has passed.
+#include "CBB/WebCtrl/PasswordLock.h"
+
+#include <ctime>
+
+#include "CBB/WebCtrl/Exchange.h"
+#include "CBB/WebCtrl/FormReader.h"
+#include "CBB/WebCtrl/JsonReply.h"
+#include "CBB/WebCtrl/Trace.h"
+
+namespace {
+
+constexpr uint32_t kClockOffsetSec = 28800;  // the stored lock time is 8 hours behind our clock
+constexpr uint32_t kLockOutSec = 3600;
+constexpr uint8_t kMaxErrors = 5;
+
+constexpr CQuery<stLockOfPassword> kQuery{
+    QUERY("<stLockOfPassword>"), 256,
+    ImportRecord<&CConfig_Task::Import_stLockOfPassword, &stConfig::stLockOfPasswordInfo>};
+
+constexpr CFormField<stLockOfPassword> kForm[] = {
+    {"ucFD_ErrorCount", Presence::kNonEmpty, Store<&stLockOfPassword::ucFD_ErrorCount>},
+    {"time", Presence::kNonEmpty, Store<&stLockOfPassword::uiFD_LockTime>}};
+
+}  // namespace
+
+stLockState EvaluateLock(const stLockOfPassword& rec, uint32_t uiNow) {
+  const uint32_t uiElapsed = uiNow - kClockOffsetSec - rec.uiFD_LockTime;
+  if (uiElapsed < kLockOutSec || rec.ucFD_ErrorCount < kMaxErrors) {
+    return {rec.ucFD_ErrorCount, uiElapsed, false};
+  }
+  // Deliberate: here the stored lock time is told, not the elapsed one.
+  return {0, rec.uiFD_LockTime, true};
+}
+
+int CWebCtrl::getLockOfPasswordFromNet(stLockOfPassword& rec) {
+  const CFunTrace trace;
+  return Query(kQuery, rec);
+}
+
+void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  stLockOfPassword rec{};
+  const int nRet = getLockOfPasswordFromNet(rec);
+  const stLockState state = EvaluateLock(rec, static_cast<uint32_t>(time(nullptr)));
+  if (state.bLockOver) setLockOfPasswordToNet(0, rec.uiFD_LockTime);
+  CJsonReply reply(pConn);
+  reply.Add("ucFD_ErrorCount", state.nErrorCount);
+  reply.Piece(", \"time\": \"%d\" ", static_cast<int>(state.uiTime));
+  reply.Result(nRet == 0);
+}
+
+int CWebCtrl::setLockOfPasswordToNet(uint8_t ucErrorCount, uint32_t uiLockTime) {
+  TraceFun();
+  const stSetOutcome outcome =
+      TransactSection(SET("<stLockOfPassword ucFD_ErrorCount=\"%d\" uiFD_LockTime=\"%d\" />"),
+                      ucErrorCount, static_cast<int>(uiLockTime));
+  Conclude(outcome);
+  if (outcome.Accepted()) return 0;
+  TraceFun();
+  return -1;
+}
+
+void CWebCtrl::set_LockOfPassword(mg_connection* pConn, http_message* pMsg) {
+  const CFunTrace trace;
+  stLockOfPassword rec{};
+  ReadForm<256>(*pMsg, kForm, rec);
+  ReplyResult(pConn, setLockOfPasswordToNet(rec.ucFD_ErrorCount, rec.uiFD_LockTime) == 0);
+}

@@ -1,0 +1,231 @@
+// The query endpoints: one request, one importer and one list of JSON fields each. The endpoints
+// with branches of their own are in Wifi, Login, SystemStatus and Gb28181.
+#include <arpa/inet.h>
+
+#include <cstring>
+#include <ctime>
+
+#include "CBB/WebCtrl/Exchange.h"
+#include "CBB/WebCtrl/JsonReply.h"
+#include "CBB/WebCtrl/Trace.h"
+
+namespace {
+
+// Deliberate: most section tags are left open; the device application expects them so.
+constexpr CQuery<stDisplay> kLangQuery{
+    QUERY("<stDisplay>"), 512,
+    ImportRecord<&CConfig_Task::Import_stDisplay, &stConfig::stDisplayInfo>};
+constexpr CQuery<stBaseInfo> kBaseQuery{
+    QUERY("<stBaseInfo>"), 512,
+    ImportRecord<&CConfig_Task::Import_stBaseInfo, &stConfig::stBaseInfoInfo>};
+constexpr CQuery<stVideoMirror> kMirrorQuery{
+    QUERY("<stVideoMirror>"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stVideoMirror, &stConfig::stVideoMirrorInfo>};
+constexpr CQuery<stMainStream> kMainStreamQuery{
+    QUERY("<stMainStream StartChn=\"0\">"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stMainStream, &stConfig::stMainStreamInfo>};
+constexpr CQuery<stSubStream> kSubStreamQuery{
+    QUERY("<stSubStream>"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stSubStream, &stConfig::stSubStreamInfo>};
+constexpr CQuery<stNetWorkMode> kNetWModeQuery{
+    QUERY("<stNetWorkMode>"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stNetWorkMode, &stConfig::stNetWorkModeInfo>};
+constexpr CQuery<stMobileGNet> kGNetQuery{
+    QUERY("<stMobileGNet>"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stMobileGNet, &stConfig::stMobileGNetInfo>};
+constexpr CQuery<stLocalEth0> kLocalNetQuery{
+    QUERY("<stLocalEth0>"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stLocalEth0, &stConfig::stLocalEth0Info>};
+constexpr CQuery<stVersion> kVersionQuery{
+    QUERY("<stVersion />"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stVersion, &stConfig::stVersionInfo>};
+
+int ImportFirstCms(TiXmlElement* pSection, stCMS& rec) {
+  CConfig_Task task;
+  const int nRet = task.Import_stCMS(pSection, 0);
+  if (nRet == 0) rec = task.Record().stCMSInfo[0];
+  return nRet;
+}
+constexpr CQuery<stCMS> kVCmsQuery{QUERY("<stCMS>"), kMaxQueryReply, ImportFirstCms};
+
+void EmitLanguage(CJsonReply& reply, const char* pszKey, const stDisplay& rec) {
+  reply.Add(pszKey, strcmp(rec.strLanguage, "CN") == 0 ? "CN" : "EN");
+}
+constexpr CJsonField<stDisplay> kLangJson[] = {{"strLanguage", EmitLanguage}};
+
+// The time zone's piece ends with a blank.
+void EmitTimeZone(CJsonReply& reply, const char* pszKey, const stBaseInfo& rec) {
+  reply.Piece(", \"%s\": \"%d\" ", pszKey, rec.ucFD_TimeZone);
+}
+// Deliberate: the service's own clock is shown, not the device's strFD_CurTime; the handler puts it
+// into the record.
+constexpr CJsonField<stBaseInfo> kBaseJson[] = {
+    {"strFD_DeviceNo", Emit<&stBaseInfo::strFD_DeviceNo>},
+    {"ucFD_TimeZone", EmitTimeZone},
+    {"ucFD_GpsSTFlag", Emit<&stBaseInfo::ucFD_GpsSTFlag>},
+    {"strFD_CurTime", Emit<&stBaseInfo::strFD_CurTime>}};
+
+constexpr auto kMirrorItem = &stVideoMirror::stVideoMirrorPara;
+constexpr CJsonField<stVideoMirror> kMirrorJson[] = {
+    {"strFD_LeftRight", EmitItem<kMirrorItem, &stVideoMirrorItem::ucFD_LeftRight>},
+    {"strFD_UpDown", EmitItem<kMirrorItem, &stVideoMirrorItem::ucFD_UpDown>}};
+
+constexpr auto kVideoItem = &stMainStream::stVideoPara;
+constexpr CJsonField<stMainStream> kMainStreamJson[] = {
+    {"ucFD_FrameRate", EmitItem<kVideoItem, &stVideoItem::ucFD_FrameRate>},
+    {"uiFD_BitRate", EmitItem<kVideoItem, &stVideoItem::uiFD_BitRate>}};
+
+constexpr CJsonField<stSubStream> kSubStreamJson[] = {
+    {"ucFD_SFrameRate", Emit<&stSubStream::ucFD_FrameRate>},
+    {"uiFD_SBitRate", Emit<&stSubStream::uiFD_BitRate>}};
+
+constexpr CJsonField<stNetWorkMode> kNetWModeJson[] = {
+    {"ucFD_NetWType", Emit<&stNetWorkMode::ucFD_NetType>}};
+
+void EmitCmsAddress(CJsonReply& reply, const char* pszKey, const stCMS& rec) {
+  if (rec.ucFD_AddressType == 0) {
+    reply.AddAddress(pszKey, rec.uiFD_IP);
+  } else {
+    reply.Add(pszKey, rec.strFD_Domain);
+  }
+}
+constexpr CJsonField<stCMS> kVCmsJson[] = {{"ucFD_AddressType", Emit<&stCMS::ucFD_AddressType>},
+                                           {"strFD_Address", EmitCmsAddress},
+                                           {"usFD_Port", Emit<&stCMS::usFD_Port>}};
+
+constexpr CJsonField<stMobileGNet> kGNetJson[] = {
+    {"ucFD_NetType", Emit<&stMobileGNet::ucFD_NetType>},
+    {"strFD_Apn", Emit<&stMobileGNet::strFD_Apn>},
+    {"strFD_PhoneNo", Emit<&stMobileGNet::strFD_PhoneNo>},
+    {"strFD_UserName", Emit<&stMobileGNet::strFD_UserName>},
+    {"strFD_UserPasswd", Emit<&stMobileGNet::strFD_UserPasswd>}};
+
+constexpr CJsonField<stLocalEth0> kLocalNetJson[] = {
+    {"strFD_LocalIp", EmitAddress<&stLocalEth0::uiFD_LocalIp>},
+    {"strFD_NetMask", EmitAddress<&stLocalEth0::uiFD_NetMask>},
+    {"strFD_GateWay", EmitAddress<&stLocalEth0::uiFD_GateWay>},
+    {"strFD_Mac", Emit<&stLocalEth0::strFD_Mac>}};
+
+// Deliberate: the pages expect no comma here, and the application's version under both keys.
+void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& rec) {
+  reply.Piece(" \"%s\": \"%s\"", pszKey, rec.strAppVer);
+}
+constexpr CJsonField<stVersion> kVersionJson[] = {{"strFD_AppVersion", Emit<&stVersion::strAppVer>},
+                                                  {"strFD_KnlVersion", EmitKernelVersion}};
+
+// A whole query endpoint: a failed query still answers, with zero and empty values.
+template <class R, size_t N>
+void Answer(mg_connection* pConn, CWebCtrl& self, int (CWebCtrl::*pfnQuery)(R& rec),
+            const CJsonField<R> (&rows)[N]) {
+  R rec{};
+  const int nRet = (self.*pfnQuery)(rec);
+  ReplyFields(pConn, rows, rec, nRet == 0);
+}
+
+}  // namespace
+
+int CWebCtrl::getLangInfoFromNet(stDisplay& rec) {
+  const CFunTrace trace;
+  return Query(kLangQuery, rec);
+}
+
+void CWebCtrl::get_LangInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getLangInfoFromNet, kLangJson);
+}
+
+int CWebCtrl::getBaseInfoFromNet(stBaseInfo& rec) {
+  const CFunTrace trace;
+  return Query(kBaseQuery, rec);
+}
+
+void CWebCtrl::get_BaseInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  const time_t now = time(nullptr);
+  tm local{};
+  localtime_r(&now, &local);
+  stBaseInfo rec{};
+  const int nRet = getBaseInfoFromNet(rec);
+  strftime(rec.strFD_CurTime, sizeof(rec.strFD_CurTime), "%Y-%m-%d %H:%M:%S", &local);
+  ReplyFields(pConn, kBaseJson, rec, nRet == 0);
+}
+
+int CWebCtrl::getMirrorInfoFromNet(stVideoMirror& rec) {
+  const CFunTrace trace;
+  return Query(kMirrorQuery, rec);
+}
+
+void CWebCtrl::get_MirrorInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getMirrorInfoFromNet, kMirrorJson);
+}
+
+int CWebCtrl::getMainStreamInfoFromNet(stMainStream& rec) {
+  const CFunTrace trace;
+  return Query(kMainStreamQuery, rec);
+}
+
+void CWebCtrl::get_MainStreamInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getMainStreamInfoFromNet, kMainStreamJson);
+}
+
+int CWebCtrl::getSubStreamInfoFromNet(stSubStream& rec) {
+  const CFunTrace trace;
+  return Query(kSubStreamQuery, rec);
+}
+
+void CWebCtrl::get_SubStreamInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getSubStreamInfoFromNet, kSubStreamJson);
+}
+
+int CWebCtrl::getNetWModeInfoFromNet(stNetWorkMode& rec) {
+  const CFunTrace trace;
+  return Query(kNetWModeQuery, rec);
+}
+
+void CWebCtrl::get_NetWModeInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getNetWModeInfoFromNet, kNetWModeJson);
+}
+
+int CWebCtrl::getVCmsInfoFromNet(stCMS& rec) {
+  const CFunTrace trace;
+  return Query(kVCmsQuery, rec);
+}
+
+void CWebCtrl::get_VCmsInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getVCmsInfoFromNet, kVCmsJson);
+}
+
+int CWebCtrl::getGNetInfoFromNet(stMobileGNet& rec) {
+  const CFunTrace trace;
+  return Query(kGNetQuery, rec);
+}
+
+void CWebCtrl::get_GNetInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getGNetInfoFromNet, kGNetJson);
+}
+
+int CWebCtrl::getLocalNetInfoFromNet(stLocalEth0& rec) {
+  const CFunTrace trace;
+  return Query(kLocalNetQuery, rec);
+}
+
+void CWebCtrl::get_LocalNetInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getLocalNetInfoFromNet, kLocalNetJson);
+}
+
+int CWebCtrl::getVersionInfoFromNet(stVersion& rec) {
+  const CFunTrace trace;
+  return Query(kVersionQuery, rec);
+}
+
+void CWebCtrl::get_VersionInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  Answer(pConn, *this, &CWebCtrl::getVersionInfoFromNet, kVersionJson);
+}

@@ -1,0 +1,170 @@
+// CWebCtrl: the one service object. It owns the HTTP server thread, the device application's
+// address, the web sessions and the cached login passwords, and lives as long as the process.
+//
+// Threads: the first thread calls Init and Start and then sleeps; everything else - handlers,
+// sessions, device exchanges - runs on the HTTP server thread, one request at a time, unlocked.
+// Each handler get_X, set_X answers the URI of its name; Router.cpp lists them.
+#pragma once
+
+#include <mongoose.h>
+
+#include <atomic>
+#include <cstdint>
+
+#include "CBB/WebCtrl/Sessions.h"
+#include "config/Records.h"
+
+struct stThread;
+template <class R>
+struct CQuery;
+
+// The login passwords as the device last gave them, each cut to 7 characters.
+struct stLogin {
+  char strFD_NormalPasswd[8];
+  char strFD_AdminPasswd[8];
+};
+
+// What a set transaction brought: nRet 0 says only that a reply with a Result came back.
+struct stSetOutcome {
+  int nRet;
+  int nResult;
+  bool Accepted() const { return nRet == 0 && nResult == 0; }
+};
+
+class CWebCtrl {
+ public:
+  CWebCtrl() = default;
+  virtual ~CWebCtrl();
+  CWebCtrl(const CWebCtrl&) = delete;
+  CWebCtrl& operator=(const CWebCtrl&) = delete;
+
+  // The service object, made by the first call. Not locked: main calls it before any thread exists.
+  static CWebCtrl& Instance();
+
+  // Sets the device application's address (dotted IPv4, 31 characters kept) and UDP port; Restart
+  // goes back to this address. Always returns 0.
+  virtual int Init(const char* pszDeviceIp, int nDevicePort);
+
+  // Starts the server thread on the document root (127 characters kept). Returns 0, also when the
+  // service is started already, or -1 when the thread cannot be created.
+  virtual int Start(const char* pszWebRoot);
+
+  // Ends the server thread's block. Always returns 0. Called from a handler it returns at once and
+  // that thread goes on serving.
+  virtual int Stop();
+
+  // Stop, the address of Init again, two seconds, Start. Always returns 0.
+  virtual int Restart();
+
+  // Sets the device application's address and port until the next Restart.
+  void SetDevice(const char* pszDeviceIp, int nDevicePort);
+
+  bool IsStarted() const { return m_ucStarted != 0; }
+  const char* WebRoot() const { return m_szWebRoot; }
+  CSessions& Sessions() { return m_sessions; }
+
+  // Routes one whole request; called by the HTTP event handler only.
+  void DoHttpRequeset(mg_connection* pConn, http_message* pMsg);
+
+  // Handlers: each answers pConn before it returns, except where an unanswered path is part of the
+  // interface. The arguments belong to the HTTP library.
+  void get_LangInfo(mg_connection* pConn, http_message* pMsg);
+  void set_LangInfo(mg_connection* pConn, http_message* pMsg);
+  void get_BaseInfo(mg_connection* pConn, http_message* pMsg);
+  void set_BaseInfo(mg_connection* pConn, http_message* pMsg);
+  void get_UserSecurity(mg_connection* pConn, http_message* pMsg);
+  void set_UserSecurity(mg_connection* pConn, http_message* pMsg);
+  void cmp_UserSecurity(mg_connection* pConn, http_message* pMsg);
+  void get_LockOfPassword(mg_connection* pConn, http_message* pMsg);
+  void set_LockOfPassword(mg_connection* pConn, http_message* pMsg);
+  void set_DeviceNo(mg_connection* pConn, http_message* pMsg);
+  void get_MirrorInfo(mg_connection* pConn, http_message* pMsg);
+  void set_MirrorInfo(mg_connection* pConn, http_message* pMsg);
+  void get_MainStreamInfo(mg_connection* pConn, http_message* pMsg);
+  void set_MainStreamInfo(mg_connection* pConn, http_message* pMsg);
+  void get_SubStreamInfo(mg_connection* pConn, http_message* pMsg);
+  void set_SubStreamInfo(mg_connection* pConn, http_message* pMsg);
+  void get_NetWModeInfo(mg_connection* pConn, http_message* pMsg);
+  void set_NetWModeInfo(mg_connection* pConn, http_message* pMsg);
+  void get_VCmsInfo(mg_connection* pConn, http_message* pMsg);
+  void set_VCmsInfo(mg_connection* pConn, http_message* pMsg);
+  void get_WifiInfo(mg_connection* pConn, http_message* pMsg);
+  void set_WifiInfo(mg_connection* pConn, http_message* pMsg);
+  void get_GNetInfo(mg_connection* pConn, http_message* pMsg);
+  void set_GNetInfo(mg_connection* pConn, http_message* pMsg);
+  void get_GB28181Info(mg_connection* pConn, http_message* pMsg);
+  void set_GB28181Info(mg_connection* pConn, http_message* pMsg);
+  void get_cpu_usage(mg_connection* pConn, http_message* pMsg);
+  void get_VersionInfo(mg_connection* pConn, http_message* pMsg);
+  void get_SystemInfo(mg_connection* pConn, http_message* pMsg);
+  void set_Login(mg_connection* pConn, http_message* pMsg);
+  void get_Login(mg_connection* pConn, http_message* pMsg);
+  void get_LocalNetInfo(mg_connection* pConn, http_message* pMsg);
+  void set_LocalNetInfo(mg_connection* pConn, http_message* pMsg);
+  void export_CfgFile(mg_connection* pConn, http_message* pMsg);
+  void import_CfgFile(mg_connection* pConn, http_message* pMsg);
+
+  // Device operations: one exchange each (Wi-Fi: up to two). A query fills the caller's record and
+  // returns 0, or leaves it as it was and returns something else.
+  int getLangInfoFromNet(stDisplay& rec);
+  int getBaseInfoFromNet(stBaseInfo& rec);
+  int getUserSecurityFromNet(stUserSec& rec);
+  int getLoginFromNet(stUserSec& rec);
+  int getLockOfPasswordFromNet(stLockOfPassword& rec);
+  int getMirrorInfoFromNet(stVideoMirror& rec);
+  int getMainStreamInfoFromNet(stMainStream& rec);
+  int getSubStreamInfoFromNet(stSubStream& rec);
+  int getNetWModeInfoFromNet(stNetWorkMode& rec);
+  int getVCmsInfoFromNet(stCMS& rec);
+  int getWifiInfoFromNet(stWifi& rec);  // may fill the station's values and still fail
+  int getGNetInfoFromNet(stMobileGNet& rec);
+  int getGB28181InfoFromNet(stGB28181& rec);
+  int getVersionInfoFromNet(stVersion& rec);
+  int getSystemInfoFromNet(stSystemInfo& rec);
+  int getLocalNetInfoFromNet(stLocalEth0& rec);
+  int export_CfgFileFromNet(char* pszText);
+
+  // A set returns 0 when the device answered with a Result (the lock and the password: with Result
+  // 0), else the transaction's code. An accepted set ends with Restart.
+  int setLangInfoToNet(const char* pszLanguage);
+  int setBaseInfoToNet(stBaseInfo rec, const char* pszCurTime);
+  int setDeviceNoToNet(stBaseInfo rec);
+  int setUserSecurityToNet(stUserSec rec, uint8_t ucUser);
+  int setLockOfPasswordToNet(uint8_t ucErrorCount, uint32_t uiLockTime);
+  int setMirrorInfoToNet(stVideoMirror rec);
+  int setMainStreamInfoToNet(stMainStream rec);
+  int setSubStreamInfoToNet(stSubStream rec);
+  int setNetWModeInfoToNet(stNetWorkMode rec);
+  int setVCmsInfoToNet(stCMS rec);
+  int setWifiInfoToNet(stWifi rec);
+  int setGNetInfoToNet(stMobileGNet rec);
+  int setGB28181InfoToNet(const stGB28181& rec);
+  int setLocalNetInfoToNet(stLocalEth0 rec);
+  int import_CfgFileFromNet(const char* pszXml);
+
+ private:
+  static void* DetectSvcEntry(void* pSelf);
+  void DetectSvc();
+
+  // The query transaction with the device application; see control/VariCfgSec.h.
+  int GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapacity);
+  template <class R>
+  int Query(const CQuery<R>& query, R& rec);
+
+  // The set transaction; TransactSection formats the message first. Conclude restarts the service
+  // after an accepted set and gives the sender's result.
+  stSetOutcome Transact(const char* pszMsg, int nLen, int nTimeoutSec);
+  stSetOutcome TransactSection(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
+  int Conclude(const stSetOutcome& outcome);
+
+  stThread* m_pThread = nullptr;
+  std::atomic<uint8_t> m_ucStarted{0};  // a restart's second thread clears it, too
+  stLogin m_stLogin{};
+  CSessions m_sessions;
+  char m_szWebRoot[128] = {};
+  char m_szDeviceIp[32] = {};
+  uint16_t m_usDevicePort = 6000;
+  char m_szSavedDeviceIp[32] = {};
+};
+
+static_assert(std::atomic<uint8_t>::is_always_lock_free, "the started flag takes no lock");

@@ -1,0 +1,93 @@
+// The Wi-Fi endpoints: one record for the station's settings and the working mode, another for the
+// access point's.
+#include <cstring>
+
+#include "CBB/WebCtrl/Exchange.h"
+#include "CBB/WebCtrl/FormReader.h"
+#include "CBB/WebCtrl/JsonReply.h"
+#include "CBB/WebCtrl/Trace.h"
+
+namespace {
+
+constexpr uint8_t kAccessPoint = 2;  // ucFD_WorkMode
+
+constexpr CQuery<stWifi> kStationQuery{
+    QUERY("<stWifi>"), kMaxQueryReply,
+    ImportRecord<&CConfig_Task::Import_stWifi, &stConfig::stWifiInfo>};
+
+int ImportAccessPoint(TiXmlElement* pSection, stWifiAp& rec) {
+  const int nRet =
+      ImportRecord<&CConfig_Task::Import_stWifiAp, &stConfig::stWifiApInfo>(pSection, rec);
+  printf("-------------------AP ssid:%s.\n", rec.strFD_SSID);
+  return nRet;
+}
+constexpr CQuery<stWifiAp> kAccessPointQuery{QUERY("<stWifiAp>"), kMaxQueryReply, ImportAccessPoint,
+                                             "-------------------ap xml:"};
+
+constexpr CJsonField<stWifi> kJson[] = {
+    {"ucFD_WorkMode", Emit<&stWifi::ucFD_WorkMode>},
+    {"strFD_SSID", Emit<&stWifi::strFD_SSID>},
+    {"strFD_Passwd", Emit<&stWifi::strFD_Passwd>},
+    {"ucFD_AuthMode", Emit<&stWifi::ucFD_AuthMode>},
+    {"ucFD_CryptType", Emit<&stWifi::ucFD_CryptType>},
+    {"ucFD_DhcpEnableFlag", Emit<&stWifi::ucFD_DhcpEnableFlag>}};
+
+constexpr CFormField<stWifi> kForm[] = {
+    {"ucFD_WorkMode", Presence::kNonEmpty, Store<&stWifi::ucFD_WorkMode>},
+    {"strFD_SSID", Presence::kNonEmpty, Store<&stWifi::strFD_SSID>},
+    {"strFD_Passwd", Presence::kNonEmpty, Store<&stWifi::strFD_Passwd>},
+    {"ucFD_AuthMode", Presence::kNonEmpty, Store<&stWifi::ucFD_AuthMode>},
+    {"ucFD_CryptType", Presence::kNonEmpty, Store<&stWifi::ucFD_CryptType>},
+    {"ucFD_DhcpEnableFlag", Presence::kNonEmpty, Store<&stWifi::ucFD_DhcpEnableFlag>}};
+
+}  // namespace
+
+int CWebCtrl::getWifiInfoFromNet(stWifi& rec) {
+  const CFunTrace trace;
+  const int nStation = Query(kStationQuery, rec);
+  if (nStation != 0 || rec.ucFD_WorkMode != kAccessPoint) return nStation;
+
+  stWifiAp ap{};
+  const int nRet = Query(kAccessPointQuery, ap);
+  if (nRet != 0) return nRet;
+  memcpy(rec.strFD_SSID, ap.strFD_SSID, sizeof(rec.strFD_SSID));
+  memcpy(rec.strFD_Passwd, ap.strFD_Passwd, sizeof(rec.strFD_Passwd));
+  rec.ucFD_AuthMode = ap.ucFD_AuthMode;
+  rec.ucFD_CryptType = ap.ucFD_CryptType;
+  rec.ucFD_DhcpEnableFlag = ap.ucFD_DhcpEnableFlag;
+  return 0;
+}
+
+void CWebCtrl::get_WifiInfo(mg_connection* pConn, http_message* /*pMsg*/) {
+  const CFunTrace trace;
+  stWifi rec{};
+  const int nRet = getWifiInfoFromNet(rec);
+  ReplyFields(pConn, kJson, rec, nRet == 0);
+}
+
+int CWebCtrl::setWifiInfoToNet(stWifi rec) {
+  if (rec.ucFD_WorkMode != kAccessPoint) {
+    return Conclude(
+        TransactSection(SET("<stWifi ucFD_WorkMode=\"%d\" strFD_SSID=\"%s\" strFD_Passwd=\"%s\""
+                            " ucFD_AuthMode=\"%d\" ucFD_CryptType=\"%d\"/>"),
+                        rec.ucFD_WorkMode, rec.strFD_SSID, rec.strFD_Passwd, rec.ucFD_AuthMode,
+                        rec.ucFD_CryptType));
+  }
+  stSetOutcome outcome = TransactSection(SET("<stWifi ucFD_WorkMode=\"%d\"/>"), rec.ucFD_WorkMode);
+  // Deliberate: the access point's values go only to a device that did not accept the mode.
+  if (!outcome.Accepted()) {
+    outcome =
+        TransactSection(SET("<stWifiAp strFD_SSID=\"%s\" strFD_Passwd=\"%s\" ucFD_AuthMode=\"%d\""
+                            " ucFD_CryptType=\"%d\" ucFD_DhcpEnableFlag=\"%d\"/>"),
+                        rec.strFD_SSID, rec.strFD_Passwd, rec.ucFD_AuthMode, rec.ucFD_CryptType,
+                        rec.ucFD_DhcpEnableFlag);
+  }
+  return Conclude(outcome);
+}
+
+void CWebCtrl::set_WifiInfo(mg_connection* pConn, http_message* pMsg) {
+  const CFunTrace trace;
+  stWifi rec{};
+  ReadForm(*pMsg, kForm, rec);
+  ReplyResult(pConn, setWifiInfoToNet(rec) == 0);
+}

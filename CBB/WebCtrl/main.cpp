@@ -1,0 +1,44 @@
+// The process: sets the service up on its own folder's web_root and then sleeps for ever.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "CBB/WebCtrl/WebCtrl.h"
+
+namespace {
+
+constexpr const char* kDeviceIp = "127.0.0.1";
+constexpr int kDevicePort = 6000;
+constexpr size_t kMaxPath = 128;
+
+// The folder of the executable with its closing '/', in pszFolder (256 zeroed bytes). Returns -1
+// for a path of more than 127 characters or one that cannot be read.
+int OwnFolder(char* pszFolder) {
+  const ssize_t nRead = readlink("/proc/self/exe", pszFolder, kMaxPath);
+  // Taken as unsigned, a failure is too long as well.
+  if (static_cast<size_t>(nRead) > kMaxPath - 1) return -1;
+  if (char* pszSlash = strrchr(pszFolder, '/')) pszSlash[1] = '\0';
+  return 0;
+}
+
+}  // namespace
+
+int main() {
+  // A trace is visible at once, and in order with the debug print, also in a file or a pipe.
+  setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+  CWebCtrl& webCtrl = CWebCtrl::Instance();
+  webCtrl.Init(kDeviceIp, kDevicePort);
+
+  char szFolder[256] = {};
+  if (OwnFolder(szFolder) != 0) {
+    puts("***Error***");
+    exit(-1);
+  }
+  char szWebRoot[128] = {};
+  snprintf(szWebRoot, sizeof(szWebRoot) - 1, "%sweb_root", szFolder);
+  printf("web server current absolute path:%s\n", szWebRoot);
+  webCtrl.Start(szWebRoot);
+  for (;;) sleep(2);
+}
