@@ -12,6 +12,7 @@ namespace {
 
 // A reply to a query with StartChn holds this many items at most, so that it fits 2,048 bytes.
 constexpr int kItemsPerReply = 4;
+constexpr std::string_view kRoot = "VariCfgSec";
 constexpr std::string_view kQuery = "DEVICE_QUERY";
 constexpr std::string_view kSet = "DEVICE_SET";
 constexpr std::string_view kActions[] = {"BROAD_SEARCH", kQuery, kSet, "DEVICE_REBOOT",
@@ -26,7 +27,11 @@ bool IsAction(std::string_view action) {
 void ReadSection(CTagReader& reader, stRequest& req) {
   stTag tag;
   req.bSectionReadable = reader.Next(tag) == 0;
-  if (!req.bSectionReadable || tag.kind == stTag::Kind::kClose) return;
+  if (!req.bSectionReadable) return;
+  if (tag.kind == stTag::Kind::kClose) {
+    req.bSectionReadable = tag.name == kRoot;
+    return;
+  }
   req.section = tag.name;
   for (const stTagAttr& attr : tag.attrs)
     if (attr.name == "StartChn") req.nStartChn = atoi(std::string(attr.value).c_str());
@@ -38,7 +43,7 @@ int ReadRequest(std::string_view text, stRequest& req) {
   CTagReader reader(text);
   stTag root;
   if (text.find('\0') != std::string_view::npos || text.substr(0, 1) != "<") return -1;
-  if (reader.Next(root) != 0 || root.name != "VariCfgSec") return -1;
+  if (reader.Next(root) != 0 || root.name != kRoot) return -1;
   if (root.kind == stTag::Kind::kClose || root.attrs.empty()) return -1;
   if (root.attrs[0].name != "Action" || !IsAction(root.attrs[0].value)) return -1;
   if (root.attrs.size() > 1 && root.attrs[1].name == "Result") return -1;

@@ -17,7 +17,7 @@ struct stRequest {
   std::string_view action;       // value of Action
   std::string_view section;      // the first section's name; empty when the root has no child
   int nStartChn = -1;            // the query's StartChn, or -1
-  bool bSectionReadable = true;  // false: behind the root's start tag stands no tag
+  bool bSectionReadable = true;  // false: neither a section nor the root's end follows
 };
 
 // An answer: the root's attributes in order, and what stands below the root.

@@ -54,7 +54,7 @@ const stFaultKind kKinds[] = {
      "notxml         the answer is a plain sentence"},
     {"result", ArgRule::kText, nullptr, 0,
      [](const stFault& f, stPlan& plan) {
-       plan.strResult = f.strArg;
+       plan.result = f.strArg;
        plan.bRefuse = f.strArg != "0";
      },
      "result:TEXT    Result is TEXT; a set is then not applied, unless TEXT is 0"},
@@ -169,7 +169,7 @@ void CFaults::Apply(const stRequest& req, stPlan& plan) {
 }
 
 std::string Spoil(const stPlan& plan, stReply reply) {
-  if (!plan.strResult.empty()) reply.Result().strValue = plan.strResult;
+  if (plan.result) reply.Result().strValue = *plan.result;
   if (!plan.bActionFirst) std::swap(reply.attrs[0], reply.attrs[1]);
   if (!plan.bResult) reply.attrs.erase(reply.attrs.begin() + (plan.bActionFirst ? 1 : 0));
   std::string strText = plan.text ? *plan.text : PrintReply(reply);

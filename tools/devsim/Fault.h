@@ -15,15 +15,15 @@
 
 // How one request is to be answered.
 struct stPlan {
-  bool bHandle = true;              // false: the request is lost
-  bool bAnswer = true;              // false: the answer is lost
-  bool bRefuse = false;             // a set is not applied
-  bool bResult = true;              // the reply carries Result
-  bool bActionFirst = true;         // false: Result stands before Action
-  std::string strResult;            // replaces the Result, unless empty
-  std::optional<std::string> text;  // replaces the reply
-  long nPadTo = 0;                  // lengthens the reply to this many bytes
-  long nCutTo = -1;                 // shortens the reply to this many bytes, unless -1
+  bool bHandle = true;                // false: the request is lost
+  bool bAnswer = true;                // false: the answer is lost
+  bool bRefuse = false;               // a set is not applied
+  bool bResult = true;                // the reply carries Result
+  bool bActionFirst = true;           // false: Result stands before Action
+  std::optional<std::string> result;  // replaces the Result
+  std::optional<std::string> text;    // replaces the reply
+  long nPadTo = 0;                    // lengthens the reply to this many bytes
+  long nCutTo = -1;                   // shortens the reply to this many bytes, unless -1
   long nDelayMs = 0;
   long nLateMs = -1;                 // sends kStaleText this long after the reply, unless -1
   std::optional<std::string> early;  // is sent before the reply

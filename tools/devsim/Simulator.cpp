@@ -18,6 +18,10 @@ namespace {
 // Bounds the memory that a flood of requests can hold while a delay is set.
 constexpr size_t kOutgoingMax = 4096;
 
+// Requests come before commands, so that a command finds what was sent before it carried out; but a
+// flood of requests does not keep commands out.
+constexpr int kRequestsPerTurn = 256;
+
 int OpenSocket(CSocket& socket, const std::string& strAddr, uint16_t usPort,
                std::string& strError) {
   sockaddr_in addr;
@@ -44,6 +48,11 @@ int CSimulator::Open(const stOptions& options, std::string& strError) {
   }
   for (const std::string& strFault : options.faults)
     if (m_faults.Add(strFault, strError) != 0) return -1;
+  // Before anyone can know that it runs, and stop it.
+  if (OpenSignals() != 0) {
+    strError = std::string("cannot wait for signals: ") + strerror(errno);
+    return -1;
+  }
   if (OpenSocket(m_socket, options.strAddress, options.usPort, strError) != 0) return -1;
   printf("devsim: listening on %s\n", AddrText(m_socket.Addr()).c_str());
   if (options.nControlPort >= 0) {
@@ -52,7 +61,7 @@ int CSimulator::Open(const stOptions& options, std::string& strError) {
     printf("devsim: control on %s\n", AddrText(m_control.Addr()).c_str());
   }
   fflush(stdout);
-  return OpenSignals();
+  return 0;
 }
 
 int CSimulator::OpenSignals() {
@@ -73,8 +82,11 @@ int CSimulator::Run() {
     if (fds[0].revents) return 0;
     std::string_view bytes;
     sockaddr_in from;
+    for (int i = 0; i < kRequestsPerTurn && m_socket.Receive(bytes, from) == 0; ++i) {
+      OnRequest(bytes, from);
+      SendDue();
+    }
     if (fds[2].revents && m_control.Receive(bytes, from) == 0) OnControl(bytes, from);
-    if (fds[1].revents && m_socket.Receive(bytes, from) == 0) OnRequest(bytes, from);
     SendDue();
   }
 }
@@ -129,11 +141,10 @@ void CSimulator::SendNow(const stOutgoing& out) {
 }
 
 void CSimulator::SendFrom(CSocket& socket, const stOutgoing& out) {
-  if (socket.Send(out.strBytes, out.to) == 0) {
-    m_log.Add("send", socket.Addr(), out.to, out.strBytes);
-  } else {
+  // The line comes first: who has the answer finds it in the log.
+  m_log.Add("send", socket.Addr(), out.to, out.strBytes);
+  if (socket.Send(out.strBytes, out.to) != 0)
     fprintf(stderr, "devsim: cannot send to %s: %s\n", AddrText(out.to).c_str(), strerror(errno));
-  }
 }
 
 int CSimulator::WaitMs() const {
