@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "CBB/Util/OtherFun.h"
+#include "CBB/Util/TextCopy.h"
 
 int TextToInt(const char* pszText) {
   return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
@@ -15,10 +16,10 @@ int TextToInt(const char* pszText) {
 float TextToFloat(const char* pszText) { return strtof(pszText, nullptr); }
 
 uint32_t TextToTimeOfDay(const char* pszText) {
-  char szText[23] = {};
-  strncpy(szText, pszText, sizeof(szText) - 1);
+  char szText[23];
+  CopyText(szText, sizeof(szText), pszText);
   tm time{};
-  strptime(szText, "%H:%M:%S", &time);
+  if (!strptime(szText, "%H:%M:%S", &time)) return 0;
   return static_cast<uint32_t>(time.tm_hour * 3600 + time.tm_min * 60 + time.tm_sec);
 }
 

@@ -13,7 +13,7 @@ int TextToInt(const char* pszText);
 float TextToFloat(const char* pszText);
 
 // A time of day "hours:minutes:seconds" in seconds since midnight (0 to 86401). At most 22
-// characters are read; parts behind the first malformed one count as 0.
+// characters are read; a text of another form is 0.
 uint32_t TextToTimeOfDay(const char* pszText);
 
 // An address in one of its spellings: dotted text (stored as inet_addr gives it, network byte
