@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -87,9 +88,10 @@ void CConfigDoc::Merge(const TiXmlElement& root) {
 }
 
 const CConfigDoc::stSection* CConfigDoc::Find(std::string_view name) const {
-  for (const stSection& section : m_sections)
-    if (section.strName == name) return &section;
-  return nullptr;
+  const auto found =
+      std::find_if(m_sections.begin(), m_sections.end(),
+                   [&](const stSection& section) { return section.strName == name; });
+  return found == m_sections.end() ? nullptr : &*found;
 }
 
 void CConfigDoc::Put(const std::string& strName, std::shared_ptr<const TiXmlElement> pElem) {

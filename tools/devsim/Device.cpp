@@ -4,6 +4,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "tools/devsim/TagReader.h"
@@ -19,9 +21,7 @@ constexpr std::string_view kActions[] = {"BROAD_SEARCH", kQuery, kSet, "DEVICE_R
                                          "DEVICE_FORMAT"};
 
 bool IsAction(std::string_view action) {
-  for (std::string_view known : kActions)
-    if (known == action) return true;
-  return false;
+  return std::find(std::begin(kActions), std::end(kActions), action) != std::end(kActions);
 }
 
 void ReadSection(CTagReader& reader, stRequest& req) {

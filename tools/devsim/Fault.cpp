@@ -24,7 +24,7 @@ constexpr long kDatagramMax = 65507;
 constexpr long kMsMax = 600000;
 
 // clang-format off
-const stFaultKind kKinds[] = {
+constexpr stFaultKind kKinds[] = {
     {"silent", ArgRule::kNone, "", 0,
      [](const stFault&, stPlan& plan) { plan.bHandle = false; },
      "silent         the request is lost: nothing is applied or answered"},

@@ -46,8 +46,10 @@ int CSimulator::Open(const stOptions& options, std::string& strError) {
     strError = "cannot write " + options.strLog + ": " + strerror(errno);
     return -1;
   }
-  for (const std::string& strFault : options.faults)
-    if (m_faults.Add(strFault, strError) != 0) return -1;
+  for (const std::string& strFault : options.faults) {
+    const int nRet = m_faults.Add(strFault, strError);
+    if (nRet != 0) return nRet;
+  }
   // Before anyone can know that it runs, and stop it.
   if (OpenSignals() != 0) {
     strError = std::string("cannot wait for signals: ") + strerror(errno);

@@ -30,5 +30,5 @@ class CSocket {
  private:
   int m_nFd = -1;
   sockaddr_in m_addr = {};
-  char m_szBuf[65536];  // no UDP datagram is longer
+  char m_szBuf[65536] = {};  // no UDP datagram is longer
 };
