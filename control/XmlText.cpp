@@ -1,5 +1,6 @@
 #include "control/XmlText.h"
 
+#include <cassert>
 #include <cctype>
 #include <cstring>
 #include <memory>
@@ -35,7 +36,11 @@ bool CDepthProbe::IsTooDeep(const char* pszText) {
   static constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
   if (!strncmp(pszText, kUtf8Mark, strlen(kUtf8Mark))) m_encoding = TIXML_ENCODING_UTF8;
   const char* p = SkipWhiteSpace(pszText, m_encoding);
-  while (p && *p && m_nDeepest <= kXmlDepthMax) p = SkipWhiteSpace(Step(p), m_encoding);
+  while (p && *p && m_nDeepest <= kXmlDepthMax) {
+    p = Step(p);
+    // Not in one call with the step, which may have learnt the encoding.
+    p = SkipWhiteSpace(p, m_encoding);
+  }
   return m_nDeepest > kXmlDepthMax;
 }
 
@@ -108,7 +113,11 @@ bool HasFewElements(const char* pszText) {
 }  // namespace
 
 int ParseXml(TiXmlDocument& doc, const char* pszText) {
+  assert(pszText);
   doc.Clear();
+  // Nobody asks for rows and columns, and older builds of the parser count them without end in a
+  // text that is cut inside a character.
+  doc.SetTabSize(0);
   const size_t nLen = strlen(pszText);
   const std::unique_ptr<char[]> pCopy(new (std::nothrow) char[nLen + kPadding]());
   if (!pCopy) return -1;

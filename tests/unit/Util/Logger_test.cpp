@@ -1,0 +1,251 @@
+#include "CBB/Util/Logger.h"
+
+#include <dirent.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "tests/unit/Util/Printed.h"
+
+namespace {
+
+using testing::MatchesRegex;
+
+constexpr uint32_t kLinesPerFile = 120000;
+
+Logger& Log() { return Logger::Instance(); }
+
+// Every test works in a directory of its own, which is gone afterwards.
+class LoggerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    char szTemplate[] = "/tmp/webctrl_log_XXXXXX";
+    ASSERT_NE(nullptr, mkdtemp(szTemplate));
+    m_strRoot = szTemplate;
+    m_strDir = m_strRoot + "/log/";
+    ASSERT_EQ(0, mkdir(m_strDir.c_str(), 0755));
+  }
+  void TearDown() override {
+    // Leaves the logger without a file, as the next test expects it.
+    Printed([] { Log().init("x", "/nonexistent/"); });
+    ASSERT_EQ(0, system(("rm -rf " + m_strRoot).c_str()));
+  }
+
+  std::set<std::string> Names() const {
+    std::set<std::string> names;
+    DIR* const pDir = opendir(m_strDir.c_str());
+    if (!pDir) return names;
+    while (const dirent* pEntry = readdir(pDir))
+      if (pEntry->d_name[0] != '.') names.insert(pEntry->d_name);
+    closedir(pDir);
+    return names;
+  }
+  void Touch(const std::string& strName) const { std::ofstream(m_strDir + strName) << "old"; }
+  void TouchMany(int nCount) const {
+    for (int i = 0; i < nCount; i++) {
+      char szName[32];
+      snprintf(szName, sizeof(szName), "web_20200101_0000%02d", i);
+      Touch(szName);
+    }
+  }
+  std::string Read(const std::string& strName) const {
+    std::ostringstream text;
+    text << std::ifstream(m_strDir + strName).rdbuf();
+    return text.str();
+  }
+  // Writes lines until the next one starts a new file.
+  static void FillFile() {
+    while (Log().LineCount() % kLinesPerFile) Log().log("%s", "filler\n");
+  }
+
+  std::string m_strRoot;
+  std::string m_strDir;
+};
+
+std::string ErrorLine(const std::string& strCaller, const std::string& strMessage) {
+  return "\033\\[31m\033\\[1m\\[Logger          \\]<ERROR@" + strCaller +
+         ", L[0-9]+>:" + strMessage + "\n\033\\[0m";
+}
+
+// First in the file: sees the logger as the process starts with it.
+TEST(Logger, WithoutInitPrintsAnErrorAndCountsNothing) {
+  EXPECT_THAT(Printed([] { Log().log("text %d\n", 1); }),
+              MatchesRegex(ErrorLine("log", "CLogger not init\\.")));
+  EXPECT_EQ(0u, Log().LineCount());
+}
+
+TEST(Logger, WithoutInitClearsNothing) {
+  int nRet = 0;
+  // The shell would complain about a mkdir without a name.
+  testing::internal::CaptureStderr();
+  EXPECT_THAT(
+      Printed([&] { nRet = Log().clearLog(0); }),
+      MatchesRegex(ErrorLine("clearLog", "open dir:\\[\\] error:No such file or directory\\.")));
+  EXPECT_EQ("", testing::internal::GetCapturedStderr());
+  EXPECT_EQ(-1, nRet);
+}
+
+TEST_F(LoggerTest, InitOpensAFileNamedByPrefixAndTime) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  ASSERT_EQ(1u, Names().size());
+  EXPECT_THAT(*Names().begin(), MatchesRegex("web_20[0-9][0-9][01][0-9][0-3][0-9]_[0-2][0-9]"
+                                             "[0-5][0-9][0-6][0-9]"));
+}
+
+TEST_F(LoggerTest, JoinsADirectoryWithoutSlash) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.substr(0, m_strDir.size() - 1).c_str()));
+  EXPECT_EQ(1u, Names().size());
+}
+
+TEST_F(LoggerTest, TakesTheLogFolderWhereItStandsWhenNoneIsGiven) {
+  char szOld[4096];
+  ASSERT_NE(nullptr, getcwd(szOld, sizeof(szOld)));
+  ASSERT_EQ(0, chdir(m_strRoot.c_str()));
+  EXPECT_EQ(0, Log().init("web", nullptr));
+  ASSERT_EQ(0, chdir(szOld));
+  EXPECT_EQ(1u, Names().size());
+}
+
+TEST_F(LoggerTest, InitReportsAFileThatCannotBeOpened) {
+  const std::string strBad = m_strRoot + "/none/";
+  int nRet = 0;
+  EXPECT_THAT(Printed([&] { nRet = Log().init("web", strBad.c_str()); }),
+              MatchesRegex(ErrorLine("init", "Can't open log file:" + strBad + "web_[0-9_]+\\.")));
+  EXPECT_EQ(-1, nRet);
+  EXPECT_THAT(Printed([] { Log().log("x"); }),
+              MatchesRegex(ErrorLine("log", "CLogger not init\\.")));
+}
+
+TEST_F(LoggerTest, InitRefusesNamesThatDoNotFit) {
+  const std::string strLong(300, 'd');
+  for (const auto& [strPrefix, strDir] : {std::pair<std::string, std::string>{"web", "/" + strLong},
+                                          {std::string(64, 'p'), m_strDir}}) {
+    int nRet = 0;
+    EXPECT_THAT(
+        Printed([&, &p = strPrefix, &d = strDir] { nRet = Log().init(p.c_str(), d.c_str()); }),
+        MatchesRegex(ErrorLine("init", "Can't open log file:.*\\.")));
+    EXPECT_EQ(-1, nRet);
+  }
+  EXPECT_TRUE(Names().empty());
+}
+
+TEST_F(LoggerTest, HeadsEachLineWithNumberAndTime) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  FillFile();
+  for (const std::string& strName : Names()) unlink((m_strDir + strName).c_str());
+  const uint32_t uiFirst = Log().LineCount();
+  Log().log("one %s\n", "text");
+  Log().log("no line end");
+  EXPECT_EQ(uiFirst + 2, Log().LineCount());
+  ASSERT_EQ(1u, Names().size());
+  const std::string strTime =
+      " \\[20[0-9][0-9]-[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:"
+      "[0-6][0-9]\\]:";
+  EXPECT_THAT(Read(*Names().begin()),
+              MatchesRegex("<L" + std::to_string(uiFirst) + ">" + strTime + "one text\n<L" +
+                           std::to_string(uiFirst + 1) + ">" + strTime + "no line end"));
+}
+
+TEST_F(LoggerTest, CutsALineAtItsBuffer) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  FillFile();
+  for (const std::string& strName : Names()) unlink((m_strDir + strName).c_str());
+  Log().log("%s", std::string(5000, 'x').c_str());
+  ASSERT_EQ(1u, Names().size());
+  EXPECT_EQ(2047u, Read(*Names().begin()).size());
+}
+
+TEST_F(LoggerTest, FirstLineOfAFileClearsOldFiles) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  FillFile();
+  TouchMany(31);
+  Printed([] { Log().log("starts a file\n"); });
+  // 31 old ones and the one of init, less the two smallest names, and the new one, whose name is
+  // that of init's when no second has passed.
+  const std::set<std::string> names = Names();
+  EXPECT_EQ(0u, names.count("web_20200101_000000"));
+  EXPECT_EQ(0u, names.count("web_20200101_000001"));
+  EXPECT_EQ(1u, names.count("web_20200101_000002"));
+  Log().log("goes on\n");
+  TouchMany(2);
+  Log().log("clears nothing\n");
+  EXPECT_EQ(1u, Names().count("web_20200101_000000"));
+}
+
+TEST_F(LoggerTest, ReportsANewFileThatCannotBeOpened) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  FillFile();
+  ASSERT_EQ(0, system(("rm -rf " + m_strDir + " && touch " + m_strRoot + "/log").c_str()));
+  const uint32_t uiBefore = Log().LineCount();
+  const std::string strOut = Printed([] { Log().log("lost\n"); });
+  EXPECT_THAT(strOut,
+              MatchesRegex(ErrorLine("clearLog",
+                                     "open dir:\\[" + m_strDir + "\\] error:Not a directory\\.") +
+                           ErrorLine("log", "Can't open log file:" + m_strDir + "web_[0-9_]+\\.")));
+  EXPECT_EQ(uiBefore, Log().LineCount());
+}
+
+TEST_F(LoggerTest, ClearLogKeepsTheNewest) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  for (const std::string& strName : Names()) unlink((m_strDir + strName).c_str());
+  TouchMany(32);
+  Touch("other_20200101_000000");
+  EXPECT_EQ("\033[32m\033[1mLogger::clearLog, [rm -rf " + m_strDir +
+                "web_20200101_000000]\n\033[0m\033[32m\033[1mLogger::clearLog, [rm -rf " +
+                m_strDir + "web_20200101_000001]\n\033[0m",
+            Printed([] { EXPECT_EQ(0, Log().clearLog(30)); }));
+  EXPECT_EQ(31u, Names().size());
+  EXPECT_EQ(0u, Names().count("web_20200101_000001"));
+  EXPECT_EQ(1u, Names().count("web_20200101_000002"));
+  EXPECT_EQ("", Printed([] { EXPECT_EQ(0, Log().clearLog(30)); }));
+}
+
+TEST_F(LoggerTest, ClearLogTakesANegativeCountAsNone) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  TouchMany(3);
+  Touch("other");
+  Printed([] { EXPECT_EQ(0, Log().clearLog(-5)); });
+  EXPECT_EQ(std::set<std::string>{"other"}, Names());
+}
+
+TEST_F(LoggerTest, ClearLogCreatesAMissingDirectory) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  ASSERT_EQ(0, system(("rm -rf " + m_strDir).c_str()));
+  EXPECT_EQ("", Printed([] { EXPECT_EQ(0, Log().clearLog(30)); }));
+  struct stat info {};
+  EXPECT_EQ(0, stat(m_strDir.c_str(), &info));
+}
+
+TEST_F(LoggerTest, ClearLogReportsADirectoryThatCannotBeCreated) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  ASSERT_EQ(0, system(("rm -rf " + m_strRoot).c_str()));
+  testing::internal::CaptureStderr();
+  EXPECT_THAT(Printed([] { EXPECT_EQ(-1, Log().clearLog(30)); }),
+              MatchesRegex(ErrorLine("clearLog", "reopen dir:\\[" + m_strDir +
+                                                     "\\] error:No such file or directory\\.")));
+  EXPECT_NE("", testing::internal::GetCapturedStderr()) << "mkdir says why it failed";
+}
+
+TEST_F(LoggerTest, ClearLogNeverRunsAFileNameAsACommand) {
+  ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
+  for (const std::string& strName : Names()) unlink((m_strDir + strName).c_str());
+  Touch("keep");
+  for (const char* pszName : {"web_;rm keep", "web_ keep", "web_$(rm keep)", "web_'; rm keep; '",
+                              "web_`rm keep`", "web_*", "web_\nrm keep"})
+    Touch(pszName);
+  char szOld[4096];
+  ASSERT_NE(nullptr, getcwd(szOld, sizeof(szOld)));
+  ASSERT_EQ(0, chdir(m_strDir.c_str()));
+  Printed([] { EXPECT_EQ(0, Log().clearLog(0)); });
+  ASSERT_EQ(0, chdir(szOld));
+  EXPECT_EQ(std::set<std::string>{"keep"}, Names());
+}
+
+}  // namespace

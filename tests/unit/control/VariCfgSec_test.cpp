@@ -1,0 +1,266 @@
+#include "control/VariCfgSec.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "tests/unit/Util/Printed.h"
+#include "tests/unit/control/FakeDevice.h"
+#include "tests/unit/control/NetSpace.h"
+
+namespace {
+
+constexpr char kNoAttribute[] = "CWebCtrl::GetParaCmdType, get first pAttribute failed.\n";
+constexpr char kNotAction[] = "CWebCtrl::GetParaCmdType, first attribute name is not Action.\n";
+constexpr char kNoRoot[] =
+    "CWebCtrl::GetParaCmdType, xmlDoc.FirstChildElement[VariCfgSec] failed.\n";
+constexpr char kIsReply[] = "CWebCtrl::GetParaCmdType, is resp msg, do't handle.\n";
+
+std::string Nested(int nDepth) {
+  std::string strText = "<VariCfgSec Action=\"DEVICE_QUERY\">";
+  for (int i = 1; i < nDepth; i++) strText += "<a>";
+  for (int i = 1; i < nDepth; i++) strText += "</a>";
+  return strText + "</VariCfgSec>";
+}
+
+// Messages that fail the common check, and what it prints.
+const struct {
+  std::string strText;
+  bool bHasRoot;
+  const char* pszPrinted;
+} kUnusable[] = {
+    {"", false, ""},
+    {"   \r\n", false, ""},
+    {"not XML", false, ""},
+    {"<", false, ""},
+    {"<Other Action=\"DEVICE_QUERY\"><stDisplay /></Other>", false, ""},
+    {"<Other><VariCfgSec Action=\"DEVICE_QUERY\"><stDisplay /></VariCfgSec></Other>", false, ""},
+    {"<varicfgsec Action=\"DEVICE_QUERY\"><stDisplay /></varicfgsec>", false, ""},
+    {Nested(33), false, ""},
+    {"<VariCfgSec><stDisplay /></VariCfgSec>", true, kNoAttribute},
+    {"<VariCfgSec Result=\"0\" Action=\"DEVICE_SET\"><stDisplay /></VariCfgSec>", true, kNotAction},
+    {"<VariCfgSec action=\"DEVICE_SET\" Result=\"0\"><stDisplay /></VariCfgSec>", true, kNotAction},
+};
+
+TEST(CheckMessage, TellsAMissingRootFromAWrongOne) {
+  for (const auto& row : kUnusable) {
+    TiXmlDocument doc;
+    TiXmlElement* pRoot = nullptr;
+    EXPECT_EQ(row.pszPrinted, Printed([&] {
+                EXPECT_EQ(row.bHasRoot ? -1 : -2, CheckMessage(row.strText.c_str(), doc, pRoot))
+                    << row.strText;
+              }));
+    EXPECT_EQ(nullptr, pRoot);
+  }
+}
+
+TEST(CheckMessage, GivesTheRoot) {
+  TiXmlDocument doc;
+  TiXmlElement* pRoot = nullptr;
+  ASSERT_EQ(0,
+            CheckMessage("<?xml version=\"1.0\"?><!-- c --><VariCfgSec Action=\"\"/>", doc, pRoot));
+  EXPECT_STREQ("VariCfgSec", pRoot->Value());
+  EXPECT_EQ(&doc, pRoot->GetDocument());
+}
+
+TEST(GetParaSection, RefusesUnusableReplies) {
+  for (const auto& row : kUnusable) {
+    TiXmlDocument doc;
+    TiXmlElement* pSection = nullptr;
+    EXPECT_EQ(row.pszPrinted, Printed([&] {
+                EXPECT_EQ(-1, GetParaSection(row.strText.c_str(), doc, pSection)) << row.strText;
+              }));
+    EXPECT_EQ(nullptr, pSection);
+  }
+}
+
+TEST(GetParaSection, FindsTheFirstChildElement) {
+  const struct {
+    const char* pszReply;
+    const char* pszSection;
+  } kCases[] = {
+      {"<VariCfgSec Action=\"DEVICE_QUERY\"><stDisplay a=\"1\" /></VariCfgSec>", "stDisplay"},
+      {"<VariCfgSec Action=\"x\" Result=\"7\"><stVersion/><stDisplay/></VariCfgSec>", "stVersion"},
+      {"<VariCfgSec Action=\"x\">text<!-- c --><stCMS><i/></stCMS></VariCfgSec>", "stCMS"},
+      {"<VariCfgSec Action=\"x\"><stDisplay a=\"1\"></VariCfgSec>", "stDisplay"},
+      {"<VariCfgSec Action=\"x\"><stDisplay a=\"1\"/>", "stDisplay"},
+  };
+  for (const auto& row : kCases) {
+    TiXmlDocument doc;
+    TiXmlElement* pSection = nullptr;
+    EXPECT_EQ("", Printed([&] { EXPECT_EQ(0, GetParaSection(row.pszReply, doc, pSection)); }));
+    ASSERT_NE(nullptr, pSection) << row.pszReply;
+    EXPECT_STREQ(row.pszSection, pSection->Value());
+  }
+}
+
+TEST(GetParaSection, RefusesARootWithoutSection) {
+  for (const char* pszReply :
+       {"<VariCfgSec Action=\"DEVICE_QUERY\"></VariCfgSec>", "<VariCfgSec Action=\"x\" />",
+        "<VariCfgSec Action=\"x\">text<!-- c --></VariCfgSec>"}) {
+    TiXmlDocument doc;
+    TiXmlElement* pSection = nullptr;
+    EXPECT_EQ("", Printed([&] { EXPECT_EQ(-1, GetParaSection(pszReply, doc, pSection)); }));
+    EXPECT_EQ(nullptr, pSection);
+  }
+}
+
+TEST(GetParaSection, DropsWhatTheDocumentHeld) {
+  TiXmlDocument doc;
+  TiXmlElement* pSection = nullptr;
+  ASSERT_EQ(0, GetParaSection("<VariCfgSec Action=\"x\"><stOld/></VariCfgSec>", doc, pSection));
+  EXPECT_EQ(-1, GetParaSection("garbage", doc, pSection));
+  ASSERT_EQ(0, GetParaSection("<VariCfgSec Action=\"x\"><stNew/></VariCfgSec>", doc, pSection));
+  EXPECT_STREQ("stNew", pSection->Value());
+}
+
+// The value of an attribute read with the given room; "-1" when there is none.
+std::string Attr(const std::string& strReply, const char* pszName, size_t nCapacity = 64) {
+  std::string strBuf(nCapacity + 8, '#');
+  if (GetParaAttr(strReply.c_str(), pszName, strBuf.data(), nCapacity)) {
+    EXPECT_EQ(std::string::npos, strBuf.find_first_not_of('#')) << "buffer touched";
+    return "-1";
+  }
+  EXPECT_EQ("########", strBuf.substr(nCapacity)) << "written beyond the room";
+  return strBuf.c_str();
+}
+
+TEST(GetParaAttr, WalksAllAttributesOfTheRoot) {
+  const std::string strReply =
+      "<VariCfgSec Action=\"DEVICE_SET\" Result=\"3\" last='&lt;x&gt;'><stX "
+      "inner=\"1\"/></VariCfgSec>";
+  EXPECT_EQ("DEVICE_SET", Attr(strReply, "Action"));
+  EXPECT_EQ("3", Attr(strReply, "Result"));
+  EXPECT_EQ("<x>", Attr(strReply, "last"));
+  EXPECT_EQ("-1", Attr(strReply, "result"));
+  EXPECT_EQ("-1", Attr(strReply, "Res"));
+  EXPECT_EQ("-1", Attr(strReply, "inner"));
+}
+
+TEST(GetParaAttr, CutsAValueAtTheRoom) {
+  const std::string strReply = "<VariCfgSec Action=\"DEVICE_SET\" Result=\"123456789\"/>";
+  EXPECT_EQ("123456789", Attr(strReply, "Result", 10));
+  EXPECT_EQ("12345678", Attr(strReply, "Result", 9));
+  EXPECT_EQ("", Attr(strReply, "Result", 1));
+}
+
+TEST(GetParaAttr, RefusesUnusableReplies) {
+  for (const auto& row : kUnusable)
+    EXPECT_EQ(row.pszPrinted,
+              Printed([&] { EXPECT_EQ("-1", Attr(row.strText, "Action")) << row.strText; }));
+}
+
+constexpr int kNoCode = 99;
+
+// The code of a message, kNoCode when it was refused; what was printed behind the message text.
+int Classify(const std::string& strText, std::string& strPrinted) {
+  int nCode = kNoCode;
+  int nRet = 0;
+  strPrinted = Printed([&] { nRet = GetParaCmdType(strText.c_str(), nCode); });
+  const std::string strHead =
+      "----------------------CWebCtrl::GetParaCmdType, data:" + strText + ".\n";
+  EXPECT_EQ(strHead, strPrinted.substr(0, strHead.size()));
+  strPrinted.erase(0, strHead.size());
+  EXPECT_EQ(nRet == 0, nCode != kNoCode) << strText;
+  return nCode;
+}
+
+TEST(GetParaCmdType, NumbersTheActions) {
+  const struct {
+    const char* pszAction;
+    int nCode;
+  } kCases[] = {
+      {"BROAD_SEARCH", 0},  {"DEVICE_QUERY", 1}, {"DEVICE_SET", 2}, {"DEVICE_REBOOT", 3},
+      {"DEVICE_FORMAT", 4}, {"DEVICE_OTHER", 5}, {"", 5},           {"device_set", 5},
+      {"DEVICE_SET ", 5},   {"DEVICE_SE", 5},
+  };
+  for (const auto& row : kCases) {
+    std::string strPrinted;
+    EXPECT_EQ(row.nCode,
+              Classify("<VariCfgSec Action=\"" + std::string(row.pszAction) + "\"/>", strPrinted))
+        << row.pszAction;
+    EXPECT_EQ("CWebCtrl::GetParaCmdType, support cmd:" + std::string(row.pszAction) + ".\n",
+              strPrinted);
+  }
+}
+
+TEST(GetParaCmdType, RefusesRepliesByTheirSecondAttribute) {
+  const struct {
+    const char* pszText;
+    int nCode;
+    const char* pszPrinted;
+  } kCases[] = {
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"0\"/>", kNoCode, kIsReply},
+      {"<VariCfgSec Action=\"BROAD_SEARCH\" Result=\"\" x=\"1\"/>", kNoCode, kIsReply},
+      {"<VariCfgSec Action=\"DEVICE_SET\" x=\"1\" Result=\"0\"/>", 2,
+       "CWebCtrl::GetParaCmdType, support cmd:DEVICE_SET.\n"},
+  };
+  for (const auto& row : kCases) {
+    std::string strPrinted;
+    EXPECT_EQ(row.nCode, Classify(row.pszText, strPrinted));
+    EXPECT_EQ(row.pszPrinted, strPrinted);
+  }
+}
+
+TEST(GetParaCmdType, RefusesUnusableMessages) {
+  for (const auto& row : kUnusable) {
+    std::string strPrinted;
+    EXPECT_EQ(kNoCode, Classify(row.strText, strPrinted));
+    EXPECT_EQ(row.bHasRoot ? row.pszPrinted : kNoRoot, strPrinted) << row.strText;
+  }
+}
+
+constexpr char kSet[] =
+    "<VariCfgSec Action=\"DEVICE_SET\"><stDisplay strLanguage=\"en\" /></VariCfgSec>";
+
+TEST(SetParaInfoByCmd, ReturnsTheResultOfTheDevice) {
+  const struct {
+    std::string strReply;
+    int nRet;
+    int nResult;
+  } kCases[] = {
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"0\" />", 0, 0},
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"3\"></VariCfgSec>", 0, 3},
+      {"<VariCfgSec Action=\"DEVICE_SET\" x=\"9\" Result=\"-7\"/>", 0, -7},
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"none\"/>", 0, 0},
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"\"/>", 0, 0},
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"" + std::string(509, '0') + "12345\"/>", 0, 12},
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"5" + std::string(29000, ' ') + "\"/>", 0, 5},
+      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"4\"/>" + std::string(1, '\0') + "rest", 0, 4},
+      {"<VariCfgSec Action=\"DEVICE_SET\"/>", -1, 0},
+      {"<VariCfgSec Result=\"0\" Action=\"DEVICE_SET\"/>", -1, 0},
+      {"no reply of ours", -1, 0},
+      {std::string(30001, 'x'), -1, 0},
+      {Nested(40), -1, 0},
+  };
+  for (const auto& row : kCases) {
+    CFakeDevice device;
+    CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
+    device.AnswerWith({row.strReply});
+    int nResult = 777;
+    EXPECT_EQ(row.nRet, SetParaInfoByCmd(sock, kSet, static_cast<int>(strlen(kSet)), nResult, 10))
+        << row.strReply.substr(0, 80);
+    EXPECT_EQ(row.nRet ? 777 : row.nResult, nResult) << row.strReply.substr(0, 80);
+    EXPECT_EQ(kSet, device.Request()) << "sent without a terminator";
+  }
+}
+
+TEST(SetParaInfoByCmd, FailsWithoutAReply) {
+  const CFakeDevice device;
+  CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
+  int nResult = 777;
+  EXPECT_EQ(-1, SetParaInfoByCmd(sock, kSet, 1, nResult, 0));
+  EXPECT_EQ(777, nResult);
+}
+
+TEST(SetParaInfoByCmd, FailsWhenTheSendFails) {
+  const CFakeDevice device;
+  CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
+  sock.CloseCtrlSocket();
+  int nResult = 777;
+  EXPECT_EQ(-1, SetParaInfoByCmd(sock, kSet, 1, nResult, 10));
+  EXPECT_EQ(777, nResult);
+}
+
+}  // namespace
