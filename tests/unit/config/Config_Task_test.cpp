@@ -1,9 +1,11 @@
 // What single importers do beyond the walk, and the task itself.
 #include "config/Config_Task.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
+#include <string>
 #include <type_traits>
 
 namespace {
@@ -20,6 +22,18 @@ class CSection {
  private:
   TiXmlDocument m_doc;
 };
+
+// Lets calloc fail as long as it lives.
+class CRefuseMemory {
+ public:
+  CRefuseMemory() { g_bRefuseMemory = true; }
+  ~CRefuseMemory() { g_bRefuseMemory = false; }
+};
+
+std::unique_ptr<CConfig_Task> NewTaskWithoutMemory() {
+  const CRefuseMemory refuse;
+  return std::make_unique<CConfig_Task>();
+}
 
 }  // namespace
 
@@ -57,15 +71,11 @@ TEST(ConfigTask, LeavesItsOwnRecordWithADestination) {
 }
 
 TEST(ConfigTask, ImportsWithoutMemoryForItsLists) {
-  g_nRefused = 0;
-  g_bRefuseMemory = true;
-  {
-    CConfig_Task task;
-    g_bRefuseMemory = false;
-    EXPECT_EQ(g_nRefused, 2);
-    EXPECT_EQ(task.Import_stSubStream(CSection(R"(<s uiFD_BitRate="2048"/>)")), 0);
-    EXPECT_EQ(task.Record().stSubStreamInfo.uiFD_BitRate, 2048u);
-  }
+  const int nBefore = g_nRefused;
+  const std::unique_ptr<CConfig_Task> pTask = NewTaskWithoutMemory();
+  EXPECT_EQ(g_nRefused - nBefore, 2);
+  EXPECT_EQ(pTask->Import_stSubStream(CSection(R"(<s uiFD_BitRate="2048"/>)")), 0);
+  EXPECT_EQ(pTask->Record().stSubStreamInfo.uiFD_BitRate, 2048u);
 }
 
 TEST(BaseInfo, AcceptsDeviceNumbersOf5To12Characters) {

@@ -3,10 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "tests/unit/config/SectionImport.h"
 
 namespace {
+
+// A text and what it is worth.
+using NumberRow = std::pair<const char*, uint32_t>;
+using FloatRow = std::pair<const char*, float>;
 
 // Imports one attribute alone over bytes that are not zero, so that a byte too many shows.
 void ExpectStored(const stSection& section, const stGroup* pGroup, const stField& field,
@@ -43,7 +48,7 @@ void ExpectRows(Kind eKind, const Row (&rows)[N], Fn fnBytes) {
     if (field.eKind != eKind) return;
     nFields++;
     for (const Row& row : rows)
-      ExpectStored(section, pGroup, field, {row.pszText, fnBytes(row, field)});
+      ExpectStored(section, pGroup, field, {row.first, fnBytes(row, field)});
   });
   EXPECT_GT(nFields, 0u);
 }
@@ -51,85 +56,75 @@ void ExpectRows(Kind eKind, const Row (&rows)[N], Fn fnBytes) {
 }  // namespace
 
 TEST(Import, WrapsNumbersToTheFieldsWidth) {
-  const struct {
-    const char* pszText;
-    uint32_t uiValue;
-  } kRows[] = {{"0", 0},
-               {"255", 255},
-               {"300", 300},
-               {"65535", 65535},
-               {"65537", 65537},
-               {"-1", 0xFFFFFFFF},
-               {"2147483647", 0x7FFFFFFF},
-               {"2147483648", 0x80000000},
-               {"4294967297", 1},
-               {"99999999999999999999", 0xFFFFFFFF},
-               {"-99999999999999999999", 0},
-               {"", 0},
-               {"-", 0},
-               {"abc", 0},
-               {"0x1F", 0},
-               {" 12abc", 12},
-               {"+5", 5}};
+  const NumberRow kRows[] = {{"0", 0},
+                             {"255", 255},
+                             {"300", 300},
+                             {"65535", 65535},
+                             {"65537", 65537},
+                             {"-1", 0xFFFFFFFF},
+                             {"2147483647", 0x7FFFFFFF},
+                             {"2147483648", 0x80000000},
+                             {"4294967297", 1},
+                             {"99999999999999999999", 0xFFFFFFFF},
+                             {"-99999999999999999999", 0},
+                             {"", 0},
+                             {"-", 0},
+                             {"abc", 0},
+                             {"0x1F", 0},
+                             {" 12abc", 12},
+                             {"+5", 5}};
   ExpectRows(Kind::kNumber, kRows,
-             [](auto& row, auto& field) { return OfNumber(row.uiValue, field.nWidth); });
+             [](const auto& row, const auto& field) { return OfNumber(row.second, field.nWidth); });
   ExpectRows(Kind::kRoiCorner, kRows,
-             [](auto& row, auto&) { return OfNumber(row.uiValue / 16 * 16, 4); });
+             [](const auto& row, const auto&) { return OfNumber(row.second / 16 * 16, 4); });
   ExpectRows(Kind::kRoiSize, kRows,
-             [](auto& row, auto&) { return OfNumber((row.uiValue + 16) / 16 * 16, 4); });
-  ExpectRows(Kind::kWholeFloat, kRows, [](auto& row, auto&) {
-    return OfFloat(static_cast<float>(static_cast<int32_t>(row.uiValue)));
+             [](const auto& row, const auto&) { return OfNumber((row.second + 16) / 16 * 16, 4); });
+  ExpectRows(Kind::kWholeFloat, kRows, [](const auto& row, const auto&) {
+    return OfFloat(static_cast<float>(static_cast<int32_t>(row.second)));
   });
 }
 
 TEST(Import, ReadsFloats) {
-  const struct {
-    const char* pszText;
-    float fValue;
-  } kRows[] = {{"1.5", 1.5f},        {"-0.25", -0.25f}, {"12", 12.0f},
-               {"abc", 0.0f},        {"", 0.0f},        {"1e999", INFINITY},
-               {"-1e39", -INFINITY}, {"1e-999", 0.0f},  {" 3.5 g", 3.5f}};
-  ExpectRows(Kind::kFloat, kRows, [](auto& row, auto&) { return OfFloat(row.fValue); });
+  const FloatRow kRows[] = {{"1.5", 1.5f},        {"-0.25", -0.25f}, {"12", 12.0f},
+                            {"abc", 0.0f},        {"", 0.0f},        {"1e999", INFINITY},
+                            {"-1e39", -INFINITY}, {"1e-999", 0.0f},  {" 3.5 g", 3.5f}};
+  ExpectRows(Kind::kFloat, kRows, [](const auto& row, const auto&) { return OfFloat(row.second); });
 }
 
 TEST(Import, ReadsAddressesInEverySpelling) {
   const uint32_t kLeft = 0x5A5A5A5A;
-  const struct {
-    const char* pszText;
-    uint32_t uiValue;
-  } kRows[] = {{"10.0.0.1", htonl(0x0A000001)},
-               {"0x0A000001", 0x0A000001},
-               {"0Xff", 0xFF},
-               {"0x123456789", 0x23456789},
-               {"167772161", 167772161},
-               {"-1", 0xFFFFFFFF},
-               {"", 0},
-               {"1.2.3.999", 0xFFFFFFFF},
-               {"...", 0xFFFFFFFF},
-               {"abc", kLeft},
-               {"0x", kLeft},
-               {"0x1g", kLeft},
-               {"256.1.1.1", kLeft},
-               {"1.2.3", kLeft},
-               {" 10.0.0.1", kLeft},
-               {"10.0.0.1 ", kLeft}};
-  ExpectRows(Kind::kAddress, kRows, [](auto& row, auto&) { return OfNumber(row.uiValue, 4); });
+  const NumberRow kRows[] = {{"10.0.0.1", htonl(0x0A000001)},
+                             {"0x0A000001", 0x0A000001},
+                             {"0Xff", 0xFF},
+                             {"0x123456789", 0x23456789},
+                             {"167772161", 167772161},
+                             {"-1", 0xFFFFFFFF},
+                             {"", 0},
+                             {"1.2.3.999", 0xFFFFFFFF},
+                             {"...", 0xFFFFFFFF},
+                             {"abc", kLeft},
+                             {"0x", kLeft},
+                             {"0x1g", kLeft},
+                             {"256.1.1.1", kLeft},
+                             {"1.2.3", kLeft},
+                             {" 10.0.0.1", kLeft},
+                             {"10.0.0.1 ", kLeft}};
+  ExpectRows(Kind::kAddress, kRows,
+             [](const auto& row, const auto&) { return OfNumber(row.second, 4); });
 }
 
 TEST(Import, ReadsTimesOfDay) {
-  const struct {
-    const char* pszText;
-    uint32_t uiValue;
-  } kRows[] = {{"00:00:00", 0},
-               {"08:30:15", 30615},
-               {"23:59:59", 86399},
-               {"7:5:3", 25503},
-               {"abc", 0},
-               {"", 0},
-               {"24:00:00", 0},
-               {"08:30:15 and much more text than the limit", 30615},
-               {"                         08:30:15", 0}};
-  ExpectRows(Kind::kTimeOfDay, kRows, [](auto& row, auto&) { return OfNumber(row.uiValue, 4); });
+  const NumberRow kRows[] = {{"00:00:00", 0},
+                             {"08:30:15", 30615},
+                             {"23:59:59", 86399},
+                             {"7:5:3", 25503},
+                             {"abc", 0},
+                             {"", 0},
+                             {"24:00:00", 0},
+                             {"08:30:15 and much more text than the limit", 30615},
+                             {"                         08:30:15", 0}};
+  ExpectRows(Kind::kTimeOfDay, kRows,
+             [](const auto& row, const auto&) { return OfNumber(row.second, 4); });
 }
 
 TEST(Import, CutsTextsToCapacityLessOne) {

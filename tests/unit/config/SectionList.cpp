@@ -1,7 +1,8 @@
 #include "tests/unit/config/SectionList.h"
 
 #include <algorithm>
-#include <map>
+#include <cstdlib>
+#include <iterator>
 #include <sstream>
 
 namespace {
@@ -204,18 +205,17 @@ const std::vector<stSectionText> kVehicleSections = {
 };
 
 struct stKindText {
+  const char* pszText;
   Kind eKind;
   size_t nWidth;  // 0: written behind the kind
 };
 
-const std::map<std::string, stKindText> kKinds = {
-    {"u8", {Kind::kNumber, 1}},      {"u16", {Kind::kNumber, 2}},
-    {"u32", {Kind::kNumber, 4}},     {"ip", {Kind::kAddress, 4}},
-    {"f32", {Kind::kFloat, 4}},      {"whole", {Kind::kWholeFloat, 4}},
-    {"time", {Kind::kTimeOfDay, 4}}, {"corner", {Kind::kRoiCorner, 4}},
-    {"size", {Kind::kRoiSize, 4}},   {"c", {Kind::kText, 0}},
-    {"id", {Kind::kIdentifier, 0}},  {"hex", {Kind::kHexBytes, 0}},
-    {"dev", {Kind::kDeviceNo, 0}},   {"rev", {Kind::kRevision, 0}},
+constexpr stKindText kKinds[] = {
+    {"u8", Kind::kNumber, 1},      {"u16", Kind::kNumber, 2},       {"u32", Kind::kNumber, 4},
+    {"ip", Kind::kAddress, 4},     {"f32", Kind::kFloat, 4},        {"whole", Kind::kWholeFloat, 4},
+    {"time", Kind::kTimeOfDay, 4}, {"corner", Kind::kRoiCorner, 4}, {"size", Kind::kRoiSize, 4},
+    {"c", Kind::kText, 0},         {"id", Kind::kIdentifier, 0},    {"hex", Kind::kHexBytes, 0},
+    {"dev", Kind::kDeviceNo, 0},   {"rev", Kind::kRevision, 0},
 };
 
 size_t AlignUp(size_t nOffset, size_t nAlign) { return (nOffset + nAlign - 1) / nAlign * nAlign; }
@@ -228,16 +228,17 @@ size_t AlignOf(const stField& field) {
   return bBytes ? 1 : field.nWidth;
 }
 
+// "name:kind", where a kind without a width of its own has it behind the word.
 stField ParseField(const std::string& strText) {
   const size_t nColon = strText.find(':');
-  const std::string strKind = strText.substr(nColon + 1);
-  stField field{strText.substr(0, nColon), Kind::kNumber, 0, 0};
-  auto it = kKinds.find(strKind);
-  if (it == kKinds.end()) it = kKinds.find(strKind.substr(0, strKind.find_first_of("0123456789")));
-  field.eKind = it->second.eKind;
-  field.nWidth = it->second.nWidth;
-  if (!field.nWidth) field.nWidth = std::stoul(strKind.substr(it->first.size()));
-  return field;
+  const std::string strKind = strText.substr(nColon + 1, strText.find('@') - nColon - 1);
+  const size_t nDigits = strKind.find_first_of("0123456789");
+  for (const stKindText& kind : kKinds) {
+    if (strKind != kind.pszText && strKind.substr(0, nDigits) != kind.pszText) continue;
+    const size_t nWidth = kind.nWidth ? kind.nWidth : std::stoul(strKind.substr(nDigits));
+    return {strText.substr(0, nColon), kind.eKind, 0, nWidth};
+  }
+  abort();  // our own list is wrong
 }
 
 // Lays the fields out from nEnd on, which ends behind the last; nAlign becomes their strictest.
@@ -282,7 +283,7 @@ const std::vector<stSection>& Sections() {
     std::vector<stSection> sections;
     for (const auto* pTexts : {&kDeviceSections, &kNetworkSections, &kVideoSections,
                                &kRecordingSections, &kAlarmSections, &kVehicleSections})
-      for (const stSectionText& text : *pTexts) sections.push_back(ParseSection(text));
+      std::transform(pTexts->begin(), pTexts->end(), std::back_inserter(sections), ParseSection);
     return sections;
   }();
   return s_sections;
