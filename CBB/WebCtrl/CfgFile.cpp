@@ -100,8 +100,7 @@ void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
   // Deliberate: the XML stands in the reply unescaped; the pages take it as it comes.
   CJsonReply reply(pConn);
   reply.Add("strFD_CfgPara", text.get());
-  reply.Piece(", \"result\": %d }", nResult);
-  reply.End();
+  reply.Result(nResult == 1);
   DebugPrint(1, "\033[32m\033[1m----------------bResult = %d\n\033[0m", nResult);
 }
 

@@ -57,6 +57,9 @@ void StoreId(char* pszDst, const std::string& strId) {
   memcpy(pszDst, strId.data(), std::min(strId.size(), kIdSize - 1));
 }
 
+// An identifier that fills its 32 bytes has no terminator.
+std::string_view IdText(const char* pszId) { return {pszId, strnlen(pszId, kIdSize)}; }
+
 bool IsSubDevice(int64_t nIndex) { return nIndex >= 0 && nIndex < kSubDevices; }
 
 }  // namespace
@@ -100,10 +103,10 @@ void CWebCtrl::get_GB28181Info(mg_connection* pConn, http_message* /*pMsg*/) {
   reply.Add("usFD_DevicePort", rec.usFD_DevicePort);
   reply.Add("strFD_DeviceUser", rec.strFD_DeviceUser);
   reply.Add("strFD_DevicePass", rec.strFD_DevicePass);
-  reply.Piece(", \"strFD_LensId\": \"*%.32s*\"", rec.LensId(0));
+  reply.Piece({", \"strFD_LensId\": \"*", IdText(rec.LensId(0)), "*\""});
   reply.Add("iVideoChnCount", static_cast<int>(version.VideoCnt));
   reply.Add("ucFD_StreamType", rec.ucFD_Enable >> 7);
-  reply.Piece(", \"strFD_AlarmInId\": \"*%.32s*\"", rec.AlarmInId(0));
+  reply.Piece({", \"strFD_AlarmInId\": \"*", IdText(rec.AlarmInId(0)), "*\""});
   reply.Result(nRet == 0);
 }
 

@@ -2,22 +2,24 @@
 
 #include <arpa/inet.h>
 
-#include <cstdarg>
-#include <cstdio>
-#include <string>
+#include <charconv>
 
 #include "CBB/WebCtrl/MaskSvrAddr.h"
+
+CDecimal::CDecimal(int nValue)
+    : m_nLen(static_cast<size_t>(std::to_chars(m_szText, m_szText + sizeof(m_szText), nValue).ptr -
+                                 m_szText)) {}
 
 CJsonReply::CJsonReply(mg_connection* pConn, const char* pszHeader) : m_pConn(pConn) {
   mg_printf(m_pConn, "%s", pszHeader);
 }
 
 void CJsonReply::Add(const char* pszKey, const char* pszText) {
-  Piece("%s\"%s\": \"%s\"", Lead(), pszKey, pszText);
+  Piece({Lead(), "\"", pszKey, "\": \"", pszText, "\""});
 }
 
 void CJsonReply::Add(const char* pszKey, int nValue) {
-  Piece("%s\"%s\": \"%d\"", Lead(), pszKey, nValue);
+  Piece({Lead(), "\"", pszKey, "\": \"", CDecimal(nValue), "\""});
 }
 
 void CJsonReply::AddAddress(const char* pszKey, uint32_t uiAddress) {
@@ -26,26 +28,16 @@ void CJsonReply::AddAddress(const char* pszKey, uint32_t uiAddress) {
   Add(pszKey, szShown);
 }
 
-void CJsonReply::Piece(const char* pszFormat, ...) {
+void CJsonReply::Piece(std::initializer_list<std::string_view> texts) {
+  // Put together by hand: formatted printing of a whole configuration takes twice its conversion.
+  m_strPiece.clear();
+  for (const std::string_view text : texts) m_strPiece += text;
+  mg_send_http_chunk(m_pConn, m_strPiece.data(), m_strPiece.size());
   ++m_nPieces;
-  char szPiece[512];  // every value of a record fits; only the exported configuration does not
-  va_list args;
-  va_start(args, pszFormat);
-  const int nLen = vsnprintf(szPiece, sizeof(szPiece), pszFormat, args);
-  va_end(args);
-  if (nLen < static_cast<int>(sizeof(szPiece))) {
-    mg_send_http_chunk(m_pConn, szPiece, static_cast<size_t>(nLen));
-    return;
-  }
-  std::string strPiece(static_cast<size_t>(nLen) + 1, '\0');
-  va_start(args, pszFormat);
-  vsnprintf(strPiece.data(), strPiece.size(), pszFormat, args);
-  va_end(args);
-  mg_send_http_chunk(m_pConn, strPiece.data(), static_cast<size_t>(nLen));
 }
 
 void CJsonReply::Result(bool bOk) {
-  Piece("%s\"result\": %d }", Lead(), bOk ? 1 : 0);
+  Piece({Lead(), "\"result\": ", bOk ? "1" : "0", " }"});
   End();
 }
 
@@ -53,6 +45,6 @@ void CJsonReply::End() { mg_send_http_chunk(m_pConn, "", 0); }
 
 void ReplyResult(mg_connection* pConn, bool bOk) {
   CJsonReply reply(pConn);
-  reply.Piece("{\"result\": %d }", bOk ? 1 : 0);
+  reply.Piece({"{\"result\": ", bOk ? "1" : "0", " }"});
   reply.End();
 }

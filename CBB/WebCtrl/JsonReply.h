@@ -7,6 +7,9 @@
 #include <mongoose.h>
 
 #include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "config/AttrTable.h"
@@ -16,6 +19,17 @@ constexpr const char* kStdHeader = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunke
 constexpr const char* kJsonHeader =
     "HTTP/1.1 200 OK\r\nContent-Type:applicaion/json;charset=UTF-8\r\n"
     "Transfer-Encoding: chunked\r\n\r\n";
+
+// The decimal text of a number, for a piece of a reply.
+class CDecimal {
+ public:
+  explicit CDecimal(int nValue);
+  operator std::string_view() const { return {m_szText, m_nLen}; }
+
+ private:
+  char m_szText[12];  // "-2147483648"
+  size_t m_nLen;
+};
 
 // One query reply. Each Add or Piece is one chunk; Result ends the reply.
 class CJsonReply {
@@ -32,8 +46,8 @@ class CJsonReply {
   // `"key": "a.b.c.d"` from an address in network byte order, a platform's own address masked.
   void AddAddress(const char* pszKey, uint32_t uiAddress);
 
-  // One irregular piece, exactly as given.
-  void Piece(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
+  // One irregular piece: the texts exactly as given, one behind the other.
+  void Piece(std::initializer_list<std::string_view> texts);
 
   // `, "result": 1 }` for success, else 0, and the end of the reply.
   void Result(bool bOk);
@@ -45,6 +59,7 @@ class CJsonReply {
   const char* Lead() { return m_nPieces != 0 ? ", " : "{ "; }
 
   mg_connection* m_pConn;
+  std::string m_strPiece;  // keeps its room from piece to piece
   int m_nPieces = 0;
 };
 

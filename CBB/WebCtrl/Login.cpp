@@ -82,7 +82,7 @@ void CWebCtrl::get_UserSecurity(mg_connection* pConn, http_message* /*pMsg*/) {
   const int nRet = getUserSecurityFromNet(stUserSecurity);
   CJsonReply reply(pConn);
   reply.Add("strAdminPasswd", stUserSecurity.stCustomUser[0].strFD_UserPWD);
-  reply.Piece(", \"strNormalPasswd\": \"%s\" ", stUserSecurity.stCustomUser[1].strFD_UserPWD);
+  reply.Piece({", \"strNormalPasswd\": \"", stUserSecurity.stCustomUser[1].strFD_UserPWD, "\" "});
   reply.Result(nRet == 0);
   printf("stUserSecurity.stCustomUser[0].strFD_UserPWD = %s\n",
          stUserSecurity.stCustomUser[0].strFD_UserPWD);

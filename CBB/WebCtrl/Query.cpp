@@ -55,7 +55,7 @@ constexpr CJsonField<stDisplay> kLangJson[] = {{"strLanguage", EmitLanguage}};
 
 // The time zone's piece ends with a blank.
 void EmitTimeZone(CJsonReply& reply, const char* pszKey, const stBaseInfo& rec) {
-  reply.Piece(", \"%s\": \"%d\" ", pszKey, rec.ucFD_TimeZone);
+  reply.Piece({", \"", pszKey, "\": \"", CDecimal(rec.ucFD_TimeZone), "\" "});
 }
 // Deliberate: the service's own clock is shown, not the device's strFD_CurTime; the handler puts it
 // into the record.
@@ -108,7 +108,7 @@ constexpr CJsonField<stLocalEth0> kLocalNetJson[] = {
 
 // Deliberate: the pages expect no comma here, and the application's version under both keys.
 void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& rec) {
-  reply.Piece(" \"%s\": \"%s\"", pszKey, rec.strAppVer);
+  reply.Piece({" \"", pszKey, "\": \"", rec.strAppVer, "\""});
 }
 constexpr CJsonField<stVersion> kVersionJson[] = {{"strFD_AppVersion", Emit<&stVersion::strAppVer>},
                                                   {"strFD_KnlVersion", EmitKernelVersion}};

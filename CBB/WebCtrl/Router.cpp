@@ -79,7 +79,7 @@ void CWebCtrl::get_cpu_usage(mg_connection* pConn, http_message* /*pMsg*/) {
   printf("-------------------handle_get_cpu_usage.\n");
   const double dUsage = rand() / 2147483647.0 * 100.0;
   CJsonReply reply(pConn);
-  reply.Piece("{ \"strFD_SSID\": \"%s \"", "new");
-  reply.Piece(", \"result\": %d }", static_cast<int>(dUsage));
+  reply.Piece({"{ \"strFD_SSID\": \"new \""});
+  reply.Piece({", \"result\": ", CDecimal(static_cast<int>(dUsage)), " }"});
   reply.End();
 }

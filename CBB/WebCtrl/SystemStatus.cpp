@@ -14,43 +14,38 @@ constexpr CQuery<stSystemInfo> kQuery{
 
 constexpr uint8_t kWifiClient = 1;
 
-// One chunk of the reply: its exact text around one value of the record.
+// A value's text: the record's own, or made in the scratch buffer.
+using Scratch = char[64];
+using ValueText = std::string_view (*)(const stSystemInfo& rec, Scratch& szScratch);
+
+// One chunk of the reply: its exact text around one value of the record (null: no value).
 struct CStatusPiece {
   const char* pszBefore;
-  void (*pfnValue)(CJsonReply& reply, const char* pszBefore, const char* pszAfter,
-                   const stSystemInfo& rec);
+  ValueText pfnValue;
   const char* pszAfter;
 };
 
-void Plain(CJsonReply& reply, const char* pszBefore, const char* pszAfter,
-           const stSystemInfo& /*rec*/) {
-  reply.Piece("%s%s", pszBefore, pszAfter);
-}
-
 template <auto M>
-void Value(CJsonReply& reply, const char* pszBefore, const char* pszAfter,
-           const stSystemInfo& rec) {
+std::string_view Value(const stSystemInfo& rec, Scratch& szScratch) {
   if constexpr (std::is_array_v<typename MemberOf<M>::Field>) {
-    reply.Piece("%s%s%s", pszBefore, rec.*M, pszAfter);
+    return rec.*M;
   } else {
-    reply.Piece("%s%d%s", pszBefore, static_cast<int>(rec.*M), pszAfter);
+    const CDecimal decimal(static_cast<int>(rec.*M));
+    return {szScratch, std::string_view(decimal).copy(szScratch, sizeof(szScratch))};
   }
 }
 
-void WifiMode(CJsonReply& reply, const char* pszBefore, const char* pszAfter,
-              const stSystemInfo& rec) {
-  reply.Piece("%s%s%s", pszBefore, rec.WifiMode == kWifiClient ? "Client" : "AP", pszAfter);
+std::string_view WifiMode(const stSystemInfo& rec, Scratch& /*szScratch*/) {
+  return rec.WifiMode == kWifiClient ? "Client" : "AP";
 }
 
-void CmsAddress(CJsonReply& reply, const char* pszBefore, const char* pszAfter,
-                const stSystemInfo& rec) {
-  char szShown[64];
-  MaskSvrAddr(kMask, inet_ntoa(in_addr{rec.CMS}), szShown);
-  reply.Piece("%s%s%s", pszBefore, szShown, pszAfter);
+std::string_view CmsAddress(const stSystemInfo& rec, Scratch& szScratch) {
+  MaskSvrAddr(kMask, inet_ntoa(in_addr{rec.CMS}), szScratch);
+  return szScratch;
 }
 
 constexpr CStatusPiece kPieces[] = {
-    {"{ ", Plain, ""},
+    {"{ ", nullptr, ""},
     {R"("gps":{ "ucFD_GpsExist": ")", Value<&stSystemInfo::GpsExist>, R"(")"},
     {R"(, "strFD_GpsPos": ")", Value<&stSystemInfo::GpsPos>, R"("},)"},
     {R"("gnet":{ "ucFD_GNetExist": ")", Value<&stSystemInfo::GNetExist>, R"(")"},
@@ -68,14 +63,14 @@ constexpr CStatusPiece kPieces[] = {
     {R"("cms":{ "ucFD_CmsStatus": ")", Value<&stSystemInfo::CmsStatus>, R"(")"},
     {R"(, "ucFD_JTT808Status": ")", Value<&stSystemInfo::JTT808Status>, R"(")"},
     {R"(, "ucFD_GB28181Status": ")", Value<&stSystemInfo::GB28181Status>, R"("},)"},
-    {R"("disk":{)", Plain, ""},
-    {R"("list":[)", Plain, ""},
+    {R"("disk":{)", nullptr, ""},
+    {R"("list":[)", nullptr, ""},
     // Deliberate: always two disks, there or not; the third is never listed.
     {R"({"ucFD_DiskExist": ")", Value<&stSystemInfo::Disk1Exist>, R"(")"},
     {R"(, "strFD_DiskSize": ")", Value<&stSystemInfo::Disk1Size>, R"("},)"},
     {R"({"ucFD_DiskExist": ")", Value<&stSystemInfo::Disk2Exist>, R"(")"},
     {R"(, "strFD_DiskSize": ")", Value<&stSystemInfo::Disk2Size>, R"("})"},
-    {R"(]},)", Plain, ""},
+    {R"(]},)", nullptr, ""},
     {R"("io":{ "strFD_IOStatus": ")", Value<&stSystemInfo::IO>, R"("},)"},
     {R"("version":{ "strFD_McuVersion": ")", Value<&stSystemInfo::McuVer>, R"(")"},
     {R"(, "strFD_LdrVersion": ")", Value<&stSystemInfo::BootVer>, R"(")"},
@@ -84,7 +79,7 @@ constexpr CStatusPiece kPieces[] = {
     {R"(, "strFD_AppVersion": ")", Value<&stSystemInfo::AppVer>, R"(")"},
     {R"(, "strFD_DbtVersion": ")", Value<&stSystemInfo::DBVer>, R"("},)"},
     {R"("acc":{ "ucFD_AccStatus": ")", Value<&stSystemInfo::ACC>, R"(")"},
-    {R"(},)", Plain, ""},
+    {R"(},)", nullptr, ""},
     {R"("net":{ "ucFD_NetStatus": ")", Value<&stSystemInfo::NetStatus>, R"(")"},
     {R"(, "uiFD_IP": ")", CmsAddress, R"(")"},
     {R"(, "strFD_DeviceNo": ")", Value<&stSystemInfo::DeviceNo>, R"("},)"},
@@ -103,8 +98,10 @@ void CWebCtrl::get_SystemInfo(mg_connection* pConn, http_message* /*pMsg*/) {
   const int nRet = getSystemInfoFromNet(rec);
   CJsonReply reply(pConn);
   for (const CStatusPiece& piece : kPieces) {
-    piece.pfnValue(reply, piece.pszBefore, piece.pszAfter, rec);
+    Scratch szScratch;
+    const auto value = piece.pfnValue ? piece.pfnValue(rec, szScratch) : std::string_view();
+    reply.Piece({piece.pszBefore, value, piece.pszAfter});
   }
-  reply.Piece("\"result\": %d }", nRet == 0 ? 1 : 0);
+  reply.Piece({"\"result\": ", nRet == 0 ? "1" : "0", " }"});
   reply.End();
 }
