@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -220,20 +221,21 @@ TEST(GSensor, AsksForRecalibrationAndReadsOn) {
   EXPECT_EQ(task.Import_stGSensor(CSection(R"(<s fFD_X="1"/>)")), 0);
 }
 
-TEST(Reserve, ReadsWholeBytesUpToItsSize) {
+TEST(Reserve, ReadsWholeBytes) {
   const struct {
-    std::string strText;
-    size_t nBytes;  // of 0xAB
-  } kRows[] = {{"", 0},    {"AB", 1},   {"abAB", 2},
-               {"ABA", 1}, {"ABxx", 0}, {std::string("AB") + std::string(1, '\0'), 1}};
+    const char* pszText;
+    std::string strBytes;
+  } kRows[] = {{"", ""},  {"AB", "\xAB"}, {"0aFF", "\x0A\xFF"}, {"ABA", "\xAB"},
+               {"A", ""}, {"ABxx", ""},   {"0xAB", ""}};
   for (const auto& row : kRows) {
-    SCOPED_TRACE(row.strText);
+    SCOPED_TRACE(row.pszText);
     CConfig_Task task;
     TiXmlElement elem("s");
-    elem.SetAttribute("ucReserveData", row.strText);
+    elem.SetAttribute("ucReserveData", row.pszText);
     EXPECT_EQ(task.Import_stReserve(&elem), 0);
-    const auto& data = task.Record().stReserveInfo.ucReserveData;
-    EXPECT_EQ(std::count(std::begin(data), std::end(data), 0xAB), static_cast<long>(row.nBytes));
+    stReserve expected{};
+    memcpy(expected.ucReserveData, row.strBytes.data(), row.strBytes.size());
+    EXPECT_EQ(memcmp(&task.Record().stReserveInfo, &expected, sizeof(expected)), 0);
   }
 }
 
