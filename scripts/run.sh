@@ -54,11 +54,12 @@ build() {
   fi
 }
 
-# start <name> <command>...: in the background, its output in a log of its own.
+# start <name> <command>...: in the background, its output in a log of its own. It ends with this
+# script even when the script is killed outright.
 start() {
   local name=$1
   shift
-  "$@" >"$state/$name.log" 2>&1 </dev/null &
+  setpriv --pdeathsig TERM "$@" >"$state/$name.log" 2>&1 </dev/null &
   pids[$name]=$!
 }
 
@@ -72,15 +73,23 @@ stop_all() {
   wait || true
 }
 
-# Ready when the port answers; what the log says is shown when a program ended instead.
+# A listening port is not enough: a daemon without its pages listens too and never answers.
+answers() {
+  local line=
+  exec 3<>/dev/tcp/127.0.0.1/80 || return 1
+  printf 'GET /get_cpu_usage HTTP/1.0\r\n\r\n' >&3
+  read -r -t 2 line <&3 || return 1
+  [[ $line = HTTP/1.?\ 200* ]]
+}
+
 wait_until_ready() {
   local tries
-  for ((tries = 0; tries < 100; tries++)); do
+  for ((tries = 0; tries < 50; tries++)); do
     require_alive
-    [ -z "$(port_owner -au 6000)" ] || [ -z "$(port_owner -lt 80)" ] || return 0
-    sleep 0.1
+    ! (answers) 2>/dev/null || return 0
+    sleep 0.2
   done
-  fail "the daemon does not listen on port 80 after 10 s: $(tail -n 1 "$state/webctrl.log")"
+  fail "the daemon does not answer on port 80: $(tail -n 1 "$state/webctrl.log")"
 }
 
 require_alive() {
