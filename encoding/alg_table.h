@@ -1,22 +1,26 @@
 // alg_table: a hash table from 32-bit keys to 32-bit values, chained in buckets.
-// The entries of all chains lie in one growing block and are linked by index: 12 bytes an entry, no
-// allocation each. The caller owns the table and frees it. Not locked: one thread, or only readers.
-// Null pointers and keys of 0 are the caller's mistakes and abort with an assertion.
+// All entries lie in one growing block and are linked by index. Each bucket is itself the first
+// entry of its chain, so most lookups read one place; the other entries follow the buckets. The
+// caller owns the table and frees it. Not locked: one thread, or only readers. Null pointers and
+// keys of 0 are the caller's mistakes and abort with an assertion.
 #ifndef ENCODING_ALG_TABLE_H_
 #define ENCODING_ALG_TABLE_H_
 
 #include <stdint.h>
 
+#include "encoding/Assert.h"
+
 // Returns 0 when the keys are equal, anything else when not. A key always equals itself: identical
 // keys are found without asking.
 using TableCompare = int (*)(uint32_t uiLeft, uint32_t uiRight);
-// Any value; keys that compare equal must have the same one.
-using TableHash = uint32_t (*)(uint32_t uiKey);
+// Any value; keys that compare equal must have the same one. 16 bits are enough for every bucket
+// count that a table can have, and make the bucket of a hash cheap to find.
+using TableHash = uint16_t (*)(uint32_t uiKey);
 // Called by Table_map for every entry; may change *pValue, may not put or remove.
 using TableVisit = void (*)(uint32_t uiKey, uint32_t* pValue, void* pArg);
 
 struct stTableEntry {
-  uint32_t uiKey;
+  uint32_t uiKey;  // 0 in an empty bucket
   uint32_t uiValue;
   uint32_t uiNext;  // index of the next entry of the chain, 0 at its end
 };
@@ -24,16 +28,15 @@ struct stTableEntry {
 // Read the members if you like; only the functions below write them.
 struct alg_table {
   uint32_t uiBuckets;     // their count, a prime
-  uint32_t uiReciprocal;  // 2^32 / uiBuckets, rounded down
+  uint32_t uiReciprocal;  // 2^32 / uiBuckets, rounded up
   TableCompare pfnCmp;
   TableHash pfnHash;
-  int nLength;             // entries in the chains
-  uint32_t uiChanges;      // counts every put and every successful remove
-  uint32_t* pBuckets;      // index of each chain's first entry, 0 for an empty one
-  stTableEntry* pEntries;  // entry 0 is never used
-  uint32_t uiUsed;         // entries handed out so far, entry 0 included
+  stTableEntry* pEntries;  // 0 stays empty, 1 to uiBuckets are the buckets, then the chained ones
+  uint32_t uiUsed;         // entries handed out so far, those three kinds together
   uint32_t uiRoom;         // entries allocated
-  uint32_t uiFree;         // chain of removed entries
+  uint32_t uiFree;         // chain of chained entries that were removed
+  int nLength;             // keys in the table
+  uint32_t uiChanges;      // counts every put and every remove that found its key
 };
 
 // A new empty table for about `hint` entries (0 and up; more may be put). It has 509 buckets for a
@@ -50,6 +53,11 @@ int Table_length(const alg_table* table);
 // The value of the key, 0 when the table has none.
 uint32_t Table_get(const alg_table* table, uint32_t key);
 
+// The same for a caller that knows the table's hash function when it is compiled and looks up in a
+// tight loop: Table_get<Hash>(table, key).
+template <TableHash kHash>
+inline uint32_t Table_get(const alg_table* table, uint32_t key);
+
 // Gives the key a value. -1: the key is new; 0 and up: the value that was replaced;
 // -2: no memory, the table is as before.
 int64_t Table_put(alg_table* table, uint32_t key, uint32_t value);
@@ -63,5 +71,27 @@ void Table_map(alg_table* table, TableVisit apply, void* pArg);
 // All pairs as an array key, value, key, value, ..., end of 2 * length + 1 numbers. The caller
 // releases it with free(). Null without memory.
 uint32_t* Table_toArray(const alg_table* table, uint32_t end);
+
+// The bucket of a hash, that is 1 + hash modulo bucket count, without a division. The quotient is
+// exact because hash and bucket count both have 16 bits.
+inline uint32_t TableBucket(const alg_table* table, uint16_t usHash) {
+  const uint64_t ullProduct = static_cast<uint64_t>(usHash) * table->uiReciprocal;
+  return 1 + usHash - static_cast<uint32_t>(ullProduct >> 32) * table->uiBuckets;
+}
+
+// Whether the bucket or the entry behind it has the key cannot be predicted, and a wrong guess
+// costs more than the lookup. So which one it is must be computed (a conditional move), not
+// branched upon.
+template <TableHash kHash>
+inline uint32_t Table_get(const alg_table* table, uint32_t key) {
+  ENC_ASSERT(table, "table");
+  ENC_ASSERT(key, "key");
+  const uint32_t uiBucket = TableBucket(table, kHash(key));
+  const stTableEntry& first = table->pEntries[uiBucket];
+  const uint32_t uiIfFirst = 0u - (first.uiKey == key);  // all bits or none
+  const uint32_t uiEntry = first.uiNext ^ ((first.uiNext ^ uiBucket) & uiIfFirst);
+  const stTableEntry& entry = table->pEntries[uiEntry];
+  return entry.uiKey == key ? entry.uiValue : Table_get(table, key);
+}
 
 #endif  // ENCODING_ALG_TABLE_H_

@@ -1,9 +1,12 @@
-// The conversions. Each direction is one single-character function; the array and string functions
-// run it in one of two loops, bytes to code points and code points to bytes.
+// The conversions. Each direction is one static inline single-character function; the exported one
+// adds the assertions (a compiler must not inline an exported function into position-independent
+// code), and the array and string functions run it in one of two loops.
 #include "encoding/unicode_utf-8.h"
 
 #include <stddef.h>
 #include <string.h>
+
+#include <algorithm>
 
 #include "encoding/Assert.h"
 #include "encoding/alg_table.h"
@@ -15,20 +18,42 @@ static constexpr int kGbkMax = 2;
 
 static alg_table* tab_UCS2_to_GBK;
 
-static inline uint32_t ByteAt(const char* pText, int nIndex) {
+static inline uint32_t ByteAt(const char* pText, ptrdiff_t nIndex) {
   return static_cast<unsigned char>(pText[nIndex]);
+}
+
+// Widens the ASCII bytes at the front of the input, at most nMost of them; returns their number.
+// Configurations are mostly runs of ASCII, so this looks at eight bytes at a time.
+static inline ptrdiff_t WidenAscii(const char* pInput, ptrdiff_t nMost, uint32_t* pOutput) {
+  ptrdiff_t n = 0;
+  for (; nMost - n >= 8; n += 8) {
+    uint64_t ullBlock;
+    memcpy(&ullBlock, pInput + n, sizeof(ullBlock));
+    if (ullBlock & 0x8080808080808080) break;
+    for (int i = 0; i < 8; ++i) pOutput[n + i] = ByteAt(pInput, n + i);
+  }
+  for (; n < nMost && ByteAt(pInput, n) < 0x80; ++n) pOutput[n] = ByteAt(pInput, n);
+  return n;
 }
 
 // pfnOne(const char*, uint32_t*) converts one character and returns the bytes it took, or 0.
 template <class F>
 static int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, int* nMembOut,
                         F pfnOne) {
-  const int nCapacity = *nMembOut;
-  int nRet = 1, nOut = 0;
-  for (ptrdiff_t nIn = 0; nIn < nLen; ++nOut) {
+  const ptrdiff_t nCapacity = *nMembOut;
+  int nRet = 1;
+  ptrdiff_t nIn = 0, nOut = 0;
+  while (nIn < nLen) {
     if (nOut == nCapacity) {
       nRet = 2;
       break;
+    }
+    if (ByteAt(pInput, nIn) < 0x80) {
+      const ptrdiff_t nMost = std::min(nLen - nIn, nCapacity - nOut);
+      const ptrdiff_t nAscii = WidenAscii(pInput + nIn, nMost, pOutput + nOut);
+      nIn += nAscii;
+      nOut += nAscii;
+      continue;
     }
     const int nTaken = pfnOne(pInput + nIn, &pOutput[nOut]);
     if (nTaken == 0) {
@@ -36,49 +61,58 @@ static int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, i
       break;
     }
     nIn += nTaken;
+    ++nOut;
   }
-  *nMembOut = nOut;
+  *nMembOut = static_cast<int>(nOut);
   return nRet;
 }
 
 // pfnOne(uint32_t, char*) writes one character of at most nMax bytes and returns their number or 0.
 template <int nMax, class F>
 static int FromCodePoints(const uint32_t* pInput, char* pOutput, int* nMembOut, F pfnOne) {
-  const int nCapacity = *nMembOut;
-  int nRet = 1, nOut = 0;
+  char* pOut = pOutput;
+  char* const pLast = pOutput + *nMembOut - nMax;  // the last place where a character may begin
+  int nRet = 1;
   for (; *pInput != 0; ++pInput) {
-    if (nCapacity - nOut < nMax) {
+    if (pOut > pLast) {
       nRet = 2;
       break;
     }
-    const int nWritten = pfnOne(*pInput, pOutput + nOut);
+    if (*pInput < 0x80) {
+      *pOut++ = static_cast<char>(*pInput);
+      continue;
+    }
+    const int nWritten = pfnOne(*pInput, pOut);
     if (nWritten == 0) {
       nRet = 0;
       break;
     }
-    nOut += nWritten;
+    pOut += nWritten;
   }
-  *nMembOut = nOut;
+  *nMembOut = static_cast<int>(pOut - pOutput);
   return nRet;
+}
+
+static inline int GbkPair(uint32_t uiGbk, uint32_t* pUcs) {
+  if (uiGbk < 0x8000) {
+    *pUcs = uiGbk >> 8;
+    return 1;
+  }
+  if (uiGbk < kGbkFirst || uiGbk > kGbkLast) return 0;
+  *pUcs = kGbkTable[uiGbk - kGbkFirst].usUcs2;  // Deliberate: unassigned codes pass as U+0001.
+  return 2;
 }
 
 int enc_GBK_to_unicode_one(uint16_t usGbk, uint32_t* ucs) {
   ENC_ASSERT(ucs, "ucs != ((void *)0)");
-  if (usGbk < 0x8000) {
-    *ucs = usGbk >> 8;
-    return 1;
-  }
-  if (usGbk < kGbkFirst || usGbk > kGbkLast) return 0;
-  *ucs = kGbkTable[usGbk - kGbkFirst].usUcs2;  // Deliberate: unassigned codes pass as U+0001.
-  return 2;
+  return GbkPair(usGbk, ucs);
 }
 
 // The byte behind a lead byte is read without a look at the length: at the end it is the
 // terminator.
 static inline int GbkCharacter(const char* pInput, uint32_t* pUcs) {
   const uint32_t uiLead = ByteAt(pInput, 0);
-  const uint32_t uiTrail = uiLead < 0x80 ? 0 : ByteAt(pInput, 1);
-  return enc_GBK_to_unicode_one(static_cast<uint16_t>(uiLead << 8 | uiTrail), pUcs);
+  return GbkPair(uiLead << 8 | (uiLead < 0x80 ? 0 : ByteAt(pInput, 1)), pUcs);
 }
 
 int enc_GBK_to_unicode(const char* pInput, int nLen, uint32_t* pOutput, int* nMembOut) {
@@ -110,31 +144,36 @@ static int LongUtf8Character(const char* pInput, uint32_t* pUnic) {
   return nLen;
 }
 
-int enc_utf8_to_unicode_one(const char* pInput, uint32_t* Unic) {
-  ENC_ASSERT(pInput && Unic, "pInput != ((void *)0) && Unic != ((void *)0)");
-  *Unic = 0;
+// One sequence; *pUnic is only written on success. Three bytes, as all of Chinese has, come first.
+static inline int Utf8Character(const char* pInput, uint32_t* pUnic) {
   const uint32_t uiLead = ByteAt(pInput, 0);
+  if ((uiLead & 0xF0) == 0xE0) {
+    if (!Continues(ByteAt(pInput, 1)) || !Continues(ByteAt(pInput, 2))) return 0;
+    *pUnic = (uiLead & 0x0F) << 12 | (ByteAt(pInput, 1) & 0x3F) << 6 | (ByteAt(pInput, 2) & 0x3F);
+    return 3;
+  }
   if (uiLead < 0x80) {
-    *Unic = uiLead;
+    *pUnic = uiLead;
     return 1;
   }
   if (uiLead < 0xC0) return 0;
-  if (uiLead < 0xE0) {
-    // Deliberate: only 0x80 to 0x9F may follow here, so half of the two-byte forms are refused.
-    if ((ByteAt(pInput, 1) & 0xE0) != 0x80) return 0;
-    *Unic = (uiLead & 0x1F) << 6 | (ByteAt(pInput, 1) & 0x3F);
-    return 2;
-  }
-  if (uiLead >= 0xF0) return LongUtf8Character(pInput, Unic);
-  if (!Continues(ByteAt(pInput, 1)) || !Continues(ByteAt(pInput, 2))) return 0;
-  *Unic = (uiLead & 0x0F) << 12 | (ByteAt(pInput, 1) & 0x3F) << 6 | (ByteAt(pInput, 2) & 0x3F);
-  return 3;
+  if (uiLead >= 0xF0) return LongUtf8Character(pInput, pUnic);
+  // Deliberate: only 0x80 to 0x9F may follow here, so half of the two-byte forms are refused.
+  if ((ByteAt(pInput, 1) & 0xE0) != 0x80) return 0;
+  *pUnic = (uiLead & 0x1F) << 6 | (ByteAt(pInput, 1) & 0x3F);
+  return 2;
+}
+
+int enc_utf8_to_unicode_one(const char* pInput, uint32_t* Unic) {
+  ENC_ASSERT(pInput && Unic, "pInput != ((void *)0) && Unic != ((void *)0)");
+  *Unic = 0;
+  return Utf8Character(pInput, Unic);
 }
 
 int enc_utf8_to_unicode(const char* pInput, int nLen, uint32_t* pOutput, int* nMembOut) {
   ENC_ASSERT(pInput && pOutput, kTextArrays);
   ENC_ASSERT(nMembOut && *nMembOut >= 1, "*nMembOut >= 1");
-  return ToCodePoints(pInput, nLen, pOutput, nMembOut, enc_utf8_to_unicode_one);
+  return ToCodePoints(pInput, nLen, pOutput, nMembOut, Utf8Character);
 }
 
 int enc_utf8_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut) {
@@ -142,19 +181,10 @@ int enc_utf8_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut
   return enc_utf8_to_unicode(pInput, static_cast<int>(strlen(pInput)), pOutput, nMembOut);
 }
 
-int enc_unicode_to_utf8_one(uint32_t unic, char* pOutput, int outSize) {
-  ENC_ASSERT(pOutput, "pOutput != ((void *)0)");
-  ENC_ASSERT(outSize >= kUtf8Max, "outSize >= 6");
-  if (unic < 0x80) {
-    pOutput[0] = static_cast<char>(unic);
-    return 1;
-  }
+// One code point of two bytes or of four to six, seldom seen.
+static int PutOtherUtf8(uint32_t unic, char* pOutput) {
   if (unic >= 0x80000000) return 0;
-  const int nLen = unic < 0x800       ? 2
-                   : unic < 0x10000   ? 3
-                   : unic < 0x200000  ? 4
-                   : unic < 0x4000000 ? 5
-                                      : 6;
+  const int nLen = unic < 0x800 ? 2 : unic < 0x200000 ? 4 : unic < 0x4000000 ? 5 : 6;
   uint32_t uiRest = unic;
   for (int i = nLen - 1; i > 0; --i, uiRest >>= 6)
     pOutput[i] = static_cast<char>(0x80 | (uiRest & 0x3F));
@@ -162,16 +192,32 @@ int enc_unicode_to_utf8_one(uint32_t unic, char* pOutput, int outSize) {
   return nLen;
 }
 
+static inline int PutUtf8Character(uint32_t unic, char* pOutput) {
+  if (unic < 0x80) {
+    pOutput[0] = static_cast<char>(unic);
+    return 1;
+  }
+  if (unic < 0x800 || unic >= 0x10000) return PutOtherUtf8(unic, pOutput);
+  pOutput[0] = static_cast<char>(0xE0 | unic >> 12);
+  pOutput[1] = static_cast<char>(0x80 | (unic >> 6 & 0x3F));
+  pOutput[2] = static_cast<char>(0x80 | (unic & 0x3F));
+  return 3;
+}
+
+int enc_unicode_to_utf8_one(uint32_t unic, char* pOutput, int outSize) {
+  ENC_ASSERT(pOutput, "pOutput != ((void *)0)");
+  ENC_ASSERT(outSize >= kUtf8Max, "outSize >= 6");
+  return PutUtf8Character(unic, pOutput);
+}
+
 int enc_unicode_to_utf8_str(const uint32_t* pInput, char* pOutput, int* nMembOut) {
   ENC_ASSERT(pInput && pOutput, kTextArrays);
   ENC_ASSERT(nMembOut && *nMembOut >= kUtf8Max, "*nMembOut >= 6");
-  return FromCodePoints<kUtf8Max>(pInput, pOutput, nMembOut, [](uint32_t unic, char* pOut) {
-    return enc_unicode_to_utf8_one(unic, pOut, kUtf8Max);
-  });
+  return FromCodePoints<kUtf8Max>(pInput, pOutput, nMembOut, PutUtf8Character);
 }
 
 static int CompareCodePoints(uint32_t uiLeft, uint32_t uiRight) { return uiLeft != uiRight; }
-static uint32_t HashCodePoint(uint32_t uiKey) { return uiKey & 0xFFFF; }
+static uint16_t HashCodePoint(uint32_t uiKey) { return static_cast<uint16_t>(uiKey); }
 
 int enc_stc_unicode_to_GBK_init() {
   ENC_ASSERT(!tab_UCS2_to_GBK, "tab_UCS2_to_GBK == ((void *)0)");
@@ -184,22 +230,25 @@ int enc_stc_unicode_to_GBK_init() {
   return 1;
 }
 
-int enc_unicode_to_GBK_one(uint32_t unic, uint16_t* gbk) {
-  ENC_ASSERT(gbk, "gbk != ((void *)0)");
+static inline int GbkOf(uint32_t unic, uint16_t* pGbk) {
   if (unic < 0x80) {
-    *gbk = static_cast<uint16_t>(unic);
+    *pGbk = static_cast<uint16_t>(unic);
     return 1;
   }
   if (!tab_UCS2_to_GBK && enc_stc_unicode_to_GBK_init() == 0) return 0;
-  const uint32_t uiCode = Table_get(tab_UCS2_to_GBK, unic);
-  if (uiCode == 0) return 0;
-  *gbk = static_cast<uint16_t>(uiCode);
-  return 2;
+  const uint32_t uiCode = Table_get<HashCodePoint>(tab_UCS2_to_GBK, unic);
+  *pGbk = static_cast<uint16_t>(uiCode);
+  return uiCode == 0 ? 0 : 2;
+}
+
+int enc_unicode_to_GBK_one(uint32_t unic, uint16_t* gbk) {
+  ENC_ASSERT(gbk, "gbk != ((void *)0)");
+  return GbkOf(unic, gbk);
 }
 
 static inline int PutGbkCharacter(uint32_t unic, char* pOutput) {
   uint16_t usGbk = 0;
-  const int nLen = enc_unicode_to_GBK_one(unic, &usGbk);
+  const int nLen = GbkOf(unic, &usGbk);
   if (nLen == 1) {
     pOutput[0] = static_cast<char>(usGbk);
   } else if (nLen == 2) {

@@ -1,7 +1,7 @@
 // Conversion of text between GBK, code points and UTF-8, over the caller's buffers.
 // A code point is an unsigned 32-bit value; GBK and UTF-8 are bytes. No function writes a
 // terminating 0. The functions keep nothing but the reverse GBK table, which the first conversion
-// of a non-ASCII code point to GBK builds (about 320 KiB, kept for the life of the process, not
+// of a non-ASCII code point to GBK builds (256 KiB, kept for the life of the process, not
 // locked: with several threads call enc_stc_unicode_to_GBK_init before sharing).
 #ifndef ENCODING_UNICODE_UTF_8_H_
 #define ENCODING_UNICODE_UTF_8_H_
