@@ -48,7 +48,7 @@ build() {
   # A folder that test.sh has configured keeps its tests, else the next test.sh builds them anew.
   [ -f "$root/build/release/CMakeCache.txt" ] || set -- -DWEBCTRL_BUILD_TESTS=OFF
   if ! (cd "$root" && cmake --preset release "$@" &&
-    cmake --build --preset release --target webctrl devsim -j "$(nproc)") >"$log" 2>&1; then
+    cmake --build --preset release --target webctrl devsim web_root -j "$(nproc)") >"$log" 2>&1; then
     tail -n 20 "$log" >&2
     fail "the build failed, see $log"
   fi
