@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# run.sh <test file>: one browser test file in a private network namespace with lo and an eth0, so
+# that ports 80, 4999 and 6000 are free. Ends with 77 and the reason where that is not allowed.
+# WEBCTRL_BIN and DEVSIM_BIN name the programs, SCREENSHOTS the folder for pictures (optional).
+set -eu
+
+address=192.168.1.88  # the simulated recorder's own, so that the pages are where its settings say
+
+skip() {
+  echo "skipped: $*"
+  exit 77
+}
+
+inside() {
+  ip link set lo up
+  ip link add eth0 type veth peer name eth0-peer
+  ip link set eth0-peer up
+  ip address add "$address/24" dev eth0
+  ip link set eth0 up
+  UI_ADDRESS=$address exec node --test "$@"
+}
+
+if [ "${1:-}" = --inside ]; then
+  shift
+  inside "$@"
+fi
+
+command -v ip >/dev/null || skip "the ip command (iproute2) is not installed"
+[ -x "${CHROMIUM:=/usr/bin/chromium}" ] || skip "no browser at $CHROMIUM"
+export CHROMIUM
+namespace=(unshare -n -m)
+"${namespace[@]}" true 2>/dev/null || namespace=(unshare -U -r -n -m)
+"${namespace[@]}" true 2>/dev/null || skip "this machine allows no private namespace"
+exec "${namespace[@]}" "$0" --inside "$@"
