@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "CBB/WebCtrl/WebCtrl.h"
@@ -19,30 +18,44 @@ constexpr size_t kMaxRequestBytes = 1024 * 1024;
 constexpr int kMaxConnections = 128;
 
 // What the include calls of the pages print.
-char g_szSetting1[100] = "value1";
-char g_szSetting2[100] = "value2";
+struct {
+  char setting1[100];
+  char setting2[100];
+} g_settings = {"value1", "value2"};
 
 void PrintSetting(mg_connection* pConn, const char* pszName) {
-  if (strcmp(pszName, "setting1") == 0) mg_printf_html_escape(pConn, "%s", g_szSetting1);
-  if (strcmp(pszName, "setting2") == 0) mg_printf_html_escape(pConn, "%s", g_szSetting2);
+  if (strcmp(pszName, "setting1") == 0) mg_printf_html_escape(pConn, "%s", g_settings.setting1);
+  if (strcmp(pszName, "setting2") == 0) mg_printf_html_escape(pConn, "%s", g_settings.setting2);
 }
 
-// Whether the body that the library reports is the whole one and lies in the received bytes. The
-// library takes a negative Content-Length for a whole request, and when a client goes away it
-// delivers what had arrived until then.
-bool IsWhole(const mg_connection& conn, http_message& msg) {
+// How long the first request in the received bytes says it is. One whose body ends with the
+// connection takes all of them.
+size_t AnnouncedLength(const mbuf& received) {
+  constexpr size_t kToTheEnd = ~static_cast<size_t>(0);
+  http_message msg;
+  if (mg_parse_http(received.buf, static_cast<int>(received.len), &msg, 1) <= 0) return 0;
+  const bool bToTheEnd = msg.message.len == kToTheEnd && msg.body.len == kToTheEnd;
+  return bToTheEnd ? received.len : msg.message.len;
+}
+
+// Cuts the body to the request's own, or returns false when the received bytes do not hold it all.
+// The library hands over what follows as well, takes a negative Content-Length for a whole request
+// and, when a client goes away, delivers what had arrived until then.
+bool TakeBody(const mg_connection& conn, http_message& msg) {
   const mbuf& received = conn.recv_mbuf;
+  size_t nWhole = msg.message.len;
+  if ((conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) {
+    if (mg_get_http_header(&msg, "Transfer-Encoding") != nullptr) return false;
+    nWhole = AnnouncedLength(received);
+  }
   const size_t nHead = static_cast<size_t>(msg.body.p - received.buf);
-  if (nHead > received.len || msg.body.len > received.len - nHead) return false;
-  const bool bClosing = (conn.flags & (MG_F_CLOSE_IMMEDIATELY | MG_F_SEND_AND_CLOSE)) != 0;
-  if (!bClosing) return true;
-  if (mg_get_http_header(&msg, "Transfer-Encoding") != nullptr) return false;
-  const mg_str* pLength = mg_get_http_header(&msg, "Content-Length");
-  return pLength == nullptr || strtoull(pLength->p, nullptr, 10) == msg.body.len;
+  if (nWhole < nHead || nWhole > received.len) return false;
+  msg.body.len = nWhole - nHead;
+  return true;
 }
 
 void HandleRequest(mg_connection* pConn, http_message* pMsg) {
-  if (!IsWhole(*pConn, *pMsg)) {
+  if (!TakeBody(*pConn, *pMsg)) {
     pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
     pMsg->message.len = pConn->recv_mbuf.len;  // or the library would look at the same bytes again
     return;

@@ -1,0 +1,37 @@
+// A device application on a loopback port of its own, played by a function from request to reply.
+#ifndef TESTS_UNIT_WEBCTRL_DEVICE_H_
+#define TESTS_UNIT_WEBCTRL_DEVICE_H_
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+class CDevice {
+ public:
+  // The function runs on the device's own thread; an empty reply leaves a request unanswered.
+  explicit CDevice(std::function<std::string(const std::string& strRequest)> pfnAnswer);
+  ~CDevice();
+  CDevice(const CDevice&) = delete;
+  CDevice& operator=(const CDevice&) = delete;
+
+  uint16_t Port() const { return m_usPort; }
+  // Every datagram so far, in order.
+  std::vector<std::string> Requests();
+
+ private:
+  void Play();
+
+  std::function<std::string(const std::string&)> m_pfnAnswer;
+  int m_nSock;
+  uint16_t m_usPort = 0;
+  std::atomic<bool> m_bEnd{false};
+  std::mutex m_mutex;
+  std::vector<std::string> m_requests;
+  std::thread m_thread;
+};
+
+#endif  // TESTS_UNIT_WEBCTRL_DEVICE_H_
