@@ -34,7 +34,7 @@ class LoggerTest : public testing::Test {
   }
   void TearDown() override {
     // Leaves the logger without a file, as the next test expects it.
-    Printed([] { Log().init("x", "/nonexistent/"); });
+    Printed([&] { Log().init("x", (m_strRoot + "/none/").c_str()); });
     ASSERT_EQ(0, system(("rm -rf " + m_strRoot).c_str()));
   }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/unit/Util/NoMemory.h"
 #include "tests/unit/Util/Printed.h"
 
 namespace {
@@ -59,6 +60,16 @@ TEST(StrDict, OwnsCopies) {
   pDict->Set(szKey, szValue);
   szKey[0] = szValue[0] = '?';
   EXPECT_STREQ("value", pDict->Get("key"));
+}
+
+TEST(StrDict, ReportsMissingMemory) {
+  const CDictPtr pDict(StrDict::Create());
+  EXPECT_EQ(0, pDict->Set("old", "1"));
+  const CNoMemory noMemory;
+  EXPECT_EQ(nullptr, StrDict::Create());
+  EXPECT_EQ(-1, pDict->Set("new", "2"));
+  EXPECT_EQ(nullptr, pDict->Get("new"));
+  EXPECT_STREQ("1", pDict->Get("old"));
 }
 
 TEST(StrDict, SortsKeysByStrcmp) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/unit/Util/NoMemory.h"
 #include "tests/unit/Util/Printed.h"
 #include "tests/unit/control/FakeDevice.h"
 
@@ -111,6 +112,15 @@ TEST_F(UdpCtrlSocketTest, TakesAnEmptyDatagramForAFailure) {
   EXPECT_EQ(-1, Receive(100));
   ExpectUntouched(100);
   EXPECT_EQ("", m_strPrinted);
+}
+
+TEST_F(UdpCtrlSocketTest, FailsWithoutMemoryForTheWorkingBuffer) {
+  m_device.Send("reply");
+  char szBuf[8] = "before";
+  int nLen = sizeof(szBuf);
+  const CNoMemory noMemory;
+  EXPECT_EQ(-1, m_sock.RecvDataFromHost(szBuf, nLen, 10));
+  EXPECT_STREQ("before", szBuf);
 }
 
 TEST_F(UdpCtrlSocketTest, TimesOutSilently) {

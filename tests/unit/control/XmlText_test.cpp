@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/unit/Util/NoMemory.h"
+
 namespace {
 
 // The deepest nesting of elements that the parser has built, errors or not.
@@ -78,9 +80,14 @@ TEST(ParseXml, IsNotFooledIntoMissingElements) {
         "<?xml encoding='UTF-8'?><r x='\xC3' '>", "<?xml encoding='&#85;TF-8'?>\xEF\xBB\xBF",
         "<?xml x?>\xEF\xBF\xBE", "<r><!x>", "<r><?xml y>", "<r>text"})
     EXPECT_EQ(-1, Parse(pszHead + strDeep)) << pszHead;
-  for (const char* pszTag :
-       {"<a >", "<a x='1'>", "<_>", "<a\n>", "<\x80>", "<a x=1 >", "<a x='>'>", "<b/><a>"})
+  for (const char* pszTag : {"<a >", "<a x='1'>", "<_>", "<a\n>", "<\x7F>", "<\x80>", "<a x=1 >",
+                             "<a x='>'>", "<b/><a>"})
     EXPECT_EQ(-1, Parse(Repeat(pszTag, 33))) << pszTag;
+}
+
+TEST(ParseXml, RefusesWithoutMemory) {
+  const CNoMemory noMemory;
+  EXPECT_EQ(-1, Parse("<a/>"));
 }
 
 TEST(ParseXml, RefusesAHugeDepth) { EXPECT_EQ(-1, Parse(Repeat("<a>", 300000))); }
