@@ -237,8 +237,9 @@ static inline int GbkOf(uint32_t unic, uint16_t* pGbk) {
   }
   if (!tab_UCS2_to_GBK && enc_stc_unicode_to_GBK_init() == 0) return 0;
   const uint32_t uiCode = Table_get<HashCodePoint>(tab_UCS2_to_GBK, unic);
+  if (uiCode == 0) return 0;
   *pGbk = static_cast<uint16_t>(uiCode);
-  return uiCode == 0 ? 0 : 2;
+  return 2;
 }
 
 int enc_unicode_to_GBK_one(uint32_t unic, uint16_t* gbk) {

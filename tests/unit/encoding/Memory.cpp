@@ -1,0 +1,31 @@
+// The other side of the linker's --wrap: counts, fails when told to, or calls the real function.
+#include "tests/unit/encoding/Memory.h"
+
+extern "C" {
+void* __real_malloc(size_t nSize);
+void* __real_calloc(size_t nCount, size_t nSize);
+void* __real_realloc(void* pOld, size_t nSize);
+}
+
+static size_t g_nBytes;
+static int g_nFailing;
+
+size_t AllocatedBytes() { return g_nBytes; }
+void FailAllocation(int n) { g_nFailing = n; }
+
+static bool Fails(size_t nSize) {
+  g_nBytes += nSize;
+  return g_nFailing != 0 && --g_nFailing == 0;
+}
+
+extern "C" {
+void* __wrap_malloc(size_t nSize) { return Fails(nSize) ? nullptr : __real_malloc(nSize); }
+
+void* __wrap_calloc(size_t nCount, size_t nSize) {
+  return Fails(nCount * nSize) ? nullptr : __real_calloc(nCount, nSize);
+}
+
+void* __wrap_realloc(void* pOld, size_t nSize) {
+  return Fails(nSize) ? nullptr : __real_realloc(pOld, nSize);
+}
+}
