@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <string>
 
 #include "CBB/Util/DebugPrint.h"
 #include "CBB/WebCtrl/HttpLoop.h"
@@ -54,6 +55,17 @@ constexpr CRoute kRoutes[] = {
     {"/import_CfgFile", &CWebCtrl::import_CfgFile},
 };
 
+// Serves the URI as a file below the document root.
+void ServeFile(mg_connection* pConn, http_message* pMsg) {
+  // The library reads this date as terminated text, which the received bytes are not.
+  std::string strDate;
+  if (mg_str* pDate = mg_get_http_header(pMsg, "If-Modified-Since")) {
+    strDate.assign(pDate->p, pDate->len);
+    pDate->p = strDate.c_str();
+  }
+  mg_serve_http(pConn, pMsg, HttpOptions());
+}
+
 }  // namespace
 
 void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
@@ -71,7 +83,7 @@ void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
     }
   }
   printf("------------others-------mg_serve_http.\n");
-  mg_serve_http(pConn, pMsg, HttpOptions());
+  ServeFile(pConn, pMsg);
 }
 
 // Deliberate: the value is a random number, not a measurement.

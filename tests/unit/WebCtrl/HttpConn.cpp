@@ -1,6 +1,7 @@
 #include "tests/unit/WebCtrl/HttpConn.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -8,7 +9,9 @@
 #include "CBB/WebCtrl/HttpLoop.h"
 
 CHttpConn::CHttpConn() {
+  mg_mgr_init(&m_mgr, nullptr);
   m_listener.mgr = m_conn.mgr = &m_mgr;
+  m_listener.iface = m_conn.iface = m_mgr.ifaces[0];
   m_conn.listener = &m_listener;
   m_conn.sock = INVALID_SOCKET;
   m_conn.recv_mbuf_limit = ~static_cast<size_t>(0);
@@ -18,15 +21,28 @@ CHttpConn::CHttpConn() {
 
 CHttpConn::~CHttpConn() {
   if (m_conn.proto_data != nullptr) m_conn.proto_data_destructor(m_conn.proto_data);
-  mbuf_free(&m_conn.recv_mbuf);
+  if (m_pPages != nullptr) munmap(m_pPages, m_nPages);
   mbuf_free(&m_conn.send_mbuf);
+  mg_mgr_free(&m_mgr);
+}
+
+void CHttpConn::ReplaceReceived(std::string_view bytes) {
+  constexpr size_t kPage = 4096;
+  const size_t nData = (bytes.size() + kPage - 1) / kPage * kPage;
+  if (m_pPages != nullptr) munmap(m_pPages, m_nPages);
+  m_nPages = nData + kPage;
+  m_pPages = mmap(nullptr, m_nPages, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(MAP_FAILED, m_pPages);
+  char* const pGuard = static_cast<char*>(m_pPages) + nData;
+  ASSERT_EQ(0, mprotect(pGuard, kPage, PROT_NONE));
+  m_conn.recv_mbuf = {pGuard - bytes.size(), bytes.size(), bytes.size()};
+  memcpy(m_conn.recv_mbuf.buf, bytes.data(), bytes.size());
 }
 
 void CHttpConn::Receive(std::string_view bytes) {
-  mbuf& received = m_conn.recv_mbuf;
-  received.buf = static_cast<char*>(realloc(received.buf, received.len + bytes.size()));
-  memcpy(received.buf + received.len, bytes.data(), bytes.size());
-  received.size = received.len += bytes.size();
+  std::string strAll =
+      m_pPages != nullptr ? std::string(m_conn.recv_mbuf.buf, m_conn.recv_mbuf.len) : std::string();
+  ReplaceReceived(strAll.append(bytes));
   int nBytes = static_cast<int>(bytes.size());
   m_conn.proto_handler(&m_conn, MG_EV_RECV, &nBytes);
 }

@@ -1,6 +1,6 @@
 // An HTTP connection without a socket: what a client would send is handed to the HTTP library, what
-// the client would receive stands in the send buffer. Buffers are as large as their content, so
-// that a read beyond it shows under a sanitizer.
+// the client would receive stands in the send buffer. Received bytes end at a page that cannot be
+// read, so that a step beyond them ends the test.
 #ifndef TESTS_UNIT_WEBCTRL_HTTPCONN_H_
 #define TESTS_UNIT_WEBCTRL_HTTPCONN_H_
 
@@ -28,6 +28,10 @@ class CHttpConn {
   bool IsClosing() const { return (m_conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0; }
 
  private:
+  void ReplaceReceived(std::string_view bytes);
+
+  void* m_pPages = nullptr;
+  size_t m_nPages = 0;  // bytes, the guard included
   mg_mgr m_mgr{};
   mg_connection m_listener{};
   mg_connection m_conn{};

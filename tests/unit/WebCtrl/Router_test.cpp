@@ -1,0 +1,196 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "CBB/WebCtrl/HttpLoop.h"
+#include "CBB/WebCtrl/WebCtrl.h"
+#include "tests/unit/WebCtrl/Device.h"
+#include "tests/unit/WebCtrl/HttpConn.h"
+#include "tests/unit/control/NetSpace.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr char kNeedsNetSpace[] = "no private network namespace";
+constexpr char kStart[] = "--------------------------DoHttpRequeset, start.\n";
+constexpr char kFile[] = "------------others-------mg_serve_http.\n";
+
+constexpr const char* kNames[] = {
+    "get_LangInfo",       "set_LangInfo",       "get_BaseInfo",      "set_BaseInfo",
+    "get_UserSecurity",   "set_UserSecurity",   "cmp_UserSecurity",  "get_LockOfPassword",
+    "set_LockOfPassword", "set_DeviceNo",       "get_MirrorInfo",    "set_MirrorInfo",
+    "get_MainStreamInfo", "set_MainStreamInfo", "get_SubStreamInfo", "set_SubStreamInfo",
+    "get_NetWModeInfo",   "set_NetWModeInfo",   "get_VCmsInfo",      "set_VCmsInfo",
+    "get_WifiInfo",       "set_WifiInfo",       "get_GNetInfo",      "set_GNetInfo",
+    "get_GB28181Info",    "set_GB28181Info",    "get_cpu_usage",     "get_VersionInfo",
+    "get_SystemInfo",     "set_Login",          "get_Login",         "get_LocalNetInfo",
+    "set_LocalNetInfo",   "export_CfgFile",     "import_CfgFile"};
+static_assert(sizeof(kNames) / sizeof(kNames[0]) == 35);
+
+// What one request prints and sends.
+struct stOutcome {
+  std::string strPrinted;
+  std::string strSent;
+};
+
+stOutcome Route(CWebCtrl& webCtrl, const std::string& strRequest) {
+  setvbuf(stdout, nullptr, _IONBF, 0);  // keeps its order with the debug print
+  CHttpConn conn;
+  CRequest request(strRequest);
+  testing::internal::CaptureStdout();
+  webCtrl.DoHttpRequeset(conn.Get(), request.Get());
+  return {testing::internal::GetCapturedStdout(), conn.Sent()};
+}
+
+// A folder with one file in it.
+class CTempFile {
+ public:
+  CTempFile(const std::string& strName, const std::string& strText) {
+    EXPECT_NE(nullptr, mkdtemp(m_szFolder));
+    m_strPath = m_szFolder + ("/" + strName);
+    std::ofstream(m_strPath) << strText;
+  }
+  ~CTempFile() {
+    unlink(m_strPath.c_str());
+    rmdir(m_szFolder);
+  }
+  CTempFile(const CTempFile&) = delete;
+  CTempFile& operator=(const CTempFile&) = delete;
+
+  const char* Folder() const { return m_szFolder; }
+  const char* Path() const { return m_strPath.c_str(); }
+
+ private:
+  char m_szFolder[32] = "/tmp/webctrl_router_XXXXXX";
+  std::string m_strPath;
+};
+
+// The first line that a handler prints.
+std::string EntryLine(const std::string& strName) {
+  if (strName == "get_cpu_usage") return "-------------------handle_get_cpu_usage.\n";
+  return "FUN:" + strName + ", LINE:";
+}
+
+TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    // Refuses every set, so that none of them restarts the service.
+    CDevice device([](const std::string&) { return R"(<VariCfgSec Action="" Result="1"><s/>)"; });
+    CWebCtrl webCtrl;
+    webCtrl.SetDevice("127.0.0.1", device.Port());
+    for (const std::string strName : kNames) {
+      const stOutcome outcome = Route(
+          webCtrl, Post("/" + strName + "?time=1", "strLanguage=CN&strFD_CfgPara=<VariCfgSec/>"));
+      EXPECT_THAT(outcome.strPrinted, StartsWith(kStart + EntryLine(strName)));
+      EXPECT_THAT(outcome.strPrinted, Not(HasSubstr(kFile)));
+      EXPECT_THAT(TakeReply(outcome.strSent).Body(),
+                  testing::ContainsRegex("\"result\": [0-9]+ }$"))
+          << strName;
+    }
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+TEST(DoHttpRequeset, ServesOtherUrisAsFiles) {
+  HttpOptions().document_root = "/no/such/folder";
+  CWebCtrl webCtrl;
+  for (const char* pszUri :
+       {"/", "/GET_LANGINFO", "/get_Langinfo", "/get_LangInfo/", "/get_LangInfoX", "/get_LangInf",
+        "//get_LangInfo", "/get%5fLangInfo", "/get_cpu_usag", "/a/get_LangInfo", "get_LangInfo"}) {
+    const stOutcome outcome = Route(webCtrl, std::string("GET ") + pszUri + " HTTP/1.1\r\n\r\n");
+    EXPECT_EQ(std::string(kStart) + kFile, outcome.strPrinted) << pszUri;
+    EXPECT_THAT(outcome.strSent, Not(StartsWith("HTTP/1.1 200"))) << pszUri;
+  }
+}
+
+TEST(DoHttpRequeset, SendsTheFileBelowTheDocumentRoot) {
+  const CTempFile file("page.css", "body { color: red }");
+  HttpOptions().document_root = file.Folder();
+  CHttpConn conn;
+  testing::internal::CaptureStdout();
+  conn.Receive("GET /page.css HTTP/1.1\r\n\r\n");
+  EXPECT_EQ(std::string(kStart) + kFile, testing::internal::GetCapturedStdout());
+  EXPECT_THAT(conn.Sent(), StartsWith("HTTP/1.1 200 OK\r\n"));
+  int nNow = 0;
+  conn.Get()->proto_handler(conn.Get(), MG_EV_POLL, &nNow);
+  EXPECT_THAT(conn.Sent(), EndsWith("\r\n\r\nbody { color: red }"));
+}
+
+// The library takes the header's date for terminated text.
+TEST(DoHttpRequeset, ReadsConditionsNoFurtherThanReceived) {
+  const struct {
+    const char* pszHeader;
+    const char* pszStatus;
+  } rows[] = {
+      {"If-Modified-Since: Wed, 01 Jan 2031 00:00:00 GMT", "HTTP/1.1 304 "},
+      {"If-Modified-Since: Wed, 01 Jan 2014 00:00:00 GMT", "HTTP/1.1 200 "},
+      {"If-Modified-Since: x", "HTTP/1.1 200 "},
+      {"If-Modified-Since: Wed, 01", "HTTP/1.1 200 "},
+      {"If-None-Match: x", "HTTP/1.1 200 "},
+      {"Range: bytes=0-", "HTTP/1.1 206 "},
+  };
+  // A file as old as 2020, so that neither date is close.
+  const timespec times[2] = {{1577836800, 0}, {1577836800, 0}};
+  CTempFile file("page.css", "body { color: red }");
+  utimensat(AT_FDCWD, file.Path(), times, 0);
+  HttpOptions().document_root = file.Folder();
+  for (const auto& row : rows) {
+    CHttpConn conn;
+    conn.Receive(std::string("GET /page.css HTTP/1.1\r\n") + row.pszHeader + "\r\n\r\n");
+    EXPECT_THAT(conn.Sent(), StartsWith(row.pszStatus)) << row.pszHeader;
+  }
+}
+
+TEST(DoHttpRequeset, LeavesARefusedRequestUnanswered) {
+  HttpOptions().document_root = "/no/such/folder";
+  CWebCtrl webCtrl;
+  webCtrl.Sessions().AddSession("0123456789abcdef0123456789abcdef", INT32_MAX);
+  const struct {
+    const char* pszUri;
+    bool bPasses;
+  } rows[] = {{"/page.css?time=1&SessionID=0123456789abcdef0123456789abcdef", true},
+              {"/page.css?time=1&SessionID=1123456789abcdef0123456789abcdef", false},
+              {"/page.css?time=1", false},
+              // The gate comes before the table.
+              {"/get_cpu_usage?page.css&time=1", false}};
+  for (const auto& row : rows) {
+    const stOutcome outcome =
+        Route(webCtrl, std::string("GET ") + row.pszUri + " HTTP/1.1\r\n\r\n");
+    if (row.bPasses) {
+      EXPECT_EQ(std::string(kStart) + kFile, outcome.strPrinted) << row.pszUri;
+      EXPECT_NE("", outcome.strSent) << row.pszUri;
+    } else {
+      EXPECT_EQ(std::string(kStart) + "\033[31m\033[1mDoHttpRequeset error!\n\033[0m",
+                outcome.strPrinted)
+          << row.pszUri;
+      EXPECT_EQ("", outcome.strSent) << row.pszUri;
+    }
+  }
+}
+
+TEST(DoHttpRequeset, AnswersTheCpuUsageWithTheGeneratorsNextNumber) {
+  CWebCtrl webCtrl;
+  for (unsigned uiSeed = 0; uiSeed < 100; ++uiSeed) {
+    srand(uiSeed);
+    const int nExpected = static_cast<int>(rand() / 2147483647.0 * 100.0);
+    srand(uiSeed);
+    const stOutcome outcome = Route(webCtrl, "GET /get_cpu_usage HTTP/1.1\r\n\r\n");
+    const stReply reply = TakeReply(outcome.strSent);
+    EXPECT_EQ((std::vector<std::string>{"{ \"strFD_SSID\": \"new \"",
+                                        ", \"result\": " + std::to_string(nExpected) + " }"}),
+              reply.chunks);
+    EXPECT_EQ("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n", reply.strHead);
+    EXPECT_EQ("", reply.strRest);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,132 @@
+#include "CBB/WebCtrl/WebCtrl.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/unit/WebCtrl/Device.h"
+#include "tests/unit/control/NetSpace.h"
+
+namespace {
+
+constexpr char kNeedsNetSpace[] = "no private network namespace";
+
+template <class F>
+std::string Printed(F fn) {
+  testing::internal::CaptureStdout();
+  fn();
+  return testing::internal::GetCapturedStdout();
+}
+
+// The device's address and port as a query's trace shows them.
+std::string QueriedDevice(CWebCtrl& webCtrl) {
+  stDisplay rec{};
+  const std::string strPrinted = Printed([&] { webCtrl.getLangInfoFromNet(rec); });
+  const size_t nAt = strPrinted.find("dst.ip:");
+  const size_t nEnd = strPrinted.find(".\n", nAt);
+  return nAt != std::string::npos ? strPrinted.substr(nAt, nEnd - nAt) : strPrinted;
+}
+
+std::string Shown(const std::string& strIp, int nPort) {
+  return "dst.ip:" + strIp + ", dst:port:" + std::to_string(nPort);
+}
+
+// Counts the slots that Restart goes through instead of running a server.
+class CCountingCtrl : public CWebCtrl {
+ public:
+  int Start(const char* pszWebRoot) override {
+    m_calls += std::string("Start(") + pszWebRoot + ")";
+    return -1;
+  }
+  int Stop() override {
+    m_calls += "Stop ";
+    return 0;
+  }
+  std::string m_calls;
+};
+
+TEST(CWebCtrl, IsOneObjectFor6000AtFirst) {
+  EXPECT_EQ(&CWebCtrl::Instance(), &CWebCtrl::Instance());
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    CWebCtrl webCtrl;
+    EXPECT_FALSE(webCtrl.IsStarted());
+    EXPECT_STREQ("", webCtrl.WebRoot());
+    EXPECT_EQ(0U, webCtrl.Sessions().Count());
+    EXPECT_EQ(Shown("", 6000), QueriedDevice(webCtrl));
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+TEST(CWebCtrl, InitPrintsAndKeeps31CharactersAnd16Bits) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    CWebCtrl webCtrl;
+    // Behind the blank the address is over, so that the device is reached.
+    const std::string strIp = "127.0.0.1 " + std::string(40, 'x');
+    CDevice device([](const std::string&) { return "<x/>"; });
+    const int nPort = 0x30000 + device.Port();
+    EXPECT_EQ("CWebCtrl::Init, ip:" + strIp + ", port:" + std::to_string(nPort) + ".\n",
+              Printed([&] { EXPECT_EQ(0, webCtrl.Init(strIp.c_str(), nPort)); }));
+    EXPECT_EQ(Shown(strIp.substr(0, 31), device.Port()), QueriedDevice(webCtrl));
+    EXPECT_EQ(1U, device.Requests().size());
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+TEST(CWebCtrl, RestartGoesThroughItsSlotsBackToTheAddressOfInit) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    CCountingCtrl webCtrl;
+    CDevice device([](const std::string&) { return "<x/>"; });
+    webCtrl.Init("127.0.0.1", 1);
+    webCtrl.SetDevice("127.0.0.2", device.Port());
+    EXPECT_EQ(0, webCtrl.Restart());
+    EXPECT_EQ("Stop Start()", webCtrl.m_calls);
+    // Only the address goes back.
+    EXPECT_EQ(Shown("127.0.0.1", device.Port()), QueriedDevice(webCtrl));
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+TEST(CWebCtrl, SecondStartOnlySaysSo) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    // Its server thread serves until the process ends.
+    CWebCtrl& webCtrl = CWebCtrl::Instance();
+    EXPECT_EQ(0, webCtrl.Start("/"));
+    EXPECT_TRUE(webCtrl.IsStarted());
+    EXPECT_EQ("CWebCtrl::Start, is already started.\n",
+              Printed([&] { EXPECT_EQ(0, webCtrl.Start("/other")); }));
+    EXPECT_STREQ("/", webCtrl.WebRoot());
+    EXPECT_TRUE(webCtrl.IsStarted());
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+// The server thread ends by itself: there is no such folder, then the port is taken.
+TEST(CWebCtrl, KeepsTheFirst127CharactersOfTheWebRootAndStartsAgainAfterAFailure) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    CWebCtrl webCtrl;
+    const std::string strRoot = "/" + std::string(200, 'r');
+    const struct {
+      const char* pszRoot;
+      std::string strKept;
+      const char* pszError;
+    } rows[] = {
+        {strRoot.c_str(), strRoot.substr(0, 127), "Cannot find web_root directory, exiting\n"},
+        {"/", "/", "Cannot bind to 80\n"}};
+    for (const auto& row : rows) {
+      testing::internal::CaptureStderr();
+      EXPECT_EQ(0, webCtrl.Start(row.pszRoot));
+      EXPECT_EQ(row.strKept, webCtrl.WebRoot());
+      while (webCtrl.IsStarted()) std::this_thread::yield();
+      EXPECT_EQ(0, webCtrl.Stop());
+      EXPECT_FALSE(webCtrl.IsStarted());
+      EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::EndsWith(row.pszError));
+    }
+    EXPECT_EQ(0, webCtrl.Stop()) << "without a thread";
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+}  // namespace
