@@ -95,9 +95,9 @@ export class Rig {
 
   // An attribute of a section in the simulator's file, entities resolved.
   setting(section, name) {
-    const element = new RegExp(`<${section}\\s[^>]*?\\b${name}="([^"]*)"`).exec(this.stored());
+    const value = new RegExp(`<${section}\\s[^>]*?\\b${name}=("[^"]*"|'[^']*')`).exec(this.stored());
     const entities = {quot: '"', lt: '<', gt: '>', amp: '&', apos: "'"};
-    return element && element[1].replace(/&(\w+);/g, (_, entity) => entities[entity]);
+    return value && value[1].slice(1, -1).replace(/&(\w+);/g, (_, entity) => entities[entity]);
   }
 
   // How many sets the simulator received.

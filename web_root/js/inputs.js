@@ -24,7 +24,7 @@ function secretControl(field, id) {
   input.type = 'password';
   const reveal = el('button', {
     type: 'button',
-    class: 'quiet reveal',
+    class: 'quiet',
     'aria-pressed': 'false',
     'aria-controls': id,
     onclick: () => {
@@ -33,7 +33,7 @@ function secretControl(field, id) {
       reveal.setAttribute('aria-pressed', String(shown));
     },
   }, t('reveal'));
-  return {...control, node: el('div', {class: 'secret'}, input, reveal)};
+  return {...control, node: el('div', {class: 'reveals'}, input, reveal)};
 }
 
 function toggleControl(field, id) {
@@ -67,7 +67,7 @@ export function clockText(date) {
 
 // '' leaves the clock alone; 'now' becomes this device's time when it is sent.
 function clockControl(field, id) {
-  const shown = el('output', {class: 'clock', id: `${id}-shown`});
+  const shown = el('output', {for: id});
   const input = el('select', {id}, ['keep', 'now', 'set'].map((mode) =>
     el('option', {value: mode}, t(`clock.${mode}`))));
   const chosen = el('input', {

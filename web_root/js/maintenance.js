@@ -111,14 +111,15 @@ function changeTable(rows) {
 class ImportCard {
   constructor() {
     this.notice = new Notice();
-    this.file = el('input', {type: 'file', id: 'import-file', accept: '.xml,text/xml',
+    this.file = el('input', {type: 'file', accept: '.xml,text/xml',
       'aria-describedby': 'import-help', onchange: () => this.preview()});
+    this.name = el('span', {class: 'hint'}, t('import.none'));
     this.changes = el('div', {class: 'preview'});
     this.button = el('button', {type: 'button', class: 'main', hidden: true,
       onclick: () => this.run()}, t('import.go'));
     this.node = card('import', el('p', {class: 'hint', id: 'import-help'}, t('import.help')),
-        el('div', {class: 'field'}, el('label', {class: 'label', for: 'import-file'},
-            t('import.choose')), this.file),
+        el('label', {class: 'file'}, this.file, el('span', {class: 'button'}, t('import.choose')),
+            this.name),
         this.changes, this.notice.node, el('div', {class: 'actions'}, this.button));
   }
 
@@ -131,6 +132,7 @@ class ImportCard {
     this.changes.replaceChildren();
     this.button.hidden = true;
     const [file] = this.file.files;
+    this.name.textContent = file ? file.name : t('import.none');
     if (!file) return this.notice.say();
     this.opened = openConfigFile(new Uint8Array(await file.arrayBuffer()));
     const {error, values, root} = this.opened;
@@ -201,8 +203,8 @@ const language = {
 };
 
 openPage('maintenance', ['page.css', 'sets.css'], async (main) => {
-  const parts = [new VersionCard(), new ExportCard(), new ImportCard(),
-    new SectionForm('maintenance', language)];
+  const parts = [new ExportCard(), new SectionForm('maintenance', language), new ImportCard(),
+    new VersionCard()];
   main.append(el('div', {class: 'cards'}, parts.map((part) => part.node)));
   for (const part of parts) if (part.load) await part.load();
 });

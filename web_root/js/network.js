@@ -47,5 +47,5 @@ const wifi = {
 const localNet = {...kSections.localNet, confirm: confirmMove, transmit: follow};
 
 openPage('network', ['page.css', 'sets.css'], (main) =>
-  fillForms(main, [kSections.netMode, localNet, wifi, kSections.mobile].map((section) =>
+  fillForms(main, [wifi, kSections.mobile, localNet, kSections.netMode].map((section) =>
     new SectionForm('network', section))));

@@ -39,7 +39,7 @@ function checkMac(field, value) {
   return problem('error.mac');
 }
 
-const kClock = /^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d$/;
+const kClock = /^(?:now|\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)?$/;
 
 const kChecks = {
   text: checkText,
@@ -50,7 +50,7 @@ const kChecks = {
   ipv4: (field, value) => kIpv4.test(value) ? null : problem('error.ipv4'),
   host: checkHost,
   mac: checkMac,
-  clock: (field, value) => value === '' || kClock.test(value) ? null : problem('error.clock'),
+  clock: (field, value) => kClock.test(value) ? null : problem('error.clock'),
 };
 
 // null, or the text key and values of what is wrong. A value that the recorder itself holds is

@@ -28,11 +28,11 @@ end.lost Connection lost. It is unknown whether the values arrived; they are sti
 end.unreadable The answer cannot be read. It is unknown whether the values arrived; they are still here.
 
 limit.range {min} to {max}.
-limit.bytes Up to {most} bytes; a Chinese character takes 2.
-limit.between {least} to {most} bytes; a Chinese character takes 2.
+limit.bytes Up to {most} bytes.
+limit.between {least} to {most} bytes.
 error.empty Please fill in.
 error.short Too short: {used} bytes, at least {limit}.
-error.long Too long: {used} bytes, at most {limit}.
+error.long Too long: {used} bytes, at most {limit}. A Chinese character takes 2.
 error.entities Too long on the way: {used} bytes, at most {limit}. Each of " < & takes 4 to 6.
 error.char The recorder cannot store this character: {char}
 error.range Please enter a number from {min} to {max}.
@@ -127,7 +127,7 @@ devicePort Device port
 deviceUser User
 devicePass Password
 id.title Channel IDs
-id.help The lens ID of channel 3 is at the same time the alarm-input ID of channel 1, and so on: one place holds both.
+id.help The lens ID of channel 3 is at the same time the alarm-input ID of channel 1, and so on: one place holds both. Up to 31 bytes each.
 id.channel Channel
 id.lensHead Lens ID
 id.alarmHead Alarm-input ID
@@ -163,7 +163,8 @@ export.busy Reading all settings…
 export.done Handed to the browser as {name}.
 section.import Restore configuration from a file
 import.help The file is checked here and compared with the recorder. Nothing is sent before you agree.
-import.choose Configuration file
+import.choose Choose a file
+import.none No file chosen
 import.comparing Comparing the file with the recorder…
 import.foreign This file is no configuration of a recorder.
 import.empty This configuration holds no settings.

@@ -28,11 +28,11 @@ end.lost 连接已断开，无法确认是否送达；您的输入仍然保留�
 end.unreadable 应答无法识别，无法确认是否送达；您的输入仍然保留。
 
 limit.range {min} 至 {max}。
-limit.bytes 最多 {most} 字节，一个汉字占 2 字节。
-limit.between {least} 至 {most} 字节，一个汉字占 2 字节。
+limit.bytes 最多 {most} 字节。
+limit.between {least} 至 {most} 字节。
 error.empty 请填写。
 error.short 太短：{used} 字节，至少 {limit} 字节。
-error.long 太长：{used} 字节，最多 {limit} 字节。
+error.long 太长：{used} 字节，最多 {limit} 字节。一个汉字占 2 字节。
 error.entities 发送时太长：{used} 字节，最多 {limit} 字节。字符 " < & 各占 4 至 6 字节。
 error.char 录像机无法保存此字符：{char}
 error.range 请输入 {min} 至 {max} 的数字。
@@ -127,7 +127,7 @@ devicePort 设备端口
 deviceUser 用户名
 devicePass 密码
 id.title 通道编号
-id.help 通道 3 的镜头编号同时也是通道 1 的报警输入编号，以此类推：两者共用一个位置。
+id.help 通道 3 的镜头编号同时也是通道 1 的报警输入编号，以此类推：两者共用一个位置。每个最多 31 字节。
 id.channel 通道
 id.lensHead 镜头编号
 id.alarmHead 报警输入编号
@@ -163,7 +163,8 @@ export.busy 正在读取全部设置…
 export.done 已交给浏览器：{name}。
 section.import 导入配置文件
 import.help 文件先在这里检查并与录像机比较，您同意之前不会发送。
-import.choose 配置文件
+import.choose 选择文件
+import.none 未选择文件
 import.comparing 正在与录像机比较…
 import.foreign 此文件不是录像机的配置。
 import.empty 此配置中没有设置。
