@@ -39,7 +39,7 @@ inline std::string Ucs4(uint32_t uiCode) {
 
 inline std::vector<uint32_t> CodePoints(const std::string& ucs4) {
   std::vector<uint32_t> codes(ucs4.size() / sizeof(uint32_t));
-  memcpy(codes.data(), ucs4.data(), codes.size() * sizeof(uint32_t));
+  if (!codes.empty()) memcpy(codes.data(), ucs4.data(), codes.size() * sizeof(uint32_t));
   return codes;
 }
 

@@ -126,6 +126,18 @@ TEST(Table, RemovesFromEveryPlaceOfAChain) {
   }
 }
 
+TEST(Table, UsesRemovedEntriesAgain) {
+  const TablePtr table = NewTable(0, AllAlike);
+  for (uint32_t uiKey = 1; uiKey <= 4; ++uiKey) Table_put(table.get(), uiKey, uiKey);
+  const size_t nBefore = AllocatedBytes();
+  for (uint32_t i = 0; i < 5000; ++i) {
+    Table_remove(table.get(), 1 + i % 4);  // the bucket's own entry and chained ones
+    Table_put(table.get(), 1 + i % 4, i + 1);
+  }
+  EXPECT_EQ(nBefore, AllocatedBytes());
+  EXPECT_EQ(4, Table_length(table.get()));
+}
+
 TEST(Table, MapVisitsEveryEntryAndMayChangeItsValue) {
   const TablePtr table = NewTable();
   for (uint32_t uiKey = 1; uiKey <= 2000; ++uiKey) Table_put(table.get(), uiKey, uiKey);
