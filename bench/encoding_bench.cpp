@@ -55,20 +55,20 @@ static std::string ChineseText() {
 
 // --- One conversion of a text, by us and by iconv -----------------------------------------------
 
-static std::vector<uint32_t> g_codePoints(kRoom);
+static uint32_t g_codePoints[kRoom];
 
 static int OurGbkToUtf8(const char* pInput, size_t, char* pOutput) {
   int nCodePoints = kRoom - 1, nBytes = kRoom;
-  if (enc_GBK_to_unicode_str(pInput, g_codePoints.data(), &nCodePoints) != 1) return -1;
-  g_codePoints[static_cast<size_t>(nCodePoints)] = 0;
-  return enc_unicode_to_utf8_str(g_codePoints.data(), pOutput, &nBytes) == 1 ? nBytes : -1;
+  if (enc_GBK_to_unicode_str(pInput, g_codePoints, &nCodePoints) != 1) return -1;
+  g_codePoints[nCodePoints] = 0;
+  return enc_unicode_to_utf8_str(g_codePoints, pOutput, &nBytes) == 1 ? nBytes : -1;
 }
 
 static int OurUtf8ToGbk(const char* pInput, size_t, char* pOutput) {
   int nCodePoints = kRoom - 1, nBytes = kRoom;
-  if (enc_utf8_to_unicode_str(pInput, g_codePoints.data(), &nCodePoints) != 1) return -1;
-  g_codePoints[static_cast<size_t>(nCodePoints)] = 0;
-  return enc_unicode_to_GBK_str(g_codePoints.data(), pOutput, &nBytes) == 1 ? nBytes : -1;
+  if (enc_utf8_to_unicode_str(pInput, g_codePoints, &nCodePoints) != 1) return -1;
+  g_codePoints[nCodePoints] = 0;
+  return enc_unicode_to_GBK_str(g_codePoints, pOutput, &nBytes) == 1 ? nBytes : -1;
 }
 
 static int RunIconv(iconv_t pConverter, const char* pInput, size_t nLen, char* pOutput) {
@@ -92,12 +92,12 @@ using Conversion = int (*)(const char* pInput, size_t nLen, char* pOutput);
 
 static std::string Converted(Conversion pfnConvert, const std::string& input) {
   std::string output(kRoom, '\0');
-  const int nLen = pfnConvert(input.c_str(), input.size(), &output[0]);
+  const int nLen = pfnConvert(input.c_str(), input.size(), output.data());
   output.resize(static_cast<size_t>(std::max(nLen, 0)));
   return output;
 }
 
-static void Convert(benchmark::State& state, Conversion pfnConvert, std::string input) {
+static void Convert(benchmark::State& state, Conversion pfnConvert, const std::string& input) {
   std::vector<char> output(kRoom);
   for (auto _ : state) {
     if (pfnConvert(input.c_str(), input.size(), output.data()) <= 0) {
@@ -106,7 +106,7 @@ static void Convert(benchmark::State& state, Conversion pfnConvert, std::string 
     }
     benchmark::ClobberMemory();
   }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * input.size()));
+  state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(input.size()));
 }
 
 // --- The comparisons ----------------------------------------------------------------------------
@@ -189,12 +189,15 @@ static int PrintRatios(const CLeastReporter& reporter) {
 
 // --- The reverse table --------------------------------------------------------------------------
 
+static constexpr double kMostBuildMs = 2;
+static constexpr size_t kMostHeapBytes = size_t{600} * 1024;
+
 static int PrintReverseTable(double dBuildMs, size_t nHeapBytes) {
   printf(
       "\nreverse table: built in %.3f ms of processor time (at most 2), %.1f KiB of heap (below "
       "600)\n",
       dBuildMs, static_cast<double>(nHeapBytes) / 1024);
-  return dBuildMs <= 2 && nHeapBytes < 600 * 1024 ? 0 : 1;
+  return dBuildMs <= kMostBuildMs && nHeapBytes < kMostHeapBytes ? 0 : 1;
 }
 
 static size_t HeapBytes() {
