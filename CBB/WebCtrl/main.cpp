@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "CBB/Util/Descriptors.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
 namespace {
@@ -26,6 +27,8 @@ int OwnFolder(char* pszFolder) {
 }  // namespace
 
 int main() {
+  GuardStdStreams();
+  CapDescriptors();
   // A trace is visible at once, and in order with the debug print, also in a file or a pipe.
   setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   CWebCtrl& webCtrl = CWebCtrl::Instance();

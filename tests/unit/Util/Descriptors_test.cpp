@@ -1,0 +1,165 @@
+#include "CBB/Util/Descriptors.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <functional>
+#include <string>
+
+namespace {
+
+constexpr int kStreams[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
+
+// Runs a check in a process of its own, whose streams it may spoil. Returns its result, or the
+// number of the signal that ended it, negative.
+int InChild(const std::function<int()>& fn) {
+  const pid_t nPid = fork();
+  if (nPid == 0) _exit(fn());
+  int nStatus = 0;
+  waitpid(nPid, &nStatus, 0);
+  return WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -WTERMSIG(nStatus);
+}
+
+bool IsNull(int nFd) {
+  struct stat st {};
+  struct stat null {};
+  return fstat(nFd, &st) == 0 && stat("/dev/null", &null) == 0 && st.st_rdev == null.st_rdev;
+}
+
+// Writes until nothing more goes in, and returns why. Far more than any pipe or socket takes.
+int WriteUntilRefused(int nFd) {
+  const std::string strText(4096, 'x');
+  for (int i = 0; i < 4096; i++) {
+    if (write(nFd, strText.data(), strText.size()) < 0) return errno;
+  }
+  return 0;
+}
+
+TEST(GuardStdStreams, OpensClosedStreamsOnTheNullDevice) {
+  for (const int nClosed : kStreams) {
+    EXPECT_EQ(0, InChild([nClosed] {
+                close(nClosed);
+                GuardStdStreams();
+                if (!IsNull(nClosed)) return 1;
+                return open("/dev/null", O_RDONLY) > STDERR_FILENO ? 0 : 2;
+              }))
+        << nClosed;
+  }
+  EXPECT_EQ(0, InChild([] {
+              for (const int nFd : kStreams) close(nFd);
+              GuardStdStreams();
+              for (const int nFd : kStreams) {
+                if (!IsNull(nFd)) return 1;
+              }
+              return 0;
+            }));
+}
+
+TEST(GuardStdStreams, LeavesNoDescriptorOpen) {
+  int fds[2];
+  ASSERT_EQ(0, pipe(fds));
+  EXPECT_EQ(0, InChild([&fds] {
+              dup2(fds[1], STDOUT_FILENO);
+              const int nNext = dup(STDIN_FILENO);
+              close(nNext);
+              GuardStdStreams();
+              return dup(STDIN_FILENO) - nNext;
+            }));
+  close(fds[0]);
+  close(fds[1]);
+}
+
+TEST(GuardStdStreams, LosesTextInAFullPipe) {
+  for (const int nStream : {STDOUT_FILENO, STDERR_FILENO}) {
+    int fds[2];
+    ASSERT_EQ(0, pipe(fds));
+    EXPECT_EQ(EAGAIN, InChild([nStream, &fds] {
+                dup2(fds[1], nStream);
+                GuardStdStreams();
+                return WriteUntilRefused(nStream);
+              }));
+    EXPECT_EQ(0, fcntl(fds[1], F_GETFL) & O_NONBLOCK) << "the pipe's other users are disturbed";
+    close(fds[0]);
+    close(fds[1]);
+  }
+}
+
+// Another user's pipe cannot be opened again.
+TEST(GuardStdStreams, LosesTextInAFullPipeThatItMayNotOpen) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs another user";
+  int fds[2];
+  ASSERT_EQ(0, pipe(fds));
+  EXPECT_EQ(EAGAIN, InChild([&fds] {
+              dup2(fds[1], STDOUT_FILENO);
+              if (setuid(65534) != 0) return 1;
+              GuardStdStreams();
+              return WriteUntilRefused(STDOUT_FILENO);
+            }));
+  close(fds[0]);
+  close(fds[1]);
+}
+
+TEST(GuardStdStreams, LosesTextInAFullSocket) {
+  int fds[2];
+  ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, fds));
+  EXPECT_EQ(EAGAIN, InChild([&fds] {
+              dup2(fds[1], STDOUT_FILENO);
+              GuardStdStreams();
+              return WriteUntilRefused(STDOUT_FILENO);
+            }));
+  EXPECT_EQ(0, fcntl(fds[1], F_GETFL) & O_NONBLOCK);
+  close(fds[0]);
+  close(fds[1]);
+}
+
+TEST(GuardStdStreams, OutlivesAReaderThatHasGone) {
+  int fds[2];
+  ASSERT_EQ(0, pipe(fds));
+  close(fds[0]);
+  EXPECT_EQ(EPIPE, InChild([&fds] {
+              signal(SIGPIPE, SIG_DFL);
+              dup2(fds[1], STDOUT_FILENO);
+              GuardStdStreams();
+              return WriteUntilRefused(STDOUT_FILENO);
+            }));
+  close(fds[1]);
+}
+
+TEST(GuardStdStreams, LeavesFilesAlone) {
+  EXPECT_EQ(0, InChild([] {
+              dup2(open("/tmp", O_TMPFILE | O_WRONLY, 0600), STDOUT_FILENO);
+              const int nBefore = fcntl(STDOUT_FILENO, F_GETFL);
+              GuardStdStreams();
+              return fcntl(STDOUT_FILENO, F_GETFL) - nBefore;
+            }));
+}
+
+TEST(CapDescriptors, LowersOnlyALimitThatIsTooHigh) {
+  const struct {
+    rlim_t nBefore;
+    rlim_t nAfter;
+  } rows[] = {{FD_SETSIZE + 1, FD_SETSIZE}, {FD_SETSIZE, FD_SETSIZE}, {64, 64}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(0, InChild([&row] {
+                rlimit limit{};
+                getrlimit(RLIMIT_NOFILE, &limit);
+                if (limit.rlim_max < row.nBefore) return 0;
+                limit.rlim_cur = row.nBefore;
+                setrlimit(RLIMIT_NOFILE, &limit);
+                CapDescriptors();
+                getrlimit(RLIMIT_NOFILE, &limit);
+                return limit.rlim_cur == row.nAfter ? 0 : 1;
+              }))
+        << row.nBefore;
+  }
+}
+
+}  // namespace
