@@ -1,15 +1,41 @@
 #include "config/Config_Task.h"
 
+#include <atomic>
+#include <new>
+
 #include "CBB/Util/StrDict.h"
 
-CConfig_Task::CConfig_Task() : m_apWork{NewWorkList(), NewWorkList()}, m_pDict(StrDict::Create()) {}
+namespace {
+
+// The parts of a task that went, as void: their type is the task's own. Zeroing 130 KB anew took
+// more than half of a query's own time, and nothing writes to them, so the next task takes them as
+// they are. At most one set is kept.
+std::atomic<void*> g_pSpareParts{nullptr};
+
+}  // namespace
+
+CConfig_Task::CConfig_Task() : m_pParts(TakeParts()) {}
 
 CConfig_Task::~CConfig_Task() = default;
 
 void CConfig_Task::CRelease::operator()(StrDict* pDict) const { StrDict::Free(pDict); }
 
-CConfig_Task::WorkList CConfig_Task::NewWorkList() {
-  WorkList pList(static_cast<stWorkList*>(calloc(1, sizeof(stWorkList))));
-  if (pList) pList->uiCapacity = sizeof(pList->aEntry) / sizeof(pList->aEntry[0]);
-  return pList;
+CConfig_Task::stParts::stParts()
+    : apWork{WorkList(static_cast<stWorkList*>(calloc(1, sizeof(stWorkList)))),
+             WorkList(static_cast<stWorkList*>(calloc(1, sizeof(stWorkList))))},
+      pDict(StrDict::Create()) {
+  for (const WorkList& pList : apWork) {
+    if (pList) pList->uiCapacity = sizeof(pList->aEntry) / sizeof(pList->aEntry[0]);
+  }
+}
+
+CConfig_Task::Parts CConfig_Task::TakeParts() {
+  if (void* const pSpare = g_pSpareParts.exchange(nullptr)) {
+    return Parts(static_cast<stParts*>(pSpare));
+  }
+  return Parts(new (std::nothrow) stParts);
+}
+
+void CConfig_Task::CKeep::operator()(stParts* pParts) const {
+  delete static_cast<stParts*>(g_pSpareParts.exchange(pParts));
 }

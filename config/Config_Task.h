@@ -92,6 +92,18 @@ class CConfig_Task {
   };
   using WorkList = std::unique_ptr<stWorkList, CRelease>;
 
+  // Made with every task and never written to; each part is absent when memory ran out for it.
+  struct stParts {
+    stParts();
+    WorkList apWork[2];
+    std::unique_ptr<StrDict, CRelease> pDict;
+  };
+  struct CKeep {
+    void operator()(stParts* pParts) const;
+  };
+  using Parts = std::unique_ptr<stParts, CKeep>;
+
+  static Parts TakeParts();
   static WorkList NewWorkList();
   stConfig& Dest(stConfig* pDst) { return pDst ? *pDst : m_stConfig; }
 
@@ -99,6 +111,5 @@ class CConfig_Task {
   std::mutex m_xMutex;
   std::condition_variable m_xCond;
   std::unique_ptr<void, CRelease> m_apHandle[3];  // released with the task when set
-  WorkList m_apWork[2];                           // one that memory ran out for is absent
-  std::unique_ptr<StrDict, CRelease> m_pDict;
+  Parts m_pParts;
 };

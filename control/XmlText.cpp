@@ -12,6 +12,8 @@ namespace {
 // sequence is longer than this.
 constexpr size_t kPadding = 8;
 
+bool HasUtf8Mark(const char* pszText) { return !strncmp(pszText, "\xEF\xBB\xBF", 3); }
+
 // Measures nesting with the parser's own lexical functions, so that both see the same tags in
 // every encoding. Only elements are taken apart here, in a loop; the rest cannot nest.
 class CDepthProbe : private TiXmlDocument {
@@ -33,8 +35,7 @@ class CDepthProbe : private TiXmlDocument {
 };
 
 bool CDepthProbe::IsTooDeep(const char* pszText) {
-  static constexpr char kUtf8Mark[] = "\xEF\xBB\xBF";
-  if (!strncmp(pszText, kUtf8Mark, strlen(kUtf8Mark))) m_encoding = TIXML_ENCODING_UTF8;
+  if (HasUtf8Mark(pszText)) m_encoding = TIXML_ENCODING_UTF8;
   const char* p = SkipWhiteSpace(pszText, m_encoding);
   while (p && *p && m_nDeepest <= kXmlDepthMax) {
     p = Step(p);
@@ -100,6 +101,42 @@ void CDepthProbe::LearnEncoding(TiXmlNode& node) {
   m_encoding = bUtf8 ? TIXML_ENCODING_UTF8 : TIXML_ENCODING_LEGACY;
 }
 
+// Steps over the rest of a start tag, from behind its "<": past "/>" (then bEmpty) or ">". Null for
+// a tag that is not of names and quoted values alone.
+const char* PlainTagEnd(const char* p, bool& bEmpty) {
+  for (char cBefore = 0;; cBefore = *p++) {
+    p += strcspn(p, "=\"'/<>");
+    bEmpty = *p == '/';
+    if (*p == '>') return p + 1;
+    if (bEmpty) return p[1] == '>' ? p + 2 : nullptr;
+    const bool bValue = cBefore == '=' && (*p == '"' || *p == '\'');
+    if (!bValue && *p != '=') return nullptr;
+    if (!bValue) continue;
+    p = strchr(p + 1, *p);
+    if (!p) return nullptr;
+  }
+}
+
+// True when the text is made of elements and text alone, in the plainest form, none nested too
+// deep: what a device really sends is passed here without building anything.
+bool IsPlainAndFlat(const char* pszText) {
+  if (HasUtf8Mark(pszText)) return false;
+  int nDepth = 0;
+  for (const char* p = strchr(pszText, '<'); p; p = strchr(p, '<')) {
+    p++;
+    if (*p == '/') {
+      if (--nDepth < 0) return false;
+      continue;
+    }
+    if (*p != '_' && !(*p > 0 && isalpha(*p))) return false;
+    bool bEmpty = false;
+    p = PlainTagEnd(p, bEmpty);
+    if (!p) return false;
+    if (!bEmpty && ++nDepth >= kXmlDepthMax) return false;
+  }
+  return true;
+}
+
 // True when the text has few enough places where an element can begin at all.
 bool HasFewElements(const char* pszText) {
   int nPlaces = 0;
@@ -122,7 +159,7 @@ int ParseXml(TiXmlDocument& doc, const char* pszText) {
   const std::unique_ptr<char[]> pCopy(new (std::nothrow) char[nLen + kPadding]());
   if (!pCopy) return -1;
   memcpy(pCopy.get(), pszText, nLen);
-  if (!HasFewElements(pCopy.get())) {
+  if (!HasFewElements(pCopy.get()) && !IsPlainAndFlat(pCopy.get())) {
     CDepthProbe probe;
     if (probe.IsTooDeep(pCopy.get())) return -1;
   }

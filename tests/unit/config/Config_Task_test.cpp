@@ -32,6 +32,7 @@ class CRefuseMemory {
 };
 
 std::unique_ptr<CConfig_Task> NewTaskWithoutMemory() {
+  const CConfig_Task other;  // has the lists that an earlier task left behind
   const CRefuseMemory refuse;
   return std::make_unique<CConfig_Task>();
 }
