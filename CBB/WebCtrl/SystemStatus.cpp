@@ -26,7 +26,7 @@ struct CStatusPiece {
 };
 
 template <auto M>
-std::string_view Value(const stSystemInfo& rec, Scratch& szScratch) {
+std::string_view FieldText(const stSystemInfo& rec, Scratch& szScratch) {
   if constexpr (std::is_array_v<typename MemberOf<M>::Field>) {
     return rec.*M;
   } else {
@@ -46,43 +46,43 @@ std::string_view CmsAddress(const stSystemInfo& rec, Scratch& szScratch) {
 
 constexpr CStatusPiece kPieces[] = {
     {"{ ", nullptr, ""},
-    {R"("gps":{ "ucFD_GpsExist": ")", Value<&stSystemInfo::GpsExist>, R"(")"},
-    {R"(, "strFD_GpsPos": ")", Value<&stSystemInfo::GpsPos>, R"("},)"},
-    {R"("gnet":{ "ucFD_GNetExist": ")", Value<&stSystemInfo::GNetExist>, R"(")"},
-    {R"(, "strFD_GNetIMEI": ")", Value<&stSystemInfo::IMEI>, R"(")"},
-    {R"(, "strFD_GNetRevision": ")", Value<&stSystemInfo::ATI>, R"(")"},
-    {R"(, "ucFD_SimExist": ")", Value<&stSystemInfo::SimExist>, R"(")"},
-    {R"(, "ucFD_SimIMSI": ")", Value<&stSystemInfo::IMSI>, R"(")"},
-    {R"(, "ucFD_SimICCID": ")", Value<&stSystemInfo::ICCID>, R"(")"},
-    {R"(, "uiFD_GNetSignal": ")", Value<&stSystemInfo::GNetSignal>, R"(")"},
-    {R"(, "ucFD_GNetDail": ")", Value<&stSystemInfo::GNetDail>, R"("},)"},
-    {R"("wifi":{ "ucFD_WifiExist": ")", Value<&stSystemInfo::WifiExist>, R"(")"},
+    {R"("gps":{ "ucFD_GpsExist": ")", FieldText<&stSystemInfo::GpsExist>, R"(")"},
+    {R"(, "strFD_GpsPos": ")", FieldText<&stSystemInfo::GpsPos>, R"("},)"},
+    {R"("gnet":{ "ucFD_GNetExist": ")", FieldText<&stSystemInfo::GNetExist>, R"(")"},
+    {R"(, "strFD_GNetIMEI": ")", FieldText<&stSystemInfo::IMEI>, R"(")"},
+    {R"(, "strFD_GNetRevision": ")", FieldText<&stSystemInfo::ATI>, R"(")"},
+    {R"(, "ucFD_SimExist": ")", FieldText<&stSystemInfo::SimExist>, R"(")"},
+    {R"(, "ucFD_SimIMSI": ")", FieldText<&stSystemInfo::IMSI>, R"(")"},
+    {R"(, "ucFD_SimICCID": ")", FieldText<&stSystemInfo::ICCID>, R"(")"},
+    {R"(, "uiFD_GNetSignal": ")", FieldText<&stSystemInfo::GNetSignal>, R"(")"},
+    {R"(, "ucFD_GNetDail": ")", FieldText<&stSystemInfo::GNetDail>, R"("},)"},
+    {R"("wifi":{ "ucFD_WifiExist": ")", FieldText<&stSystemInfo::WifiExist>, R"(")"},
     {R"(, "ucFD_WifiMode": ")", WifiMode, R"(")"},
-    {R"(, "uiFD_WifiSignal": ")", Value<&stSystemInfo::WifiSignal>, R"(")"},
-    {R"(, "ucFD_WifiDail": ")", Value<&stSystemInfo::WifiDail>, R"("},)"},
-    {R"("cms":{ "ucFD_CmsStatus": ")", Value<&stSystemInfo::CmsStatus>, R"(")"},
-    {R"(, "ucFD_JTT808Status": ")", Value<&stSystemInfo::JTT808Status>, R"(")"},
-    {R"(, "ucFD_GB28181Status": ")", Value<&stSystemInfo::GB28181Status>, R"("},)"},
+    {R"(, "uiFD_WifiSignal": ")", FieldText<&stSystemInfo::WifiSignal>, R"(")"},
+    {R"(, "ucFD_WifiDail": ")", FieldText<&stSystemInfo::WifiDail>, R"("},)"},
+    {R"("cms":{ "ucFD_CmsStatus": ")", FieldText<&stSystemInfo::CmsStatus>, R"(")"},
+    {R"(, "ucFD_JTT808Status": ")", FieldText<&stSystemInfo::JTT808Status>, R"(")"},
+    {R"(, "ucFD_GB28181Status": ")", FieldText<&stSystemInfo::GB28181Status>, R"("},)"},
     {R"("disk":{)", nullptr, ""},
     {R"("list":[)", nullptr, ""},
     // Deliberate: always two disks, there or not; the third is never listed.
-    {R"({"ucFD_DiskExist": ")", Value<&stSystemInfo::Disk1Exist>, R"(")"},
-    {R"(, "strFD_DiskSize": ")", Value<&stSystemInfo::Disk1Size>, R"("},)"},
-    {R"({"ucFD_DiskExist": ")", Value<&stSystemInfo::Disk2Exist>, R"(")"},
-    {R"(, "strFD_DiskSize": ")", Value<&stSystemInfo::Disk2Size>, R"("})"},
+    {R"({"ucFD_DiskExist": ")", FieldText<&stSystemInfo::Disk1Exist>, R"(")"},
+    {R"(, "strFD_DiskSize": ")", FieldText<&stSystemInfo::Disk1Size>, R"("},)"},
+    {R"({"ucFD_DiskExist": ")", FieldText<&stSystemInfo::Disk2Exist>, R"(")"},
+    {R"(, "strFD_DiskSize": ")", FieldText<&stSystemInfo::Disk2Size>, R"("})"},
     {R"(]},)", nullptr, ""},
-    {R"("io":{ "strFD_IOStatus": ")", Value<&stSystemInfo::IO>, R"("},)"},
-    {R"("version":{ "strFD_McuVersion": ")", Value<&stSystemInfo::McuVer>, R"(")"},
-    {R"(, "strFD_LdrVersion": ")", Value<&stSystemInfo::BootVer>, R"(")"},
-    {R"(, "strFD_KnlVersion": ")", Value<&stSystemInfo::KnlVer>, R"(")"},
-    {R"(, "strFD_RfsVersion": ")", Value<&stSystemInfo::RfsVer>, R"(")"},
-    {R"(, "strFD_AppVersion": ")", Value<&stSystemInfo::AppVer>, R"(")"},
-    {R"(, "strFD_DbtVersion": ")", Value<&stSystemInfo::DBVer>, R"("},)"},
-    {R"("acc":{ "ucFD_AccStatus": ")", Value<&stSystemInfo::ACC>, R"(")"},
+    {R"("io":{ "strFD_IOStatus": ")", FieldText<&stSystemInfo::IO>, R"("},)"},
+    {R"("version":{ "strFD_McuVersion": ")", FieldText<&stSystemInfo::McuVer>, R"(")"},
+    {R"(, "strFD_LdrVersion": ")", FieldText<&stSystemInfo::BootVer>, R"(")"},
+    {R"(, "strFD_KnlVersion": ")", FieldText<&stSystemInfo::KnlVer>, R"(")"},
+    {R"(, "strFD_RfsVersion": ")", FieldText<&stSystemInfo::RfsVer>, R"(")"},
+    {R"(, "strFD_AppVersion": ")", FieldText<&stSystemInfo::AppVer>, R"(")"},
+    {R"(, "strFD_DbtVersion": ")", FieldText<&stSystemInfo::DBVer>, R"("},)"},
+    {R"("acc":{ "ucFD_AccStatus": ")", FieldText<&stSystemInfo::ACC>, R"(")"},
     {R"(},)", nullptr, ""},
-    {R"("net":{ "ucFD_NetStatus": ")", Value<&stSystemInfo::NetStatus>, R"(")"},
+    {R"("net":{ "ucFD_NetStatus": ")", FieldText<&stSystemInfo::NetStatus>, R"(")"},
     {R"(, "uiFD_IP": ")", CmsAddress, R"(")"},
-    {R"(, "strFD_DeviceNo": ")", Value<&stSystemInfo::DeviceNo>, R"("},)"},
+    {R"(, "strFD_DeviceNo": ")", FieldText<&stSystemInfo::DeviceNo>, R"("},)"},
 };
 
 }  // namespace
