@@ -20,7 +20,9 @@ if(NOT MONGOOSE_VERSION MATCHES "^6\\." OR MONGOOSE_VERSION VERSION_LESS 6.16)
       "protocols off differently, so that they would stay on.")
 endif()
 
-add_library(mongoose STATIC ${MONGOOSE_DIR}/mongoose.c)
+add_library(mongoose STATIC ${CMAKE_CURRENT_LIST_DIR}/MongooseBuild.c)
+set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/MongooseBuild.c
+                            PROPERTIES OBJECT_DEPENDS ${MONGOOSE_DIR}/mongoose.c)
 target_include_directories(mongoose SYSTEM PUBLIC ${MONGOOSE_DIR})
 # PUBLIC: the switches change the library's own types, so every user must see the same ones.
 target_compile_definitions(
@@ -40,5 +42,7 @@ target_compile_definitions(
          MG_MAX_HTTP_REQUEST_SIZE=8192
          # One segment a poll (the default) lets delayed acknowledgements stall longer replies.
          MG_TCP_IO_SIZE=16384
-         MG_MAX_HTTP_SEND_MBUF=16384)
+         MG_MAX_HTTP_SEND_MBUF=16384
+         # Two such paths a level of nested includes; MongooseBuild.c says why so short.
+         MG_MAX_PATH=1024)
 target_compile_options(mongoose PRIVATE -w)

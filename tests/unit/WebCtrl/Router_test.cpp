@@ -125,6 +125,34 @@ TEST(DoHttpRequeset, SendsTheFileBelowTheDocumentRoot) {
   EXPECT_THAT(conn.Sent(), EndsWith("\r\n\r\nbody { color: red }"));
 }
 
+std::string ServedPage(const std::string& strText) {
+  const CTempFile file("page.shtml", strText);
+  HttpOptions().document_root = file.Folder();
+  CHttpConn conn;
+  conn.Receive("GET /page.shtml HTTP/1.1\r\n\r\n");
+  const std::string strSent = conn.Sent();
+  return strSent.substr(std::min(strSent.find("\r\n\r\n"), strSent.size() - 4) + 4);
+}
+
+TEST(DoHttpRequeset, FillsTheSettingsIntoPagesWithCalls) {
+  EXPECT_EQ("<p>value1|value2|</p>",
+            ServedPage("<p><!--#call setting1 -->|<!--#call setting2 -->|<!--#call other --></p>"));
+}
+
+// A tag and a path have the same bound, so that no tag overruns a path.
+TEST(DoHttpRequeset, BoundsTheTagsOfIncludes) {
+  for (const size_t nLength : {100, 985, 1050, 2000, 9000}) {
+    const std::string strName(nLength, 'n');
+    for (const char* pszKind : {"virtual=", "abspath=", "file=", ""}) {
+      const std::string strTag = std::string("<!--#include ") + pszKind + '"' + strName + '"';
+      EXPECT_THAT(ServedPage(strTag + " -->"), nLength < 1000
+                                                   ? HasSubstr("SSI include error: mg_fopen(")
+                                                   : HasSubstr("SSI tag is too large"))
+          << nLength << pszKind;
+    }
+  }
+}
+
 // The library takes the header's date for terminated text.
 TEST(DoHttpRequeset, ReadsConditionsNoFurtherThanReceived) {
   const struct {
