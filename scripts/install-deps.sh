@@ -77,17 +77,22 @@ install_packages() {
   apt_install $missing
 }
 
-# The stamp is written last: an interrupted installation is done again.
+# Made beside the old ones and moved into place with their stamp: an interrupted installation
+# leaves what was there.
 install_node_modules() {
-  local dir=$root/tests/ui stamp sum
+  local dir=$root/tests/ui new=$root/build/node-modules sum
   [ -f "$dir/package-lock.json" ] || return 0
-  stamp=$dir/node_modules/.installed
   sum=$(sha256sum <"$dir/package-lock.json")
-  [ "$(cat "$stamp" 2>/dev/null)" != "$sum" ] || return 0
+  [ "$(cat "$dir/node_modules/.installed" 2>/dev/null)" != "$sum" ] || return 0
   say "installing the browser tests' node modules"
-  (cd "$dir" && npm ci --no-audit --no-fund --loglevel=error >/dev/null) ||
-    fail "npm cannot install the modules of tests/ui (no network?)"
-  echo "$sum" >"$stamp"
+  rm -rf "$new"
+  mkdir -p "$new"
+  cp "$dir/package.json" "$dir/package-lock.json" "$new"
+  (cd "$new" && npm ci --no-audit --no-fund --fetch-retries=1 >npm.log 2>&1) ||
+    fail "npm cannot install the modules of tests/ui (no network?), see $new/npm.log"
+  echo "$sum" >"$new/node_modules/.installed"
+  rm -rf "$dir/node_modules"
+  mv "$new/node_modules" "$dir"
 }
 
 [ $# -gt 0 ] || fail "which purpose? One or more of: $purposes"
