@@ -95,6 +95,9 @@ async function run(form, values) {
   await renewSession();
   const fresh = await form.read();
   if (!fresh.result) return settle(form, values, {end: 'silent', values: null});
+  const live = form.fields.some(({name, live}) => live && values[name]);
+  if (!live && !form.differences(values, fresh.values).length)
+    return settle(form, values, {end: 'applied', values: fresh.values});  // arrived already
   if (mergeElsewhere(form, fresh.values)) return null;
   const {precheck, confirm} = form.section;
   if (precheck) {

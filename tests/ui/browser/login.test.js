@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import test, {after, before} from 'node:test';
-import {field, kPassword, notice, Rig, settled, visit} from '../rig.js';
+import {field, kPassword, notice, press, Rig, settled, visit} from '../rig.js';
 
 let rig;
 before(async () => { rig = await Rig.start(); });
@@ -124,8 +124,7 @@ test('a session that ends in the middle of a form loses no input', async () => {
   await page.waitForURL('**/network.html');
   await notice(page, 'WifiInfo').filter({hasText: 'unsaved changes'}).waitFor();
   assert.equal(await field(page, 'WifiInfo', 'strFD_SSID').inputValue(), '车队二号');
-  await page.click('#WifiInfo .main');
-  await page.locator('#WifiInfo .busy').waitFor();
+  await press(page, 'WifiInfo');
   assert.equal(await settled(page, 'WifiInfo'), 'good');
   assert.equal(rig.setting('stWifi', 'strFD_SSID'), '车队二号');
   await page.context().close();

@@ -1,7 +1,7 @@
 // Every field of every section: read, changed, saved, read back, and found in the recorder's file.
 import assert from 'node:assert/strict';
 import test, {after, before} from 'node:test';
-import {field, kPassword, notice, Rig, settled, visit} from '../rig.js';
+import {field, kPassword, notice, press, Rig, settled, visit} from '../rig.js';
 
 let rig;
 let page;
@@ -30,8 +30,7 @@ async function get(id, name) {
 }
 
 async function saveSection(id) {
-  await page.click(`#${id} .main`);
-  await page.locator(`#${id} .busy`).waitFor();
+  await press(page, id);
   return settled(page, id);
 }
 
