@@ -37,9 +37,7 @@ FILES = "------------others-------mg_serve_http."
 REFUSED_LINE = "\033[31m\033[1mDoHttpRequeset error!"
 RESET = "\033[0m"
 LOGGER_ERROR = f"\033[31m\033[1m[Logger          ]<ERROR@log, L{N}>:CLogger not init."
-SERVER_THREAD = (
-    f"{RESET}\033[35m\033[1m[LOG  ]<@DetectSvc, L144>:CWebCtrl::DetectSvc, tid={N}"
-)
+SERVER_THREAD = f"{RESET}\033[35m\033[1m[LOG  ]<@DetectSvc, L144>:CWebCtrl::DetectSvc, tid={N}"
 
 
 def wait_until(condition, what):

@@ -32,6 +32,14 @@ def answer(section):
     return text.encode("gbk")
 
 
+VERSION_QUERY = query("<stVersion />")
+
+
+def version(channels):
+    """The answer that tells how many video channels there are."""
+    return answer(f'<stVersion VideoCnt="{channels}"/>')
+
+
 def from_other_port(data):
     return lambda device, source: device.send(data, source, device.other_port)
 

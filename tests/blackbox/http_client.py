@@ -29,6 +29,11 @@ def post(uri, form, headers=""):
     return head.encode() + body
 
 
+def query_chunks(result, *pieces):
+    """The chunks of a query endpoint's reply: its pieces and the result."""
+    return [*(piece.encode("gbk") for piece in pieces), b', "result": %d }' % result]
+
+
 class Client:
     def __init__(self, host="127.0.0.1", port=80):
         self._sock = socket.create_connection((host, port), timeout=_PATIENCE)

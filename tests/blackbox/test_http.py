@@ -4,7 +4,7 @@ import os
 import re
 
 import pytest
-from daemon import FILES, START, trace
+from daemon import FILES, START
 from device import change
 from http_client import Client, get, post
 
@@ -76,7 +76,14 @@ def test_folder_without_index_is_not_listed(rig):
 
 
 @pytest.mark.parametrize(
-    "uri", ["/../stdout.txt", "/%2e%2e/stdout.txt", "/a/../../stdout.txt", "/..%2fstdout.txt", "//..//stdout.txt"]
+    "uri",
+    [
+        "/../stdout.txt",
+        "/%2e%2e/stdout.txt",
+        "/a/../../stdout.txt",
+        "/..%2fstdout.txt",
+        "//..//stdout.txt",
+    ],
 )
 def test_files_outside_the_web_root_are_not_served(rig, uri):
     assert os.path.exists(os.path.join(rig.daemon.folder, "stdout.txt"))
@@ -112,9 +119,21 @@ def test_request_sent_byte_by_byte_is_answered_once(rig):
 
 
 BODIES = [
-    ("a GET carries a form as well", b"GET /set_LangInfo HTTP/1.1\r\nContent-Length: 14\r\n\r\nstrLanguage=CN", [CHINESE]),
-    ("so does an unknown method", b"PATCH /set_LangInfo HTTP/1.1\r\nContent-Length: 14\r\n\r\nstrLanguage=CN", [CHINESE]),
-    ("a form in the query string is none", b"POST /set_LangInfo?strLanguage=CN HTTP/1.1\r\nContent-Length: 0\r\n\r\n", []),
+    (
+        "a GET carries a form as well",
+        b"GET /set_LangInfo HTTP/1.1\r\nContent-Length: 14\r\n\r\nstrLanguage=CN",
+        [CHINESE],
+    ),
+    (
+        "so does an unknown method",
+        b"PATCH /set_LangInfo HTTP/1.1\r\nContent-Length: 14\r\n\r\nstrLanguage=CN",
+        [CHINESE],
+    ),
+    (
+        "a form in the query string is none",
+        b"POST /set_LangInfo?strLanguage=CN HTTP/1.1\r\nContent-Length: 0\r\n\r\n",
+        [],
+    ),
     ("a GET without a length has no body", b"GET /set_LangInfo HTTP/1.1\r\n\r\n", []),
     (
         "a body may come in chunks",
@@ -124,7 +143,9 @@ BODIES = [
 ]
 
 
-@pytest.mark.parametrize("sentence, request_bytes, datagrams", BODIES, ids=[row[0] for row in BODIES])
+@pytest.mark.parametrize(
+    "sentence, request_bytes, datagrams", BODIES, ids=[row[0] for row in BODIES]
+)
 def test_form_is_read_from_the_body_whatever_the_method(rig, sentence, request_bytes, datagrams):
     assert rig.ask(request_bytes).body == b'{"result": 1 }'
     assert rig.device.requests == datagrams

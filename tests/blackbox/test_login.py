@@ -15,6 +15,12 @@ USERS = answer(
     '<stCustomUser><USER_0 ucFD_UserStatus="1" strFD_UserName="a" strFD_UserPWD="first"/>'
     '<USER_1 strFD_UserPWD="second"/></stCustomUser></stUserSec>'
 )
+
+
+def user_list(users):
+    return answer(f"<stUserSec><stCustomUser>{users}</stCustomUser></stUserSec>")
+
+
 NO_USERS = answer("<stUserSec/>")
 PAGE = "Referer: http://recorder/login.html\r\n"
 ANONYMOUS = rb'\{ "jsession": "", "result": %d \}'
@@ -43,14 +49,38 @@ class TestLoginPage:
         ("unusable reply, none sent", "", UNUSABLE, 1),
         ("unusable reply, empty one sent", "strFD_AdminPasswd=", UNUSABLE, 1),
         ("unusable reply, one sent", "strFD_AdminPasswd=first", UNUSABLE, 0),
-        ("127 characters", f"strFD_AdminPasswd={'p' * 127}", answer(f'<stUserSec><stCustomUser><USER_0 strFD_UserPWD="{"p" * 127}"/></stCustomUser></stUserSec>'), 1),
-        ("200 characters on both sides are cut to 127", f"strFD_AdminPasswd={'p' * 200}", answer(f'<stUserSec><stCustomUser><USER_0 strFD_UserPWD="{"p" * 200}"/></stCustomUser></stUserSec>'), 1),
-        ("a rejected user list leaves an empty password", "strFD_AdminPasswd=first", answer('<stUserSec><stCustomUser><USER_0 strFD_UserPWD="first"/><USER_10/></stCustomUser></stUserSec>'), 0),
-        ("a third user ends the list", "strFD_AdminPasswd=first", answer('<stUserSec><stCustomUser><USER_0 strFD_UserPWD="first"/><USER_2 strFD_UserPWD="x"/></stCustomUser></stUserSec>'), 1),
+        (
+            "127 characters",
+            f"strFD_AdminPasswd={'p' * 127}",
+            user_list(f'<USER_0 strFD_UserPWD="{"p" * 127}"/>'),
+            1,
+        ),
+        (
+            "200 characters on both sides are cut to 127",
+            f"strFD_AdminPasswd={'p' * 200}",
+            user_list(f'<USER_0 strFD_UserPWD="{"p" * 200}"/>'),
+            1,
+        ),
+        (
+            "a rejected user list leaves an empty password",
+            "strFD_AdminPasswd=first",
+            user_list('<USER_0 strFD_UserPWD="first"/><USER_10/>'),
+            0,
+        ),
+        (
+            "a third user ends the list",
+            "strFD_AdminPasswd=first",
+            user_list('<USER_0 strFD_UserPWD="first"/><USER_2 strFD_UserPWD="x"/>'),
+            1,
+        ),
     ]
 
-    @pytest.mark.parametrize("sentence, form, data, result", COMPARISONS, ids=[r[0] for r in COMPARISONS])
-    def test_password_is_compared_and_a_session_given_in_any_case(self, rig, sentence, form, data, result):
+    @pytest.mark.parametrize(
+        "sentence, form, data, result", COMPARISONS, ids=[r[0] for r in COMPARISONS]
+    )
+    def test_password_is_compared_and_a_session_given_in_any_case(
+        self, rig, sentence, form, data, result
+    ):
         reply = compare(rig, form, data)
         assert re.fullmatch(KNOWN % result, reply.body)
         assert len(reply.chunks) == 2
@@ -84,7 +114,9 @@ class TestLoginPage:
     def test_user_name_is_only_noted(self, rig):
         note = "CWebCtrl::cmp_UserSecurity, ucUserName = 2"
         compare(rig, "strUserName=0&strFD_AdminPasswd=first", USERS)
-        rig.daemon.stdout.expect_in_order(START, trace("cmp_UserSecurity"), note, trace("getUserSecurityFromNet"))
+        rig.daemon.stdout.expect_in_order(
+            START, trace("cmp_UserSecurity"), note, trace("getUserSecurityFromNet")
+        )
         for form in ("strUserName=", ""):
             compare(rig, form, USERS)
             assert note not in rig.daemon.stdout.since_mark()
@@ -139,7 +171,11 @@ class TestChanging:
         ("no password", "strUserName=0", user_0("")),
         ("empty password", "strUserName=0&strConfirmPasswd=", user_0("")),
         ("127 characters", f"strUserName=0&strConfirmPasswd={'p' * 127}", user_0("p" * 127)),
-        ("200 characters are cut to 127", f"strUserName=0&strConfirmPasswd={'p' * 200}", user_0("p" * 127)),
+        (
+            "200 characters are cut to 127",
+            f"strUserName=0&strConfirmPasswd={'p' * 200}",
+            user_0("p" * 127),
+        ),
         ("URL-encoded", "strUserName=%30&strConfirmPasswd=a+%22b", user_0('a "b')),
         ("names in capitals", "STRUSERNAME=0&STRCONFIRMPASSWD=p", user_0("p")),
         ("no user is user 2", "strConfirmPasswd=new", b""),
@@ -155,11 +191,15 @@ class TestChanging:
 
     def test_failure_is_traced_twice(self, rig):
         rig.post("/set_UserSecurity", "strUserName=0&strConfirmPasswd=new", REFUSED)
-        rig.daemon.stdout.expect_in_order(START, trace("setUserSecurityToNet"), trace("setUserSecurityToNet"))
+        rig.daemon.stdout.expect_in_order(
+            START, trace("setUserSecurityToNet"), trace("setUserSecurityToNet")
+        )
 
     def test_lock_failure_is_traced_twice(self, rig):
         rig.post("/set_LockOfPassword", "ucFD_ErrorCount=1", REFUSED)
-        rig.daemon.stdout.expect_in_order(START, trace("setLockOfPasswordToNet"), trace("setLockOfPasswordToNet"))
+        rig.daemon.stdout.expect_in_order(
+            START, trace("setLockOfPasswordToNet"), trace("setLockOfPasswordToNet")
+        )
 
 
 class TestCachedLogin:
@@ -206,7 +246,10 @@ class TestCachedLogin:
     @pytest.mark.parametrize("sentence, form, result", LOGINS, ids=[r[0] for r in LOGINS])
     def test_login_always_gets_two_replies(self, rig, sentence, form, result):
         first, second = self.log_in(rig, form)
-        assert first.body == b'{ "strFD_AdminPasswd": "admin", "strFD_NormalPasswd": "normal", "result": 1 }'
+        assert (
+            first.body
+            == b'{ "strFD_AdminPasswd": "admin", "strFD_NormalPasswd": "normal", "result": 1 }'
+        )
         assert second.chunks == [b'{"result": %d }' % result]
 
     def test_lines_of_a_match_and_of_a_mismatch(self, rig):

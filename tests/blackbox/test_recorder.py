@@ -70,29 +70,69 @@ def test_every_query_is_answered(ask, uri):
 CHANGES = [
     ("LangInfo", "strLanguage=EN", '"strLanguage": "EN"'),
     ("LangInfo", "strLanguage=CN", '"strLanguage": "CN"'),
-    ("BaseInfo", "strFD_DeviceNo=54321&ucFD_TimeZone=9&ucFD_GpsSTFlag=0", '"strFD_DeviceNo": "54321", "ucFD_TimeZone": "9" , "ucFD_GpsSTFlag": "0"'),
-    ("MirrorInfo", "strFD_UpDown=1&strFD_LeftRight=1", '"strFD_LeftRight": "1", "strFD_UpDown": "1"'),
-    ("MainStreamInfo", "ucFD_FrameRate=12&uiFD_BitRate=1234", '"ucFD_FrameRate": "12", "uiFD_BitRate": "1234"'),
-    ("SubStreamInfo", "ucFD_SFrameRate=7&uiFD_SBitRate=321", '"ucFD_SFrameRate": "7", "uiFD_SBitRate": "321"'),
+    (
+        "BaseInfo",
+        "strFD_DeviceNo=54321&ucFD_TimeZone=9&ucFD_GpsSTFlag=0",
+        '"strFD_DeviceNo": "54321", "ucFD_TimeZone": "9" , "ucFD_GpsSTFlag": "0"',
+    ),
+    (
+        "MirrorInfo",
+        "strFD_UpDown=1&strFD_LeftRight=1",
+        '"strFD_LeftRight": "1", "strFD_UpDown": "1"',
+    ),
+    (
+        "MainStreamInfo",
+        "ucFD_FrameRate=12&uiFD_BitRate=1234",
+        '"ucFD_FrameRate": "12", "uiFD_BitRate": "1234"',
+    ),
+    (
+        "SubStreamInfo",
+        "ucFD_SFrameRate=7&uiFD_SBitRate=321",
+        '"ucFD_SFrameRate": "7", "uiFD_SBitRate": "321"',
+    ),
     ("NetWModeInfo", "ucFD_NetWType=2", '"ucFD_NetWType": "2"'),
-    ("VCmsInfo", "ucFD_AddressType=0&strFD_Address=10.255.255.103&usFD_Port=6608", '"ucFD_AddressType": "0", "strFD_Address": "10.255.255.103", "usFD_Port": "6608"'),
-    ("WifiInfo", "ucFD_WorkMode=1&strFD_SSID=bus&strFD_Passwd=12345678&ucFD_AuthMode=3&ucFD_CryptType=4", '"ucFD_WorkMode": "1", "strFD_SSID": "bus", "strFD_Passwd": "12345678", "ucFD_AuthMode": "3", "ucFD_CryptType": "4"'),
-    ("GNetInfo", "ucFD_NetType=4&strFD_Apn=apn&strFD_PhoneNo=*99%23&strFD_UserName=u&strFD_UserPasswd=p", '"ucFD_NetType": "4", "strFD_Apn": "apn", "strFD_PhoneNo": "*99#", "strFD_UserName": "u", "strFD_UserPasswd": "p"'),
-    ("LocalNetInfo", "strFD_LocalIp=192.168.9.9&strFD_NetMask=255.255.0.0&strFD_GateWay=192.168.9.1&strFD_Mac=a%3Ab", '"strFD_LocalIp": "192.168.9.9", "strFD_NetMask": "255.255.0.0", "strFD_GateWay": "192.168.9.1", "strFD_Mac": "a:b"'),
-    ("GB28181Info", "ucFD_GB28181Enable=1&ucFD_StreamType=1&strFD_ServerIp=192.0.2.77&usFD_ServerPort=5060", '"strFD_ServerIp": "192.0.2.77", "usFD_ServerPort": "5060"'),
+    (
+        "VCmsInfo",
+        "ucFD_AddressType=0&strFD_Address=10.255.255.103&usFD_Port=6608",
+        '"ucFD_AddressType": "0", "strFD_Address": "10.255.255.103", "usFD_Port": "6608"',
+    ),
+    (
+        "WifiInfo",
+        "ucFD_WorkMode=1&strFD_SSID=bus&strFD_Passwd=12345678&ucFD_AuthMode=3&ucFD_CryptType=4",
+        '"ucFD_WorkMode": "1", "strFD_SSID": "bus", "strFD_Passwd": "12345678", "ucFD_AuthMode": "3", "ucFD_CryptType": "4"',
+    ),
+    (
+        "GNetInfo",
+        "ucFD_NetType=4&strFD_Apn=apn&strFD_PhoneNo=*99%23&strFD_UserName=u&strFD_UserPasswd=p",
+        '"ucFD_NetType": "4", "strFD_Apn": "apn", "strFD_PhoneNo": "*99#", "strFD_UserName": "u", "strFD_UserPasswd": "p"',
+    ),
+    (
+        "LocalNetInfo",
+        "strFD_LocalIp=192.168.9.9&strFD_NetMask=255.255.0.0&strFD_GateWay=192.168.9.1&strFD_Mac=a%3Ab",
+        '"strFD_LocalIp": "192.168.9.9", "strFD_NetMask": "255.255.0.0", "strFD_GateWay": "192.168.9.1", "strFD_Mac": "a:b"',
+    ),
+    (
+        "GB28181Info",
+        "ucFD_GB28181Enable=1&ucFD_StreamType=1&strFD_ServerIp=192.0.2.77&usFD_ServerPort=5060",
+        '"strFD_ServerIp": "192.0.2.77", "usFD_ServerPort": "5060"',
+    ),
     ("UserSecurity", "strUserName=0&strConfirmPasswd=new+one", '"strAdminPasswd": "new one"'),
     ("LockOfPassword", "ucFD_ErrorCount=3&time=1", '"ucFD_ErrorCount": "3"'),
 ]
 
 
-@pytest.mark.parametrize("name, form, shown", CHANGES, ids=[f"{row[0]} {row[1][:24]}" for row in CHANGES])
+@pytest.mark.parametrize(
+    "name, form, shown", CHANGES, ids=[f"{row[0]} {row[1][:24]}" for row in CHANGES]
+)
 def test_what_is_set_is_read_back(ask, name, form, shown):
     assert ask(post(f"/set_{name}", form)).body == b'{"result": 1 }'
     assert shown in ask(get(f"/get_{name}")).body.decode("gbk")
 
 
 def exported(ask):
-    match = re.fullmatch(rb'\{ "strFD_CfgPara": "(.*)", "result": 1 \}', ask(get("/export_CfgFile")).body, re.DOTALL)
+    match = re.fullmatch(
+        rb'\{ "strFD_CfgPara": "(.*)", "result": 1 \}', ask(get("/export_CfgFile")).body, re.DOTALL
+    )
     return match[1].decode("utf-8")
 
 

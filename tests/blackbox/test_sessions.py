@@ -2,13 +2,15 @@
 
 import hashlib
 import re
+
 import pytest
-from conftest import Rig
 from daemon import FILES, REFUSED_LINE, RESET, START, Daemon, clock, wait_for_next_second
 from device import answer
 from http_client import get, post
 
-SECTION = answer('<stUserSec><stCustomUser><USER_0 strFD_UserPWD="right"/></stCustomUser></stUserSec>')
+SECTION = answer(
+    '<stUserSec><stCustomUser><USER_0 strFD_UserPWD="right"/></stCustomUser></stUserSec>'
+)
 UNKNOWN = "0" * 32
 
 
@@ -88,17 +90,29 @@ def test_gate_reads_the_whole_request_text(rig):
     refused = [
         ("no session", get("/page.css?time=1")),
         ("an unknown session", sheet(wrong)),
-        ("the session in capitals", sheet(session.upper() if session.upper() != session else wrong)),
+        (
+            "the session in capitals",
+            sheet(session.upper() if session.upper() != session else wrong),
+        ),
         ("31 characters", sheet(session[:31])),
         ("no characters", get("/page.css?time=1&SessionID=")),
         ("two separators", get(f"/page.css?time=1&SessionID=={session}")),
-        ("the first of two sessions counts", get(f"/page.css?time=1&SessionID={wrong}&SessionID={session}")),
-        ("a page that a sheet's page refers to", get("/index.html", "Referer: /page.css?time=1\r\n")),
+        (
+            "the first of two sessions counts",
+            get(f"/page.css?time=1&SessionID={wrong}&SessionID={session}"),
+        ),
+        (
+            "a page that a sheet's page refers to",
+            get("/index.html", "Referer: /page.css?time=1\r\n"),
+        ),
         ("sheet and time in the body", post("/index.html", "page.css time")),
         ("time in front of the sheet", get("/sets.css", "X-Uptime: 1\r\n")),
         ("an endpoint, too", get("/get_cpu_usage?page.css,time")),
         ("a key cut off by the end of the text", post("/page.css?time=1", "SessionID")),
-        ("a session cut off by the end of the text", post("/page.css?time=1", f"SessionID={session[:9]}")),
+        (
+            "a session cut off by the end of the text",
+            post("/page.css?time=1", f"SessionID={session[:9]}"),
+        ),
     ]
     for sentence, request in refused:
         assert is_refused(rig, request), sentence

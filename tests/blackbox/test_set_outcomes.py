@@ -1,6 +1,7 @@
 """What the device's answer to a set does: accepted, refused, without a Result."""
 
 import pytest
+from daemon import START, trace
 from device import ACCEPTED, REFUSED, UNUSABLE, answer, change
 from http_client import get
 
@@ -63,7 +64,9 @@ POINT_OUTCOMES = [
 ]
 
 
-@pytest.mark.parametrize("sentence, steps, datagrams, result, stderr", POINT_OUTCOMES, ids=[r[0] for r in POINT_OUTCOMES])
+@pytest.mark.parametrize(
+    "sentence, steps, datagrams, result, stderr", POINT_OUTCOMES, ids=[r[0] for r in POINT_OUTCOMES]
+)
 def test_access_point_mode_decides_over_the_values(rig, sentence, steps, datagrams, result, stderr):
     reply = rig.post("/set_WifiInfo", POINT, *steps)
     assert reply.body == b'{"result": %d }' % result
@@ -101,5 +104,33 @@ def test_sessions_outlive_a_restart(rig):
     request = b"POST /cmp_UserSecurity HTTP/1.1\r\nReferer: login.html\r\nContent-Length: 0\r\n\r\n"
     session = rig.ask(request, UNUSABLE).body[15:47].decode()
     rig.post("/set_LangInfo", "strLanguage=CN", ACCEPTED)
-    assert rig.ask(get(f"/page.css?time=1&SessionID={session}"), head=None).body == b"body { color: page }"
+    assert (
+        rig.ask(get(f"/page.css?time=1&SessionID={session}"), head=None).body
+        == b"body { color: page }"
+    )
     rig.ask_unanswered(get(f"/page.css?time=1&SessionID={'0' * 32}"), "DoHttpRequeset error!")
+
+
+TRACES = [
+    ("/set_BaseInfo", [trace("setBaseInfoToNet")]),
+    ("/set_DeviceNo", [trace("setDeviceNoToNet")]),
+    ("/set_MirrorInfo", []),
+    ("/set_MainStreamInfo", []),
+    ("/set_SubStreamInfo", []),
+    ("/set_NetWModeInfo", []),
+    ("/set_VCmsInfo", []),
+    ("/set_WifiInfo", []),
+    ("/set_GNetInfo", []),
+    ("/set_LocalNetInfo", []),
+]
+
+
+@pytest.mark.parametrize("uri, lines", TRACES)
+def test_refused_set_traces_handler_and_the_two_traced_senders(rig, uri, lines):
+    rig.post(uri, "", REFUSED)
+    received = (
+        "CUdpCtrlSocket::RecvDataFromHost,  get data from[127.0.0.1  VS 127.0.0.1], "
+        f"port[6000 VS 6000],len[{len(REFUSED)}]."
+    )
+    handler = trace(uri[1:])
+    rig.daemon.stdout.expect(START, handler, *lines, received, *lines, handler)

@@ -12,11 +12,27 @@ FAILED = b', "result": 0 }'
 # Endpoint, requests that the device sees, the whole body.
 SILENT = [
     ("get_LangInfo", ["<stDisplay>"], b'{ "strLanguage": "EN"' + FAILED),
-    ("get_MirrorInfo", ["<stVideoMirror>"], b'{ "strFD_LeftRight": "0", "strFD_UpDown": "0"' + FAILED),
-    ("get_MainStreamInfo", ['<stMainStream StartChn="0">'], b'{ "ucFD_FrameRate": "0", "uiFD_BitRate": "0"' + FAILED),
-    ("get_SubStreamInfo", ["<stSubStream>"], b'{ "ucFD_SFrameRate": "0", "uiFD_SBitRate": "0"' + FAILED),
+    (
+        "get_MirrorInfo",
+        ["<stVideoMirror>"],
+        b'{ "strFD_LeftRight": "0", "strFD_UpDown": "0"' + FAILED,
+    ),
+    (
+        "get_MainStreamInfo",
+        ['<stMainStream StartChn="0">'],
+        b'{ "ucFD_FrameRate": "0", "uiFD_BitRate": "0"' + FAILED,
+    ),
+    (
+        "get_SubStreamInfo",
+        ["<stSubStream>"],
+        b'{ "ucFD_SFrameRate": "0", "uiFD_SBitRate": "0"' + FAILED,
+    ),
     ("get_NetWModeInfo", ["<stNetWorkMode>"], b'{ "ucFD_NetWType": "0"' + FAILED),
-    ("get_VCmsInfo", ["<stCMS>"], b'{ "ucFD_AddressType": "0", "strFD_Address": "0.0.0.0", "usFD_Port": "0"' + FAILED),
+    (
+        "get_VCmsInfo",
+        ["<stCMS>"],
+        b'{ "ucFD_AddressType": "0", "strFD_Address": "0.0.0.0", "usFD_Port": "0"' + FAILED,
+    ),
     (
         "get_WifiInfo",
         ["<stWifi>"],
@@ -35,8 +51,16 @@ SILENT = [
         b'{ "strFD_LocalIp": "0.0.0.0", "strFD_NetMask": "0.0.0.0", "strFD_GateWay": "0.0.0.0"'
         b', "strFD_Mac": ""' + FAILED,
     ),
-    ("get_VersionInfo", ["<stVersion />"], b'{ "strFD_AppVersion": "" "strFD_KnlVersion": ""' + FAILED),
-    ("get_UserSecurity", ["<stUserSec>"], b'{ "strAdminPasswd": "", "strNormalPasswd": "" ' + FAILED),
+    (
+        "get_VersionInfo",
+        ["<stVersion />"],
+        b'{ "strFD_AppVersion": "" "strFD_KnlVersion": ""' + FAILED,
+    ),
+    (
+        "get_UserSecurity",
+        ["<stUserSec>"],
+        b'{ "strAdminPasswd": "", "strNormalPasswd": "" ' + FAILED,
+    ),
     ("get_Login", ["<stUserSec>"], b'{ "strFD_AdminPasswd": "", "strFD_NormalPasswd": ""' + FAILED),
     ("export_CfgFile", [""], b'{ "strFD_CfgPara": ""' + FAILED),
 ]
@@ -60,7 +84,9 @@ def test_silent_device_leaves_the_clock_in_the_base_reply(rig):
 def test_silent_device_leaves_the_offset_clock_in_the_lock_reply(rig):
     before = clock() - 28800
     reply = rig.get("/get_LockOfPassword", SILENCE)
-    match = re.fullmatch(rb'\{ "ucFD_ErrorCount": "0", "time": "(\d+)" , "result": 0 \}', reply.body)
+    match = re.fullmatch(
+        rb'\{ "ucFD_ErrorCount": "0", "time": "(\d+)" , "result": 0 \}', reply.body
+    )
     assert before <= int(match[1]) <= clock() - 28800
 
 

@@ -49,7 +49,9 @@ VALUES = {
 
 def section(**changes):
     values = {**VALUES, **changes}
-    escaped = {name: text.replace("\r", "&#x0D;").replace("\n", "&#x0A;") for name, text in values.items()}
+    escaped = {
+        name: text.replace("\r", "&#x0D;").replace("\n", "&#x0A;") for name, text in values.items()
+    }
     return answer("<stSystemInfo " + " ".join(f'{n}="{t}"' for n, t in escaped.items()) + "/>")
 
 
@@ -100,7 +102,12 @@ def zeroed(result):
     """The same pieces with nothing in them."""
     pieces = [re.sub(rb'": "[^"]*"', b'": ""', piece) for piece in GOOD]
     pieces = [re.sub(rb'("(uc|ui)FD_\w+": )""', rb'\1"0"', piece) for piece in pieces]
-    texts = {b"ucFD_WifiMode": b"AP", b"uiFD_IP": b"0.0.0.0", b"ucFD_SimIMSI": b"", b"ucFD_SimICCID": b""}
+    texts = {
+        b"ucFD_WifiMode": b"AP",
+        b"uiFD_IP": b"0.0.0.0",
+        b"ucFD_SimIMSI": b"",
+        b"ucFD_SimICCID": b"",
+    }
     for key, text in texts.items():
         pieces = [re.sub(b'"%s": "[^"]*"' % key, b'"%s": "%s"' % (key, text), p) for p in pieces]
     return [*pieces[:LAST], b'"result": %d }' % result]
@@ -138,10 +145,22 @@ FIELDS = [
     ("Wi-Fi mode 257 is 1", {"WifiMode": "257"}, b', "ucFD_WifiMode": "Client"'),
     ("no revision", {"ATI": "EC20"}, b', "strFD_GNetRevision": ""'),
     ("revision without a line end", {"ATI": "Revision:R01"}, b', "strFD_GNetRevision": "R01"'),
-    ("a line feed alone does not end it", {"ATI": "Revision:R\nS\r\nT"}, b', "strFD_GNetRevision": "R\nS"'),
+    (
+        "a line feed alone does not end it",
+        {"ATI": "Revision:R\nS\r\nT"},
+        b', "strFD_GNetRevision": "R\nS"',
+    ),
     ("an empty revision", {"ATI": "Revision:\r\nR"}, b', "strFD_GNetRevision": ""'),
-    ("revision of 63 characters", {"ATI": f"Revision:{'r' * 100}\r\n"}, b', "strFD_GNetRevision": "%s"' % (b"r" * 63)),
-    ("the first of two revisions", {"ATI": "Revision:1\r\nRevision:2"}, b', "strFD_GNetRevision": "1"'),
+    (
+        "revision of 63 characters",
+        {"ATI": f"Revision:{'r' * 100}\r\n"},
+        b', "strFD_GNetRevision": "%s"' % (b"r" * 63),
+    ),
+    (
+        "the first of two revisions",
+        {"ATI": "Revision:1\r\nRevision:2"},
+        b', "strFD_GNetRevision": "1"',
+    ),
     ("position of 63 characters", {"GpsPos": "p" * 80}, b', "strFD_GpsPos": "%s"},' % (b"p" * 63)),
     ("IMEI of 31", {"IMEI": "1" * 80}, b', "strFD_GNetIMEI": "%s"' % (b"1" * 31)),
     ("IMSI of 63", {"IMSI": "1" * 80}, b', "ucFD_SimIMSI": "%s"' % (b"1" * 63)),
