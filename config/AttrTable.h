@@ -64,12 +64,15 @@ template <class R, size_t N>
 int Walk(const TiXmlElement* pElem, const CAttr<R> (&rows)[N], R& rec) {
   if (!pElem) return -1;
   int nResult = 0;
+  size_t nNext = 0;  // devices send attributes in about the table's order: the next row comes first
   for (const TiXmlAttribute* p = pElem->FirstAttribute(); p; p = p->Next()) {
-    for (const CAttr<R>& row : rows) {
+    for (size_t i = 0; i < N; i++) {
+      const CAttr<R>& row = rows[(nNext + i) % N];
       if (strcasecmp(p->Name(), row.pszName) != 0) continue;
       const int nRet = row.pfnStore(rec, p->Value());
       if (nRet < 0) return -1;
       if (nRet > 0) nResult = nRet;
+      nNext += i + 1;
       break;
     }
   }
