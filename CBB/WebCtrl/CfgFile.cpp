@@ -25,7 +25,8 @@ struct stConverted {
   int nToText;
 };
 
-// Converts the GBK text in place; a UTF-8 text is never shorter and the buffer's rest is zero.
+// Converts the GBK text in place and terminates it behind its last byte: the UTF-8 text is the
+// shorter one where two bytes are unassigned and become U+0001.
 stConverted GbkToUtf8(char* pszText) {
   const CodePoints points = std::make_unique<uint32_t[]>(kCfgSize);
   int nPoints = kCfgSize;
@@ -33,6 +34,7 @@ stConverted GbkToUtf8(char* pszText) {
   stConverted converted{};
   converted.nToCodePoints = enc_GBK_to_unicode_str(pszText, points.get(), &nPoints);
   converted.nToText = enc_unicode_to_utf8_str(points.get(), pszText, &nBytes);
+  pszText[std::min(nBytes, kCfgSize - 1)] = '\0';
   return converted;
 }
 
