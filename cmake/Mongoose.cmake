@@ -45,4 +45,8 @@ target_compile_definitions(
          MG_MAX_HTTP_SEND_MBUF=16384
          # Two such paths a level of nested includes; MongooseBuild.c says why so short.
          MG_MAX_PATH=1024)
-target_compile_options(mongoose PRIVATE -w)
+# Its memory and its files go through functions of ours.
+target_compile_definitions(
+  mongoose PRIVATE MG_USER_FILE_FUNCTIONS MG_MALLOC=HttpMalloc MG_CALLOC=HttpCalloc
+                   MG_REALLOC=HttpRealloc MG_FREE=HttpFree)
+target_compile_options(mongoose PRIVATE -w -include ${CMAKE_SOURCE_DIR}/CBB/WebCtrl/HttpMemory.h)

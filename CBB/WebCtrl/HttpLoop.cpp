@@ -2,12 +2,16 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
+#include "CBB/WebCtrl/HttpMemory.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
 namespace {
@@ -15,7 +19,7 @@ namespace {
 constexpr const char* kPort = "80";
 constexpr int kPollMs = 1000;
 constexpr size_t kMaxRequestBytes = 1024 * 1024;
-constexpr int kMaxConnections = 128;
+constexpr rlim_t kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
 
 // What the include calls of the pages print.
 struct {
@@ -29,24 +33,28 @@ void PrintSetting(mg_connection* pConn, const char* pszName) {
 }
 
 // How long the first request in the received bytes says it is. One whose body ends with the
-// connection takes all of them.
-size_t AnnouncedLength(const mbuf& received) {
+// connection takes all of them, if it has ended, and else has no end.
+size_t AnnouncedLength(const mbuf& received, bool bEnded) {
   constexpr size_t kToTheEnd = ~static_cast<size_t>(0);
   http_message msg;
   if (mg_parse_http(received.buf, static_cast<int>(received.len), &msg, 1) <= 0) return 0;
   const bool bToTheEnd = msg.message.len == kToTheEnd && msg.body.len == kToTheEnd;
-  return bToTheEnd ? received.len : msg.message.len;
+  return bToTheEnd && bEnded ? received.len : msg.message.len;
 }
+
+// Whether the client ended the connection in order. One that broke, or that was closed here, ends
+// no body.
+bool IsEndedByClient(const mg_connection& conn) { return (conn.flags & MG_F_SEND_AND_CLOSE) != 0; }
 
 // Cuts the body to the request's own, or returns false when the received bytes do not hold it all.
 // The library hands over what follows as well, takes a negative Content-Length for a whole request
-// and, when a client goes away, delivers what had arrived until then.
+// and, when a connection closes, delivers what had arrived until then.
 bool TakeBody(const mg_connection& conn, http_message& msg) {
   const mbuf& received = conn.recv_mbuf;
   size_t nWhole = msg.message.len;
   if ((conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) {
     if (mg_get_http_header(&msg, "Transfer-Encoding") != nullptr) return false;
-    nWhole = AnnouncedLength(received);
+    nWhole = AnnouncedLength(received, IsEndedByClient(conn));
   }
   const size_t nHead = static_cast<size_t>(msg.body.p - received.buf);
   if (nWhole < nHead || nWhole > received.len) return false;
@@ -78,16 +86,30 @@ mg_serve_http_opts& HttpOptions() {
 }
 
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
-  if (nEvent == MG_EV_HTTP_REQUEST) HandleRequest(pConn, static_cast<http_message*>(pData));
-  if (nEvent == MG_EV_SSI_CALL) PrintSetting(pConn, static_cast<const char*>(pData));
+  try {
+    if (nEvent == MG_EV_HTTP_REQUEST) HandleRequest(pConn, static_cast<http_message*>(pData));
+    if (nEvent == MG_EV_SSI_CALL) PrintSetting(pConn, static_cast<const char*>(pData));
+  } catch (const std::bad_alloc&) {
+    NoteMemoryShortage();
+  }
+  // What is to be sent may have a gap. No byte of it leaves.
+  if (IsMemoryShort() && pConn->listener != nullptr) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
 }
 
-void CloseIdleConnections(mg_mgr& mgr) {
+int ConnectionLimit() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return kMaxConnections;
+  // Each has its socket and, at times, a file.
+  const rlim_t nLeft = std::max(limit.rlim_cur, kOtherDescriptors + 2) - kOtherDescriptors;
+  return static_cast<int>(std::min<rlim_t>(nLeft / 2, kMaxConnections));
+}
+
+void CloseIdleConnections(mg_mgr& mgr, int nLimit) {
   int nOpen = 0;
   for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
     if (p->listener != nullptr && (p->flags & MG_F_CLOSE_IMMEDIATELY) == 0) ++nOpen;
   }
-  for (; nOpen > kMaxConnections; --nOpen) {
+  for (; nOpen > nLimit; --nOpen) {
     mg_connection* pIdlest = nullptr;
     for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
       if (p->listener == nullptr || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0) continue;
@@ -116,8 +138,11 @@ int RunHttpLoop(const char* pszWebRoot) {
     return -1;
   }
   printf("Starting web server on port %s\n", kPort);
+  const int nLimit = ConnectionLimit();
   for (;;) {
     mg_mgr_poll(&mgr, kPollMs);
-    CloseIdleConnections(mgr);
+    const bool bShort = TakeMemoryShortage();
+    if (bShort) puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
+    CloseIdleConnections(mgr, bShort ? 0 : nLimit);
   }
 }

@@ -3,6 +3,8 @@
 
 #include <mongoose.h>
 
+constexpr int kMaxConnections = 128;
+
 // The library's file-serving options: only the document root is set. One for the process.
 mg_serve_http_opts& HttpOptions();
 
@@ -11,8 +13,13 @@ mg_serve_http_opts& HttpOptions();
 // failure (-1): the port cannot be bound, or the document root is not there.
 int RunHttpLoop(const char* pszWebRoot);
 
-// The one handler of the library's events; pData is what the event number says.
+// The one handler of the library's events; pData is what the event number says. When memory was
+// short, the connection is closed and what was to be sent is dropped.
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData);
 
-// Closes the longest-idle connections beyond the limit of open ones. Called between two polls.
-void CloseIdleConnections(mg_mgr& mgr);
+// How many connections may be open at a time: kMaxConnections, or what the process's limit of
+// descriptors leaves, but one at least.
+int ConnectionLimit();
+
+// Closes the longest-idle connections beyond nLimit open ones. Called between two polls.
+void CloseIdleConnections(mg_mgr& mgr, int nLimit = kMaxConnections);

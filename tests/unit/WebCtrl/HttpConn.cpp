@@ -39,15 +39,28 @@ void CHttpConn::ReplaceReceived(std::string_view bytes) {
   memcpy(m_conn.recv_mbuf.buf, bytes.data(), bytes.size());
 }
 
-void CHttpConn::Receive(std::string_view bytes) {
+void CHttpConn::Arrive(std::string_view bytes) {
   std::string strAll =
       m_pPages != nullptr ? std::string(m_conn.recv_mbuf.buf, m_conn.recv_mbuf.len) : std::string();
   ReplaceReceived(strAll.append(bytes));
-  int nBytes = static_cast<int>(bytes.size());
+}
+
+void CHttpConn::Deliver() {
+  int nBytes = static_cast<int>(m_conn.recv_mbuf.len);
   m_conn.proto_handler(&m_conn, MG_EV_RECV, &nBytes);
 }
 
+void CHttpConn::Receive(std::string_view bytes) {
+  Arrive(bytes);
+  Deliver();
+}
+
 void CHttpConn::Close() {
+  m_conn.flags |= MG_F_SEND_AND_CLOSE;
+  Break();
+}
+
+void CHttpConn::Break() {
   m_conn.flags |= MG_F_CLOSE_IMMEDIATELY;
   m_conn.proto_handler(&m_conn, MG_EV_CLOSE, nullptr);
 }

@@ -20,9 +20,14 @@ class CHttpConn {
 
   mg_connection* Get() { return &m_conn; }
 
-  // Bytes arrive; the client goes away.
+  // Receive in two steps: the bytes are there; the library is told.
+  void Arrive(std::string_view bytes);
+  void Deliver();
+
+  // Bytes arrive; the client goes away in order; the connection breaks, or the service closes it.
   void Receive(std::string_view bytes);
   void Close();
+  void Break();
 
   std::string Sent() const { return {m_conn.send_mbuf.buf, m_conn.send_mbuf.len}; }
   bool IsClosing() const { return (m_conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0; }

@@ -63,6 +63,16 @@ TEST(HttpEvent, AnswersWholeRequestsAndNoOthers) {
   }
 }
 
+// Half a body without a length is no request, whoever closes the connection around it.
+TEST(HttpEvent, TakesNoBrokenConnectionForTheEndOfABody) {
+  for (const char* pszBody : {"", "a", "a=1&"}) {
+    CHttpConn conn;
+    conn.Receive(PostHead("") + pszBody);
+    conn.Break();
+    EXPECT_EQ("", conn.Sent()) << pszBody;
+  }
+}
+
 // The library subtracts a negative length from what it takes off its buffer: with minus the head's
 // own length it would look at the same request for ever.
 TEST(HttpEvent, ClosesOnNegativeContentLength) {
@@ -145,6 +155,14 @@ TEST_F(CloseIdleConnectionsTest, Leaves128) {
   Open(128);
   CloseIdleConnections(m_mgr);
   EXPECT_EQ(std::vector<size_t>{}, Closed());
+}
+
+TEST_F(CloseIdleConnectionsTest, LeavesAsManyAsItIsTold) {
+  Open(3);
+  CloseIdleConnections(m_mgr, 2);
+  EXPECT_EQ(std::vector<size_t>{2}, Closed());
+  CloseIdleConnections(m_mgr, 0);
+  EXPECT_EQ((std::vector<size_t>{0, 1, 2}), Closed());
 }
 
 TEST_F(CloseIdleConnectionsTest, ClosesTheLongestIdleBeyond128) {

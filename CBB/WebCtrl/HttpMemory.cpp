@@ -1,0 +1,68 @@
+#include "CBB/WebCtrl/HttpMemory.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// The library's record of a connection's protocol, one for each open connection, fits a block.
+constexpr size_t kBlockSize = 128;
+constexpr size_t kBlocks = 160;
+
+struct alignas(max_align_t) stBlock {
+  char bytes[kBlockSize];
+};
+
+stBlock g_reserve[kBlocks];
+std::atomic_flag g_taken[kBlocks];
+std::atomic<bool> g_bShort{false};
+
+bool IsReserve(const void* pBlock) {
+  const auto nAt = reinterpret_cast<uintptr_t>(pBlock);
+  const auto nBegin = reinterpret_cast<uintptr_t>(g_reserve);
+  return nAt >= nBegin && nAt < nBegin + sizeof(g_reserve);
+}
+
+// A zeroed block of the reserve, or null when it is too small or used up.
+void* TakeReserve(size_t nSize) {
+  NoteMemoryShortage();
+  if (nSize > kBlockSize) return nullptr;
+  for (size_t i = 0; i < kBlocks; ++i) {
+    if (!g_taken[i].test_and_set()) return memset(g_reserve[i].bytes, 0, kBlockSize);
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void* HttpMalloc(size_t nSize) {
+  void* const pBlock = malloc(nSize);
+  return pBlock != nullptr ? pBlock : TakeReserve(nSize);
+}
+
+void* HttpCalloc(size_t nCount, size_t nSize) {
+  void* const pBlock = calloc(nCount, nSize);
+  return pBlock != nullptr ? pBlock : TakeReserve(nCount * nSize);
+}
+
+// Grows receive and send buffers only, which never are of the reserve.
+void* HttpRealloc(void* pBlock, size_t nSize) {
+  void* const pGrown = realloc(pBlock, nSize);
+  if (pGrown == nullptr && nSize != 0) NoteMemoryShortage();
+  return pGrown;
+}
+
+void HttpFree(void* pBlock) {
+  if (!IsReserve(pBlock)) {
+    free(pBlock);
+    return;
+  }
+  g_taken[static_cast<stBlock*>(pBlock) - g_reserve].clear();
+}
+
+void NoteMemoryShortage() { g_bShort = true; }
+
+bool IsMemoryShort() { return g_bShort; }
+
+bool TakeMemoryShortage() { return g_bShort.exchange(false); }

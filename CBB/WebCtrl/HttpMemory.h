@@ -1,0 +1,28 @@
+/* The HTTP library's memory. It uses what it is given without looking in two places, and leaves out
+   a piece of a reply that finds no room; so the smallest blocks come from a reserve when there is
+   no other memory, and every shortage is noted. Whoever drives the library then closes what is
+   open, which gives memory back, too. Read by the library's C source as well. Any thread. */
+#pragma once
+
+#include <stddef.h> /* NOLINT: also C */
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* As the C library's functions of these names. */
+void* HttpMalloc(size_t nSize);
+void* HttpCalloc(size_t nCount, size_t nSize);
+void* HttpRealloc(void* pBlock, size_t nSize);
+void HttpFree(void* pBlock);
+
+#ifdef __cplusplus
+}
+
+/* Notes a shortage that was met elsewhere. */
+void NoteMemoryShortage();
+
+/* Whether memory was short since the last TakeMemoryShortage, which forgets it. */
+bool IsMemoryShort();
+bool TakeMemoryShortage();
+#endif
