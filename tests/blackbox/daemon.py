@@ -1,7 +1,7 @@
 """The real executable in a folder of its own, its output in files, stopped by its process id.
 
 WEBCTRL_BIN names the executable (build/release/bin/webctrl without it); WEBCTRL_RUNNER is put in
-front of the command line, so that "valgrind -q" or an emulator runs every test.
+front of the command line, so that "valgrind -q" (see valgrind.supp) or an emulator runs every test.
 """
 
 import os
