@@ -49,4 +49,6 @@ target_compile_definitions(
 target_compile_definitions(
   mongoose PRIVATE MG_USER_FILE_FUNCTIONS MG_MALLOC=HttpMalloc MG_CALLOC=HttpCalloc
                    MG_REALLOC=HttpRealloc MG_FREE=HttpFree)
-target_compile_options(mongoose PRIVATE -w -include ${CMAKE_SOURCE_DIR}/CBB/WebCtrl/HttpMemory.h)
+# -fwrapv: it counts the seconds of a request's date in an int, which any date from 2038 on exceeds.
+target_compile_options(mongoose PRIVATE -w -fwrapv
+                                        -include ${CMAKE_SOURCE_DIR}/CBB/WebCtrl/HttpMemory.h)

@@ -1,0 +1,99 @@
+// Hostile device replies through the parser and the operations on messages. Whatever the text: no
+// document nests deeper than the limit, the operations agree with each other, and what they give
+// belongs to the document or fits the caller's room.
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "control/VariCfgSec.h"
+#include "control/XmlText.h"
+#include "fuzz/Input.h"
+
+namespace {
+
+// Walks the elements without recursion.
+int DepthOf(const TiXmlDocument& doc) {
+  int nDeepest = 0;
+  int nDepth = 1;
+  const TiXmlNode* pNode = doc.FirstChild();
+  while (pNode) {
+    if (pNode->ToElement()) nDeepest = std::max(nDeepest, nDepth);
+    if (pNode->FirstChild()) {
+      pNode = pNode->FirstChild();
+      nDepth++;
+      continue;
+    }
+    while (pNode && !pNode->NextSibling()) {
+      pNode = pNode->Parent() == &doc ? nullptr : pNode->Parent();
+      nDepth--;
+    }
+    if (pNode) pNode = pNode->NextSibling();
+  }
+  return nDeepest;
+}
+
+void CheckParser(const char* pszText) {
+  TiXmlDocument doc;
+  if (ParseXml(doc, pszText) == 0) {
+    Require(DepthOf(doc) <= kXmlDepthMax);
+  } else {
+    Require(!doc.FirstChild());
+  }
+}
+
+void CheckSection(const char* pszText, const TiXmlElement* pRoot) {
+  TiXmlDocument doc;
+  TiXmlElement* pSection = nullptr;
+  if (GetParaSection(pszText, doc, pSection) != 0) {
+    Require(!pSection && (!pRoot || !pRoot->FirstChildElement()));
+    return;
+  }
+  Require(pRoot && pSection->GetDocument() == &doc);
+  Require(pSection->Parent()->ValueStr() == "VariCfgSec");
+  Require(pSection->ValueStr() == pRoot->FirstChildElement()->ValueStr());
+}
+
+// Each capacity leaves what stands behind it alone.
+void CheckAttr(const char* pszText, const TiXmlElement* pRoot, const char* pszName) {
+  constexpr char kUntouched = '\x5A';
+  for (const size_t nCapacity : {1U, 2U, 7U, 512U}) {
+    std::string strRoom(nCapacity + 1, kUntouched);
+    const int nRet = GetParaAttr(pszText, pszName, strRoom.data(), nCapacity);
+    const char* const pszValue = pRoot ? pRoot->Attribute(pszName) : nullptr;
+    Require((nRet == 0) == (pszValue != nullptr) && strRoom[nCapacity] == kUntouched);
+    if (!pszValue) {
+      Require(strRoom == std::string(nCapacity + 1, kUntouched));
+    } else {
+      const size_t nKept = std::min(strlen(pszValue), nCapacity - 1);
+      Require(strRoom[nKept] == '\0' && memcmp(strRoom.data(), pszValue, nKept) == 0);
+    }
+  }
+}
+
+void CheckCmdType(const char* pszText, const TiXmlElement* pRoot) {
+  constexpr int kUntouched = 77;
+  int nCode = kUntouched;
+  const int nRet = GetParaCmdType(pszText, nCode);
+  Require(nRet == 0 ? pRoot && nCode >= 0 && nCode <= kCmdUnknown : nCode == kUntouched);
+  const TiXmlAttribute* const pSecond = pRoot ? pRoot->FirstAttribute()->Next() : nullptr;
+  const bool bReply = pSecond && strcmp(pSecond->Name(), "Result") == 0;
+  Require((nRet == 0) == (pRoot && !bReply));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  SilenceTraces();
+  const auto pCopy = ExactCopy(AsText(pData, nSize), true);
+  const char* const pszText = pCopy.get();
+  CheckParser(pszText);
+  TiXmlDocument doc;
+  TiXmlElement* pRoot = nullptr;
+  const bool bMessage = CheckMessage(pszText, doc, pRoot) == 0;
+  Require(bMessage == (pRoot != nullptr));
+  Require(!pRoot || strcmp(pRoot->FirstAttribute()->Name(), "Action") == 0);
+  CheckSection(pszText, pRoot);
+  for (const char* pszName : {"Action", "Result", "a"}) CheckAttr(pszText, pRoot, pszName);
+  CheckCmdType(pszText, pRoot);
+  return 0;
+}
