@@ -102,7 +102,7 @@ def test_empty_datagram_is_no_reply(rig):
 
 
 def test_late_reply_is_not_taken_for_the_next_one(rig):
-    """The second of two messages on one socket finds the first one's spare reply waiting."""
+    """A spare reply to the first message is there before the second message goes out."""
 
     def answer_twice(device, source):
         rig.daemon.pause()
