@@ -1,12 +1,11 @@
-// The only script that talks to the recorder. One request at a time, because the service serves one
-// at a time; a limit on each, because it leaves some without an answer. Replies come back as texts
-// by key (see reply.js); failures as a Fault.
+// The only script that talks to the recorder: one request at a time, as the service serves them,
+// each with a limit, as some get no answer. Replies are texts by key (reply.js).
 import {encodeGbk, percentEncode} from './gbk.js';
 import {decodeReply, readReply} from './reply.js';
 import {sessionId} from './store.js';
 
-// How a request can fail: 'noservice' no answer in time, 'lost' no connection, 'unreadable' an
-// answer that is none of the service's, 'refused' no valid session.
+// kind: 'noservice' no answer in time, 'lost' no connection, 'unreadable' no answer of the
+// service's, 'refused' no valid session.
 export class Fault extends Error {
   constructor(kind) {
     super(kind);
@@ -14,11 +13,11 @@ export class Fault extends Error {
   }
 }
 
-// Milliseconds that a request may take. A silent recorder costs the service 5 s an exchange, an
-// accepted set another 2 s, and somebody else's request may be served first.
+// A silent recorder costs the service 5 s an exchange, an accepted set 2 s more, and somebody
+// else's request may come first.
 const kWaitMs = 12000;
 const kLongWaitMs = 20000;  // two exchanges, or the whole configuration
-const kGraceMs = 1500;      // how much longer a style sheet may take than a file asked for later
+const kGraceMs = 1500;  // a style sheet may come that much later than a file asked for after it
 const kTwoExchanges = new Set([
   'get_LockOfPassword', 'get_WifiInfo', 'get_GB28181Info', 'set_WifiInfo', 'set_GB28181Info',
   'import_CfgFile',
@@ -62,8 +61,8 @@ const form = (values, encode) => ({
 // Reads a section. The reply's result is false when the recorder did not answer the service.
 export const query = (endpoint) => inTurn(() => ask(endpoint));
 
-// Sends form values (texts, already with entities where wanted) in the recorder's character set.
-// Adds the duration, which tells an accepted set (the service restarts) from a refused one.
+// Sends form values in the recorder's character set. Adds the duration: only an accepted set takes
+// the time of a restart.
 export const send = (endpoint, values, encode = encodeGbk) => inTurn(async () => {
   const begin = performance.now();
   const reply = await ask(endpoint, form(values, encode));
@@ -74,16 +73,12 @@ export const send = (endpoint, values, encode = encodeGbk) => inTurn(async () =>
 export const sendConfig = (xml) =>
   send('import_CfgFile', {strFD_CfgPara: xml}, (text) => new TextEncoder().encode(text));
 
-// Checks the password. The service makes a session for requests that come from the login page, so
-// the page is named where a browser withholds the Referer too.
+// The service makes a session for requests that name the login page; some browsers withhold the
+// Referer.
 export const login = (password) =>
   send('cmp_UserSecurity?from=login.html', {strUserName: 'admin', strFD_AdminPasswd: password});
 
-// Compares a password without making a session.
-export const comparePassword = (password) =>
-  send('cmp_UserSecurity', {strUserName: 'admin', strFD_AdminPasswd: password});
-
-// The service's clock in seconds, taken from the header of a small file.
+// The service's clock in seconds, from the header of a small file.
 async function readClock() {
   const {reply} = await request('favicon.svg', {}, kWaitMs);
   return Math.floor(Date.parse(reply.headers.get('Date')) / 1000);
@@ -92,8 +87,8 @@ export const serviceTime = () => inTurn(readClock);
 
 export const sheetUrl = (name) => `${name}?time=${Date.now()}&SessionID=${sessionId()}`;
 
-// Asks for guarded style sheets with `begin`, which gives their promises. A refused one is never
-// answered: it counts as refused when a file that was asked for after it has long arrived.
+// begin() asks for guarded style sheets and gives their promises. A refused one is never answered:
+// it counts as refused when a file asked for after it has long arrived.
 export async function passGate(begin) {
   if (!sessionId()) throw new Fault('refused');
   const arrival = Promise.all(begin());

@@ -1,16 +1,15 @@
-// The whole configuration as the recorder exports and imports it: one VariCfgSec document. Parsing,
-// comparing and printing; no page, no network.
-import {unstorable} from './gbk.js';
+// The whole configuration as the recorder exports and imports it: one VariCfgSec document.
+import {query} from './api.js';
+import {toEntities, unstorable} from './gbk.js';
 
-// What the service takes: form bytes that it reads, and elements inside one another.
+// What the service takes.
 export const kImportBytes = 30719;
 const kDepth = 32;
 
-// A name that looks like a password is not shown in the clear.
 export const isSecret = (name) => /pass|pwd/i.test(name);
 
 // The document's root element, or null when the text is no configuration.
-export function readConfig(text) {
+function readConfig(text) {
   const begin = text.indexOf('<VariCfgSec');
   if (begin < 0) return null;
   const parsed = new DOMParser().parseFromString(text.slice(begin), 'application/xml');
@@ -20,15 +19,20 @@ export function readConfig(text) {
 
 const attributes = (node) => [...node.attributes].map((a) => [a.name, a.value]);
 
-// The attributes of a section's own element as an object, or null.
+// The recorder's configuration: {result, root}; root is null when there is no usable one.
+export async function fetchConfig() {
+  const {result, strFD_CfgPara} = await query('export_CfgFile');
+  return {result, root: result ? readConfig(strFD_CfgPara) : null};
+}
+
+// A section's own attributes as an object, or null.
 export function sectionOf(root, name) {
   const found = [...root.children].find((child) => child.tagName === name);
   return found ? Object.fromEntries(attributes(found)) : null;
 }
 
-const kEscapes = {'"': '&quot;', '<': '&lt;', '&': '&amp;'};
-const escape = (value) => value.replace(/["<&\x00-\x1f]/g, (char) =>
-  kEscapes[char] || `&#x${char.charCodeAt(0).toString(16).toUpperCase().padStart(2, '0')};`);
+const escape = (value) => toEntities(value).replace(/[\x00-\x1f]/g, (char) =>
+  `&#x${char.charCodeAt(0).toString(16).toUpperCase().padStart(2, '0')};`);
 
 // A document as text: elements and attributes only, one line, or indented for an editor.
 export function printConfig(node, indent = null, depth = 0) {
@@ -55,8 +59,8 @@ export function settings(root) {
   return found;
 }
 
-// What an import would change: settings of the file that differ from the recorder's or that the
-// recorder does not have (from is null). Settings that only the recorder has stay as they are.
+// What an import would change; from is null where the recorder lacks a setting of the file. What
+// only the recorder has stays.
 export function changes(now, file) {
   const rows = [];
   for (const [path, to] of file) {
@@ -68,7 +72,7 @@ export function changes(now, file) {
 
 const depthOf = (node) => 1 + Math.max(0, ...[...node.children].map(depthOf));
 
-// Takes a file's bytes apart: {root, xml} ready to be sent, or {error, values} with a text key.
+// A file's bytes as {root, xml}, xml ready to be sent, or {error, values} with a text key.
 export function openConfigFile(bytes) {
   let text;
   try {

@@ -3,5 +3,5 @@ import {kSections} from './fields.js';
 import {fillForms, SectionForm} from './form.js';
 import {openPage} from './shell.js';
 
-openPage('device', ['page.css', 'sets.css'], (main) =>
+openPage('device', (main) =>
   fillForms(main, [new SectionForm('device', kSections.base)]));

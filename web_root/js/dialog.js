@@ -2,7 +2,7 @@
 import {el} from './dom.js';
 import {t} from './i18n.js';
 
-// Resolves to true when the user goes on, to false on cancel and Escape.
+// True when the user goes on, false on cancel and Escape.
 export function askUser(title, content, goOn) {
   return new Promise((answer) => {
     const dialog = el('dialog', {'aria-labelledby': 'dialog-title'},

@@ -8,9 +8,18 @@ export function el(tag, attributes = {}, ...children) {
     if (name.startsWith('on')) node.addEventListener(name.slice(2), value);
     else node.setAttribute(name, value === true ? '' : value);
   }
-  node.append(...children.flat().filter((child) => child !== null && child !== undefined));
+  node.append(...children.flat(2).filter((child) => child !== null && child !== undefined));
   return node;
 }
+
+// A card with its heading; `title` is a text or nodes.
+export const card = (id, title, ...content) =>
+  el('section', {class: 'card', id, 'aria-labelledby': `${id}-title`},
+      el('h2', {id: `${id}-title`}, title), content);
+
+// A list of facts: pairs of a text and a dd.
+export const facts = (rows, style = 'facts') => el('dl', {class: style},
+    rows.map(([name, value]) => el('div', {}, el('dt', {}, name), value)));
 
 // Drawn on a grid of 24, stroked in the text's colour.
 const kIcons = {
@@ -31,7 +40,6 @@ const kIcons = {
   plug: 'M9 3v5 M15 3v5 M6 8h12v3a6 6 0 0 1-12 0z M12 17v4',
   chip: 'M7 7h10v10H7z M10 3v4 M14 3v4 M10 17v4 M14 17v4 M3 10h4 M3 14h4 M17 10h4 M17 14h4',
   mobile: 'M7 3h10v18H7z M11 18h2',
-  key: 'M14 10a4 4 0 1 0-1.5 3.1L15 15.5h2.5V18H20v-3l-6-5z',
 };
 const kSvg = 'http://www.w3.org/2000/svg';
 

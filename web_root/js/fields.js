@@ -1,11 +1,6 @@
-// The settings as data: one table per section. A section names its endpoints and its fields; a
-// field names its variable, its text keys and what it may hold. The form engine does the rest.
-//
-// kind: text, secret, number, toggle, choice, ipv4, host, mac, clock
-// bytes: the most that the recorder's field holds; least: the fewest (0 when missing)
-// min, max: the range of a number; options: value and text key of each choice
-// when(values): the field is shown, checked and compared only then
-// live: changes by itself, so it is neither compared nor reported as changed by somebody
+// The settings as data: sections with their endpoints, fields with their variable, text keys and
+// limits. bytes: the most on the way; least, most: the fewest and most stored; when(values): shown,
+// checked and compared only then; live: changes by itself, so it is never compared.
 
 const code = (name, label) => ({name, kind: 'number', label, help: 'code.help', min: 0, max: 255});
 const port = (name, label) => ({name, kind: 'number', label, min: 1, max: 65535});
@@ -14,8 +9,8 @@ const text = (name, label, bytes, more = {}) => ({name, kind: 'text', label, byt
 const secret = (name, label, bytes, more = {}) => ({name, kind: 'secret', label, bytes, ...more});
 const toggle = (name, label, more = {}) => ({name, kind: 'toggle', label, ...more});
 
-const kBitRate = {kind: 'number', label: 'bitRate', help: 'bitRate.help', min: 1, max: 2147483647};
-const kFrameRate = {kind: 'number', label: 'frameRate', help: 'frameRate.help', min: 1, max: 255};
+const kBitRate = {kind: 'number', label: 'bitRate', min: 1, max: 1000000};
+const kFrameRate = {kind: 'number', label: 'frameRate', min: 1, max: 255};
 
 const isAccessPoint = (values) => values.ucFD_WorkMode === '2';
 
@@ -23,18 +18,18 @@ export const kSections = {
   base: {
     get: 'get_BaseInfo', set: 'set_BaseInfo', title: 'base',
     fields: [
-      text('strFD_DeviceNo', 'deviceNo', 15, {least: 5, most: 12, help: 'deviceNo.help'}),
+      text('strFD_DeviceNo', 'deviceNo', 15, {least: 5, most: 12}),
       {name: 'ucFD_TimeZone', kind: 'number', label: 'timeZone', help: 'timeZone.help',
         min: 0, max: 255},
-      toggle('ucFD_GpsSTFlag', 'gpsTime', {help: 'gpsTime.help'}),
-      {name: 'strFD_CurTime', kind: 'clock', label: 'clock', help: 'clock.help', live: true},
+      toggle('ucFD_GpsSTFlag', 'gpsTime'),
+      {name: 'strFD_CurTime', kind: 'clock', label: 'clock', live: true},
     ],
   },
   mirror: {
     get: 'get_MirrorInfo', set: 'set_MirrorInfo', title: 'mirror',
     fields: [
-      toggle('strFD_LeftRight', 'leftRight', {help: 'leftRight.help'}),
-      toggle('strFD_UpDown', 'upDown', {help: 'upDown.help'}),
+      toggle('strFD_LeftRight', 'leftRight'),
+      toggle('strFD_UpDown', 'upDown'),
     ],
   },
   mainStream: {
@@ -54,7 +49,7 @@ export const kSections = {
     fields: [
       ipv4('strFD_LocalIp', 'localIp'), ipv4('strFD_NetMask', 'netMask'),
       ipv4('strFD_GateWay', 'gateWay'),
-      {name: 'strFD_Mac', kind: 'mac', label: 'mac', help: 'mac.help', bytes: 23},
+      {name: 'strFD_Mac', kind: 'mac', label: 'mac', bytes: 23},
     ],
   },
   wifi: {
@@ -64,7 +59,7 @@ export const kSections = {
         options: [['1', 'workMode.1'], ['2', 'workMode.2']]},
       text('strFD_SSID', 'ssid', 31, {least: 1}), secret('strFD_Passwd', 'wifiPassword', 31),
       code('ucFD_AuthMode', 'authMode'), code('ucFD_CryptType', 'cryptType'),
-      toggle('ucFD_DhcpEnableFlag', 'dhcp', {help: 'dhcp.help', when: isAccessPoint}),
+      toggle('ucFD_DhcpEnableFlag', 'dhcp', {when: isAccessPoint}),
     ],
   },
   mobile: {
@@ -80,7 +75,7 @@ export const kSections = {
     fields: [
       {name: 'ucFD_AddressType', kind: 'choice', label: 'addressType',
         options: [['0', 'addressType.0'], ['1', 'addressType.1']]},
-      {name: 'strFD_Address', kind: 'host', label: 'address', help: 'address.help', bytes: 63,
+      {name: 'strFD_Address', kind: 'host', label: 'address', bytes: 63,
         least: 1, numeric: (values) => values.ucFD_AddressType === '0'},
       port('usFD_Port', 'port'),
     ],
@@ -93,10 +88,10 @@ export const kSections = {
         options: [['0', 'streamType.0'], ['1', 'streamType.1']],
         when: (values) => values.ucFD_GB28181Enable === '1'},
       text('strFD_Manufacturer', 'manufacturer', 31), text('strFD_ModelName', 'modelName', 31),
-      text('strFD_ServerIp', 'serverIp', 31), port('usFD_ServerPort', 'serverPort'),
+      text('strFD_ServerIp', 'address', 31), port('usFD_ServerPort', 'serverPort'),
       text('strFD_ServerID', 'serverId', 31), text('strFD_DeviceId', 'deviceId', 31),
-      port('usFD_DevicePort', 'devicePort'), text('strFD_DeviceUser', 'deviceUser', 31),
-      secret('strFD_DevicePass', 'devicePass', 31),
+      port('usFD_DevicePort', 'devicePort'), text('strFD_DeviceUser', 'userName', 31),
+      secret('strFD_DevicePass', 'password', 31),
     ],
   },
   password: {

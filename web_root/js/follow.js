@@ -9,8 +9,7 @@ const kTries = 30;
 const kPauseMs = 2000;
 const kRestartMs = 1900;  // an accepted set takes at least that
 
-// The page's address when the recorder moves to `address`, or null when the page does not depend on
-// it: the address stays, or the page was reached on another one.
+// Where the pages will be, or null when this page does not move with the recorder's address.
 function newOrigin(values, before) {
   const from = before.strFD_LocalIp;
   const to = values.strFD_LocalIp;
@@ -26,7 +25,8 @@ export function confirmMove(form, values, before) {
 }
 
 async function waitThere(form, origin) {
-  form.say('busy', t('move.waiting', {origin}), el('progress', {'aria-label': t('state.progress')}));
+  const bar = el('progress', {'aria-label': t('state.progress')});
+  form.say('busy', t('move.waiting', {origin}), bar);
   for (let left = kTries; left > 0; left--) {
     if (await answers(origin)) return location.assign(`${origin}/login.html#moved`);
     await new Promise((resume) => { setTimeout(resume, kPauseMs); });

@@ -1,14 +1,11 @@
-// The form of one section: loads it, keeps what the user typed, checks it and shows how a save
-// goes (submit.js runs the save). A section comes from fields.js; a page may add hooks to it:
-//   load()            {result, values} instead of the section's own endpoint
-//   wire(values)      form variables instead of the fields themselves
-//   layout(form)      nodes instead of the fields' blocks one below the other
-//   precheck(values)  {field: text} of what only the recorder can tell, just before sending
-//   confirm(form, values, before)   false stops the save
-//   transmit(form, values, before)  runs the save itself; null leaves it to the engine
+// The form of one section (fields.js): loads, keeps what is typed, checks; submit.js saves.
+// Hooks that a page may add to a section:
+//   load() {result, values}; wire(values) form variables; layout(form) nodes
+//   precheck(values) {field: text}, what only the recorder can tell
+//   confirm(form, values, before) false stops; transmit(form, values, before) saves, or null
 //   applied(values), edited(name, form), loaded(form)
 import {query} from './api.js';
-import {el} from './dom.js';
+import {card, el} from './dom.js';
 import {t} from './i18n.js';
 import {fieldControl} from './inputs.js';
 import {Notice} from './notice.js';
@@ -31,17 +28,16 @@ export class SectionForm {
   get fields() { return this.section.fields; }
 
   build() {
-    const id = `${this.scope}-title`;
     this.notice = new Notice();
-    this.body = el('fieldset', {disabled: true, 'aria-labelledby': id});
+    this.body = el('fieldset', {'aria-labelledby': `${this.scope}-title`, disabled: true});
     this.saveButton = el('button', {type: 'submit', class: 'main', disabled: true}, t('save'));
     this.discardButton = el('button', {type: 'button', class: 'quiet', hidden: true,
       onclick: () => this.discard()}, t('discard'));
     const form = el('form', {novalidate: true, autocomplete: 'off',
       onsubmit: (event) => { event.preventDefault(); submit(this); }},
-    this.body, this.notice.node, el('div', {class: 'actions'}, this.saveButton, this.discardButton));
-    this.node = el('section', {class: 'card form', id: this.scope, 'aria-labelledby': id},
-        el('h2', {id}, t(`section.${this.section.title}`)), form);
+    this.body, this.notice.node,
+    el('div', {class: 'actions'}, this.saveButton, this.discardButton));
+    this.node = card(this.scope, t(`section.${this.section.title}`), form);
   }
 
   say(...words) { this.notice.say(...words); }
@@ -92,7 +88,7 @@ export class SectionForm {
     this.body.replaceChildren(...(this.section.layout ? this.section.layout(this) : blocks()));
   }
 
-  // Fills the form with what the recorder holds, and with the draft where there is one.
+  // Shows what the recorder holds, and the draft on top of it.
   show(values) {
     this.makeControls();
     const draft = loadDraft(this.key);
@@ -163,7 +159,7 @@ export class SectionForm {
     return this.counted(a).filter((f) => a[f.name] !== b[f.name]);
   }
 
-  // Marks what is wrong and goes to the first of it. Returns whether all is right.
+  // Marks what is wrong and goes to the first of it; true when nothing is.
   validate(values) {
     const errors = {};
     for (const field of this.fields) {

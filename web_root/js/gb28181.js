@@ -1,8 +1,7 @@
-// GB28181: the platform's settings and one row of IDs per channel. The service reads only the first
-// channel's IDs and writes all of them, so the others come from the exported configuration, and
-// without it nothing is saved.
+// GB28181: settings and channel IDs. The service reads the first channel's IDs and writes all: the
+// others come from the exported configuration, and without it nothing is saved.
 import {Fault, query} from './api.js';
-import {readConfig} from './config.js';
+import {fetchConfig} from './config.js';
 import {el} from './dom.js';
 import {kSections} from './fields.js';
 import {toEntities} from './gbk.js';
@@ -34,8 +33,7 @@ function placeField(k, rows) {
 async function load() {
   const reply = await query('get_GB28181Info');
   if (!reply.result) return reply;
-  const exported = await query('export_CfgFile');
-  const root = exported.result && readConfig(exported.strFD_CfgPara);
+  const {root} = await fetchConfig();
   const ids = root && readIds(root);
   const channels = Number(reply.iVideoChnCount);
   if (!ids || channels < 1) throw new Fault('unreadable');
@@ -72,8 +70,8 @@ function openable(control) {
     set(isOpen(value) ? '' : value);
     if (!isOpen(value)) return;
     open = value;
-    const [lens, alarm] = candidates(value);
-    choice.textContent = t('id.open', {lens: lens || t('value.none'), alarm: alarm || t('value.none')});
+    const [lens, alarm] = candidates(value).map((id) => id || t('value.none'));
+    choice.textContent = t('id.open', {lens, alarm});
     choice.hidden = false;
   };
 }
@@ -110,7 +108,8 @@ function hiddenNote() {
   if (!state.hidden.length) return null;
   const row = ({k, lens, alarm}) => el('li', {}, t('id.hiddenRow', {channel: k + 1,
     lens: lens || t('value.none'), alarm: alarm || t('value.none')}));
-  return el('div', {class: 'notice'}, el('p', {}, t('id.hidden')), el('ul', {}, state.hidden.map(row)));
+  return el('div', {class: 'notice'}, el('p', {}, t('id.hidden')),
+      el('ul', {}, state.hidden.map(row)));
 }
 
 function layout(form) {

@@ -1,17 +1,14 @@
-// Text for the recorder: GBK bytes, XML entities, form encoding. The recorder keeps its settings in
-// GBK (code page 936) and the service writes form values into XML as they come, so the pages send
-// `"`, `<` and `&` as entities. Pure functions; the reverse table is built at its first use.
+// Text for the recorder, which keeps GBK (code page 936): bytes, XML entities, form encoding. The
+// service writes values into XML as they come, so `"`, `<` and `&` travel as entities.
 
 const kEntities = {'"': '&quot;', '<': '&lt;', '&': '&amp;'};
 
-// Two-byte codes that browsers decode but code page 936 leaves free; the configuration export
-// cannot carry them. Single codes first, then ranges.
-const kFreeCodes = new Set([
-  0xa2e3, 0xa3a0, 0xa6d9, 0xa6da, 0xa6db, 0xa6dc, 0xa6dd, 0xa6de, 0xa6df, 0xa6ec, 0xa6ed, 0xa6f3,
-  0xa8bc, 0xa8bf,
-]);
-const isFree = (code) => kFreeCodes.has(code) || (code >= 0xa989 && code <= 0xa995) ||
-    (code >= 0xfe50 && code <= 0xfea0);
+// Codes that browsers decode but code page 936 leaves free; an export cannot carry them.
+const kFreeCodes = [
+  [0xa2e3, 0xa2e3], [0xa3a0, 0xa3a0], [0xa6d9, 0xa6df], [0xa6ec, 0xa6ed], [0xa6f3, 0xa6f3],
+  [0xa8bc, 0xa8bc], [0xa8bf, 0xa8bf], [0xa989, 0xa995], [0xfe50, 0xfea0],
+];
+const isFree = (code) => kFreeCodes.some(([first, last]) => code >= first && code <= last);
 const isPrivateUse = (char) => char >= '\ue000' && char <= '\uf8ff';
 
 let codes = null;  // character -> two-byte code
@@ -36,8 +33,7 @@ function reverseTable() {
   return codes;
 }
 
-// The first character that the recorder cannot store, or null: control characters and whatever has
-// no code.
+// The first character that the recorder cannot store, or null.
 export function unstorable(text) {
   for (const char of text) {
     if (char < ' ' || char === '\x7f') return char;
@@ -65,8 +61,8 @@ export const toEntities = (text) => text.replace(/["<&]/g, (char) => kEntities[c
 export const wireLength = (text) => encodeGbk(toEntities(text)).length;
 export const storedLength = (text) => encodeGbk(text).length;
 
-// Everything but letters and digits is escaped, the dot too: the service leaves a request alone
-// whose text names one of its guarded style sheets, even inside a value.
+// The dot is escaped too: a request that names a guarded style sheet, even in a value, may stay
+// without an answer.
 export function percentEncode(bytes) {
   let out = '';
   for (const byte of bytes) {

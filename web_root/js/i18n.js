@@ -1,5 +1,4 @@
-// The texts of the pages: two dictionaries, one loaded. The user's own choice goes first, then the
-// recorder's language as last heard of, then the browser's.
+// The texts. The user's choice of language goes first, then the recorder's, then the browser's.
 import {recall, remember} from './store.js';
 
 let texts = {};

@@ -1,11 +1,10 @@
-// The IDs of the GB28181 channels. The interface keeps them in one row of places: lens ID k is place
-// k, alarm-input ID k is place k + 2, so lens ID k + 2 and alarm-input ID k are one place. The
-// recorder itself may hold two different IDs there. Pure functions.
+// The channels' IDs stand in places: lens ID k in place k, alarm-input ID k in place k + 2.
+// So lens ID k + 2 and alarm-input ID k share one, though the recorder may hold two there.
 
 const kSubDevices = 8;
 export const kShift = 2;
 
-// A place where the recorder holds two different IDs carries both until the user has chosen.
+// Such a place carries both until the user has chosen.
 const kMark = '\u0001';
 const both = (lens, alarm) => kMark + lens + kMark + alarm;
 export const isOpen = (value) => value.startsWith(kMark);
@@ -13,8 +12,7 @@ export const candidates = (value) => value.split(kMark).slice(1);
 
 export const placeName = (k) => `place${k}`;
 
-// IDs per sub-device out of an exported configuration: [{lens, alarm}], missing ones empty; null
-// without the section.
+// [{lens, alarm}] per sub-device of an exported configuration; null without the section.
 export function readIds(root) {
   const section = root.querySelector(':scope > stGB28181');
   if (!section) return null;
@@ -27,7 +25,6 @@ export function readIds(root) {
 
 export const rowCount = (channels) => Math.min(channels, kSubDevices);
 
-// The value of each place for a recorder with that many channels.
 export function toPlaces(ids, channels) {
   const rows = rowCount(channels);
   return Array.from({length: rows + kShift}, (_, k) => {
@@ -50,7 +47,7 @@ export function toLists(places, channels) {
   };
 }
 
-// IDs of sub-devices beyond the channels: a save writes over them, so the page shows them.
+// IDs of sub-devices beyond the channels: a save overwrites them, so they are shown.
 export function hiddenIds(ids, channels) {
   return ids.map(({lens, alarm}, k) => ({k, lens, alarm}))
       .filter(({k, lens, alarm}) => k >= rowCount(channels) && (lens || alarm));

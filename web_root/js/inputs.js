@@ -1,5 +1,4 @@
-// One control per kind of field, all with the same face: get(), set(value), a node and the element
-// that takes the focus. A value is always the text that the interface carries.
+// One control per kind of field: {node, input, get, set}. Values are texts as the wire has them.
 import {el} from './dom.js';
 import {wireLength} from './gbk.js';
 import {t} from './i18n.js';
@@ -46,7 +45,7 @@ function toggleControl(field, id) {
   };
 }
 
-// Keeps a value that none of the options has: the recorder may hold it, and it is shown as it is.
+// A value that is none of the options is shown as it is.
 function choiceControl(field, id) {
   const option = ([value, key]) => el('option', {value}, t(key));
   const input = el('select', {id}, field.options.map(option));
@@ -113,14 +112,14 @@ function limitText(field) {
   return t(field.least > 1 ? 'limit.between' : 'limit.bytes', {least: field.least, most});
 }
 
-// A field with label, help, limit and a place for its error. `scope` makes the ids unique on the
-// page; `changed()` is called after each edit.
+// A field with label, help, limit and error; changed() is called after each edit.
 export function fieldControl(field, scope, changed) {
   const id = `${scope}-${field.name}`;
   const control = (kControls[field.kind] || textControl)(field, id);
   const help = [field.help && t(field.help), limitText(field)].filter(Boolean).join(' ');
   const count = field.bytes ? counter(field) : null;
-  const hint = el('p', {class: 'hint', id: `${id}-hint`}, el('span', {}, help), count && count.node);
+  const hint = el('p', {class: 'hint', id: `${id}-hint`}, el('span', {}, help),
+      count && count.node);
   const error = el('p', {class: 'error', id: `${id}-error`, hidden: true});
   const update = () => { if (count) count.update(control.get()); };
   control.node.addEventListener('input', () => { update(); changed(); });

@@ -2,8 +2,8 @@
 import {login, query} from './api.js';
 import {el, icon} from './dom.js';
 import {unstorable, wireLength} from './gbk.js';
-import {loadLanguage, preferredLanguage, rememberRecorderLanguage, chooseLanguage, t}
-  from './i18n.js';
+import {loadLanguage, preferredLanguage, rememberRecorderLanguage, t} from './i18n.js';
+import {languageSwitch} from './language.js';
 import {kWrongEntries, readLock, timeText, writeLock} from './lock.js';
 import {Notice} from './notice.js';
 import {sessionId, startSession} from './store.js';
@@ -60,8 +60,7 @@ async function enter(lock, id) {
   return location.replace(`${kPages.test(page) ? page : 'status'}.html`);
 }
 
-// The service compares with an empty password when the recorder is silent: the lock is read first,
-// which also tells whether the recorder answers at all.
+// The service compares with an empty password when the recorder is silent: the lock comes first.
 async function tryPassword(password) {
   const lock = await readLock();
   if (!lock.known) return say('bad', t('login.silent'));
@@ -98,17 +97,15 @@ function build() {
   ui.button = el('button', {type: 'submit', class: 'main'}, t('login.go'));
   ui.notice = new Notice();
   ui.left = el('p', {class: 'left', hidden: true});
-  const other = preferredLanguage() === 'zh' ? 'en' : 'zh';
   app.replaceChildren(el('main', {class: 'login'},
       el('div', {class: 'brand'}, icon('recorder'), el('span', {}, t('brand'))),
       el('h1', {}, t('login.title')),
       el('form', {novalidate: true, onsubmit: submit},
           el('input', {type: 'text', autocomplete: 'username', value: 'admin', hidden: true}),
           el('div', {class: 'field'}, el('label', {for: 'password', class: 'label'},
-              t('login.password')), ui.input),
+              t('password')), ui.input),
           ui.button, ui.notice.node, ui.left),
-      el('button', {type: 'button', class: 'quiet', lang: other === 'zh' ? 'zh-CN' : 'en',
-        onclick: () => { chooseLanguage(other); location.reload(); }}, t('language.other'))));
+      languageSwitch()));
   app.hidden = false;
   if (location.hash === '#moved') say('info', t('login.moved'));
 }

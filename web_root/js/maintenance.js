@@ -1,8 +1,8 @@
-// Maintenance: versions, the configuration to and from a file, the recorder's language.
+// Maintenance: the configuration to and from a file, the recorder's language, versions.
 import {query, renewSession, sendConfig} from './api.js';
-import {changes, isSecret, openConfigFile, printConfig, readConfig, settings} from './config.js';
+import {changes, fetchConfig, isSecret, openConfigFile, printConfig, settings} from './config.js';
 import {askUser} from './dialog.js';
-import {el} from './dom.js';
+import {card, el, facts} from './dom.js';
 import {kSections} from './fields.js';
 import {SectionForm} from './form.js';
 import {chooseLanguage, rememberRecorderLanguage, t} from './i18n.js';
@@ -16,82 +16,53 @@ const kVersions = [
   ['version.kernel', 'strFD_KnlVersion'], ['version.files', 'strFD_RfsVersion'],
   ['version.data', 'strFD_DbtVersion'],
 ];
+const kKeepUrlMs = 10000;  // a browser may read a download a little later
 
-function card(id, ...content) {
-  return el('section', {class: 'card form', id, 'aria-labelledby': `${id}-title`},
-      el('h2', {id: `${id}-title`}, t(`section.${id}`)), content);
-}
+const hint = (key) => el('p', {class: 'hint'}, t(key));
+const mainButton = (key, onclick) => el('button', {type: 'button', class: 'main', onclick}, t(key));
 
-// Runs something that asks the recorder; false when it failed, which is said.
+// Runs something that asks the recorder; says it when that fails.
 async function attempt(notice, work) {
   try {
-    return await work();
+    await work();
   } catch (fault) {
-    if (fault.kind === 'refused') return goToLogin('maintenance');
-    if (!fault.kind) throw fault;
-    notice.say('bad', t(`load.${fault.kind}`));
-    return false;
+    if (fault.kind === 'refused') goToLogin('maintenance');
+    else if (fault.kind) notice.say('bad', t(`load.${fault.kind}`));
+    else throw fault;
   }
 }
 
-class VersionCard {
-  constructor() {
-    this.notice = new Notice();
-    this.list = el('dl', {class: 'facts'});
-    this.node = card('versions', this.list, this.notice.node);
-  }
-
-  load() {
-    return attempt(this.notice, async () => {
-      const version = await query('get_VersionInfo');
-      const parts = await query('get_SystemInfo');
-      if (!version.result) return this.notice.say('bad', t('load.silent'));
-      // The reply's other key repeats the application's version.
-      const rows = [['version.app', version.strFD_AppVersion],
-        ...kVersions.map(([key, name]) => [key, parts[name]])];
-      return this.list.replaceChildren(...rows.map(([key, value]) =>
-        el('div', {}, el('dt', {}, t(key)), el('dd', {}, value || t('value.none')))));
-    });
-  }
-}
-
-// The recorder's present configuration, or null after having said why not.
-async function fetchConfig(notice) {
-  const {result, strFD_CfgPara} = await query('export_CfgFile');
-  const root = result && readConfig(strFD_CfgPara);
+// The recorder's root element, or null after having said why not.
+async function fetchRoot(notice) {
+  const {result, root} = await fetchConfig();
   if (!root) notice.say('bad', t(result ? 'load.unreadable' : 'load.silent'));
-  return root || null;
+  return root;
 }
 
 function offerFile(name, text) {
   const url = URL.createObjectURL(new Blob([text], {type: 'application/xml'}));
   el('a', {href: url, download: name}).click();
-  setTimeout(() => URL.revokeObjectURL(url), 10000);
+  setTimeout(() => URL.revokeObjectURL(url), kKeepUrlMs);
 }
 
-class ExportCard {
-  constructor() {
-    this.notice = new Notice();
-    this.button = el('button', {type: 'button', class: 'main', onclick: () => this.run()},
-        t('export.go'));
-    this.node = card('export', el('p', {class: 'hint'}, t('export.help')), this.notice.node,
-        el('div', {class: 'actions'}, this.button));
-  }
-
-  async run() {
-    this.button.disabled = true;
-    this.notice.say('busy', t('export.busy'));
-    await attempt(this.notice, async () => {
-      const root = await fetchConfig(this.notice);
-      if (!root) return;
-      const number = settings(root).get('stBaseInfo strFD_DeviceNo') || '';
-      const day = clockText(new Date()).slice(0, 10);
-      const name = `recorder-${number.replace(/[^\w-]/g, '')}-${day}.xml`;
-      offerFile(name, `<?xml version="1.0" encoding="UTF-8"?>\n${printConfig(root, '  ')}`);
-      this.notice.say('good', t('export.done', {name}));
-    });
-    this.button.disabled = false;
-  }
+function exportCard() {
+  const notice = new Notice();
+  const run = async () => {
+    notice.say('busy', t('export.busy'));
+    const root = await fetchRoot(notice);
+    if (!root) return;
+    const number = (settings(root).get('stBaseInfo strFD_DeviceNo') || '').replace(/[^\w-]/g, '');
+    const name = `recorder-${number}-${clockText(new Date()).slice(0, 10)}.xml`;
+    offerFile(name, `<?xml version="1.0" encoding="UTF-8"?>\n${printConfig(root, '  ')}`);
+    notice.say('good', t('export.done', {name}));
+  };
+  const button = mainButton('export.go', async () => {
+    button.disabled = true;
+    await attempt(notice, run);
+    button.disabled = false;
+  });
+  return card('export', t('section.export'), hint('export.help'), notice.node,
+      el('div', {class: 'actions'}, button));
 }
 
 function changeTable(rows) {
@@ -99,33 +70,36 @@ function changeTable(rows) {
     if (value === null) return t('value.absent');
     return isSecret(path) && value ? '••••••' : value || t('value.none');
   };
-  const head = ['import.setting', 'import.now', 'import.file'].map((key) =>
-    el('th', {scope: 'col'}, t(key)));
-  return el('div', {class: 'scroll', tabindex: '0', role: 'region', 'aria-label': t('import.table')},
-      el('table', {}, el('thead', {}, el('tr', {}, head)),
-          el('tbody', {}, rows.map(({path, from, to}) =>
-            el('tr', {}, el('th', {scope: 'row'}, path), el('td', {}, shown(path, from)),
-                el('td', {}, shown(path, to)))))));
+  const head = ['import.setting', 'import.now', 'import.file'];
+  const row = ({path, from, to}) => el('tr', {}, el('th', {scope: 'row'}, path),
+      el('td', {}, shown(path, from)), el('td', {}, shown(path, to)));
+  const region = {class: 'scroll', tabindex: '0', role: 'region', 'aria-label': t('import.file')};
+  return el('div', region, el('table', {},
+      el('thead', {}, el('tr', {}, head.map((key) => el('th', {scope: 'col'}, t(key))))),
+      el('tbody', {}, rows.map(row))));
 }
 
 class ImportCard {
   constructor() {
     this.notice = new Notice();
     this.file = el('input', {type: 'file', accept: '.xml,text/xml',
-      'aria-describedby': 'import-help', onchange: () => this.preview()});
+      onchange: () => this.preview()});
     this.name = el('span', {class: 'hint'}, t('import.none'));
     this.changes = el('div', {class: 'preview'});
-    this.button = el('button', {type: 'button', class: 'main', hidden: true,
-      onclick: () => this.run()}, t('import.go'));
-    this.node = card('import', el('p', {class: 'hint', id: 'import-help'}, t('import.help')),
+    this.button = mainButton('import.go', () => this.run());
+    this.button.hidden = true;
+    this.node = card('import', t('section.import'), hint('import.help'),
         el('label', {class: 'file'}, this.file, el('span', {class: 'button'}, t('import.choose')),
             this.name),
         this.changes, this.notice.node, el('div', {class: 'actions'}, this.button));
   }
 
-  setBusy(busy) {
-    this.file.disabled = busy;
-    this.button.disabled = busy;
+  async busy(work) {
+    this.file.disabled = true;
+    this.button.disabled = true;
+    await attempt(this.notice, work);
+    this.file.disabled = false;
+    this.button.disabled = false;
   }
 
   async preview() {
@@ -134,16 +108,14 @@ class ImportCard {
     const [file] = this.file.files;
     this.name.textContent = file ? file.name : t('import.none');
     if (!file) return this.notice.say();
-    this.opened = openConfigFile(new Uint8Array(await file.arrayBuffer()));
-    const {error, values, root} = this.opened;
+    const {error, values, root, xml} = openConfigFile(new Uint8Array(await file.arrayBuffer()));
     if (error) return this.notice.say('bad', t(error, values));
+    this.xml = xml;
     this.notice.say('busy', t('import.comparing'));
-    this.setBusy(true);
-    await attempt(this.notice, async () => {
-      const now = await fetchConfig(this.notice);
+    return this.busy(async () => {
+      const now = await fetchRoot(this.notice);
       if (now) this.showChanges(settings(now), settings(root));
     });
-    return this.setBusy(false);
   }
 
   showChanges(now, file) {
@@ -163,33 +135,27 @@ class ImportCard {
   }
 
   async transmit() {
-    const load = async () => {
-      const {result, strFD_CfgPara} = await query('export_CfgFile');
-      const root = result && readConfig(strFD_CfgPara);
-      return {result: Boolean(root), values: root && settings(root)};
-    };
     await renewSession();
-    return save({
-      load, send: () => sendConfig(this.opened.xml), same: (a, b) => this.same(a, b),
+    const {end, values} = await save({
+      load: async () => {
+        const {root} = await fetchConfig();
+        return {result: Boolean(root), values: root && settings(root)};
+      },
+      send: () => sendConfig(this.xml), same: (a, b) => this.same(a, b),
       before: this.before, sent: new Map([...this.before, ...this.wanted]),
       progress: (step) => this.notice.say('busy', t(`state.${step}`),
           el('progress', {'aria-label': t('state.progress')})),
     });
+    this.button.hidden = end === 'applied';
+    const left = end === 'adjusted' ? [changeTable(changes(values, this.wanted))] : [];
+    if (left.length || end === 'applied') this.changes.replaceChildren(...left);
+    this.notice.say({applied: 'good', adjusted: 'warn'}[end] || 'bad', t(`end.${end}`));
   }
 
   async run() {
     const question = el('p', {}, t('import.question', {count: this.wanted.size}));
     if (!await askUser(t('import.title'), question, t('import.go'))) return;
-    this.setBusy(true);
-    await attempt(this.notice, async () => {
-      const {end, values} = await this.transmit();
-      const left = values ? changes(values, this.wanted) : [];
-      if (end === 'applied') this.button.hidden = true;
-      this.changes.replaceChildren(...(end === 'adjusted' ? [changeTable(left)] : []));
-      const tone = {applied: 'good', adjusted: 'warn'}[end] || 'bad';
-      this.notice.say(tone, t(`end.${end}`));
-    });
-    this.setBusy(false);
+    await this.busy(() => this.transmit());
   }
 }
 
@@ -202,9 +168,23 @@ const language = {
   },
 };
 
-openPage('maintenance', ['page.css', 'sets.css'], async (main) => {
-  const parts = [new ExportCard(), new SectionForm('maintenance', language), new ImportCard(),
-    new VersionCard()];
-  main.append(el('div', {class: 'cards'}, parts.map((part) => part.node)));
-  for (const part of parts) if (part.load) await part.load();
+async function fillVersions(place, notice) {
+  const version = await query('get_VersionInfo');
+  const parts = await query('get_SystemInfo');
+  if (!version.result) return notice.say('bad', t('load.silent'));
+  // The reply's other key repeats the application's version.
+  const rows = [['version.app', version.strFD_AppVersion],
+    ...kVersions.map(([key, name]) => [key, parts[name]])];
+  return place.replaceWith(facts(rows.map(([key, value]) =>
+    [t(key), el('dd', {}, value || t('value.none'))])));
+}
+
+openPage('maintenance', async (main) => {
+  const form = new SectionForm('maintenance', language);
+  const notice = new Notice();
+  const place = el('div');
+  main.append(el('div', {class: 'cards'}, exportCard(), form.node, new ImportCard().node,
+      card('versions', t('section.versions'), place, notice.node)));
+  await form.load();
+  await attempt(notice, () => fillVersions(place, notice));
 });

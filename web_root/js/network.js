@@ -1,6 +1,5 @@
 // Network: mode, local Ethernet, Wi-Fi, mobile network.
-import {query} from './api.js';
-import {readConfig, sectionOf} from './config.js';
+import {fetchConfig, sectionOf} from './config.js';
 import {kSections} from './fields.js';
 import {confirmMove, follow} from './follow.js';
 import {fillForms, SectionForm} from './form.js';
@@ -9,17 +8,15 @@ import {t} from './i18n.js';
 
 const kAccessPoint = '2';
 
-// Station and access point have names and passwords of their own, and the service reads only those
-// of the working mode: the others come from the exported configuration.
+// The service reads only the working mode's name and password; the other's come from an export.
 async function showOtherMode(form) {
   const mode = form.controls.ucFD_WorkMode.get();
   form.say('busy', t('state.loading'));
   form.setBusy(true);
   let record = null;
   try {
-    const {strFD_CfgPara, result} = await query('export_CfgFile');
-    const config = result && readConfig(strFD_CfgPara);
-    record = config && sectionOf(config, mode === kAccessPoint ? 'stWifiAp' : 'stWifi');
+    const {root} = await fetchConfig();
+    record = root && sectionOf(root, mode === kAccessPoint ? 'stWifiAp' : 'stWifi');
   } catch {
     // Said below, as for a configuration without that section.
   }
@@ -46,6 +43,6 @@ const wifi = {
 
 const localNet = {...kSections.localNet, confirm: confirmMove, transmit: follow};
 
-openPage('network', ['page.css', 'sets.css'], (main) =>
+openPage('network', (main) =>
   fillForms(main, [wifi, kSections.mobile, localNet, kSections.netMode].map((section) =>
     new SectionForm('network', section))));

@@ -1,4 +1,4 @@
-// The line that says what is going on and how it ended. Screen readers hear it.
+// The line that says what goes on and how it ended; screen readers hear it.
 import {el, icon} from './dom.js';
 
 const kSigns = {good: 'done', bad: 'alert', warn: 'alert', info: 'info'};
@@ -8,7 +8,7 @@ export class Notice {
     this.node = el('div', {class: 'status', role: 'status'});
   }
 
-  // tone: busy, good, warn, bad or info; further nodes follow the text. Without a tone it is empty.
+  // tone: busy, good, warn, bad, info, or none for an empty line.
   say(tone, text, ...more) {
     this.node.className = `status ${tone || ''}`;
     if (!tone) return this.node.replaceChildren();

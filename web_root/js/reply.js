@@ -1,6 +1,5 @@
-// Takes the service's replies apart. They look like JSON but values stand in them unescaped, so a
-// reply is matched against the keys that it is known to carry, in their order and with the widths
-// of the recorder's fields, and "result" is taken from its end. Pure functions.
+// Takes replies apart. Values stand in them unescaped, so a reply is matched against the keys that
+// it is known to carry, in their order and with the fields' widths, and ends with "result".
 
 // One row per reply: keys in order. "key" is a number, "key:31" a text of at most 31 characters,
 // "key:*" a text of any length, "group/key" opens a group first, "name=key" renames a repeated key.
@@ -57,8 +56,8 @@ function compile(rows) {
 
 const compiled = {};
 
-// The values of a reply as texts by key, with result as a truth value; null when the reply is not
-// what the endpoint sends. Endpoints without a row (the sets) answer with "result" alone.
+// Values by key as texts, result as a truth value; null when the endpoint does not send such a
+// reply. Endpoints without a row answer with "result" alone.
 export function readReply(endpoint, text) {
   const {names, pattern} = compiled[endpoint] ||= compile(kReplies[endpoint] || '');
   const match = pattern.exec(text);
@@ -68,8 +67,8 @@ export function readReply(endpoint, text) {
   return reply;
 }
 
-// Text of a reply's bytes: UTF-8 when they are valid UTF-8, GBK otherwise. Short Chinese texts in
-// GBK can look like UTF-8 sequences of two bytes; the recorder writes GBK, so these are GBK too.
+// UTF-8 when the bytes are valid UTF-8, GBK otherwise. Short GBK texts can look like sequences of
+// two bytes in UTF-8; the recorder writes GBK, so these are GBK too.
 export function decodeReply(bytes) {
   let text;
   try {

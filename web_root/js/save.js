@@ -1,15 +1,12 @@
-// One save, from the click to a settled end. Knows no page and no field: it is given how to load,
-// send and compare, so that every end can be tested.
+// One save up to its settled end. Knows no page and no field, so that every end can be tested.
 
-// The service restarts for 2 s when the recorder accepts a set and waits 5 s for a silent recorder;
-// a shorter answer means that neither happened.
+// An accepted set restarts the service for 2 s, a silent recorder takes 5 s: shorter is neither.
 const kRestartMs = 1900;
 const kSilenceMs = 4500;
 const kTries = 8;
 const kPauseMs = 1500;
 
-// The ends: applied, adjusted (taken over in part), refused, silent (the recorder does not answer),
-// noservice, lost, unreadable.
+// applied, adjusted (taken over in part), refused, silent (the recorder), or a Fault's kind.
 export function judge({reply, fault, before, sent, after, same}) {
   const asked = !same(sent, before);
   if (asked && same(sent, after)) return 'applied';
@@ -31,9 +28,8 @@ async function readBack(load, tries, pauseMs) {
   }
 }
 
-// load() gives {result, values}, send() gives {result, ms}; both may throw a Fault. same(a, b)
-// compares two sets of values. progress(step) is told 'sending', then 'reading'. Resolves to
-// {end, values}: values as read back, or null when that failed.
+// load() gives {result, values}, send() {result, ms}; both may throw a Fault. progress(step) hears
+// 'sending', then 'reading'. Gives {end, values}: values as read back, or null.
 export async function save({load, send, same, before, sent, progress, pauseMs = kPauseMs}) {
   let reply = null;
   let fault = null;

@@ -1,6 +1,6 @@
 // Security: the password, and the lock after wrong passwords.
 import {query} from './api.js';
-import {el} from './dom.js';
+import {card, el, facts} from './dom.js';
 import {kSections} from './fields.js';
 import {SectionForm} from './form.js';
 import {toEntities} from './gbk.js';
@@ -57,10 +57,8 @@ class LockCard {
     this.state = el('dd', {});
     this.button = el('button', {type: 'button', disabled: true, onclick: () => this.reset()},
         t('lock.reset'));
-    const fact = (key, value) => el('div', {}, el('dt', {}, t(key)), value);
-    this.node = el('section', {class: 'card form', id: 'lock', 'aria-labelledby': 'lock-title'},
-        el('h2', {id: 'lock-title'}, t('section.lock')), el('p', {class: 'hint'}, t('lock.help')),
-        el('dl', {class: 'facts'}, fact('lock.count', this.count), fact('lock.state', this.state)),
+    this.node = card('lock', t('section.lock'), el('p', {class: 'hint'}, t('lock.help')),
+        facts([[t('lock.count'), this.count], [t('lock.state'), this.state]]),
         this.notice.node, el('div', {class: 'actions'}, this.button));
   }
 
@@ -103,7 +101,7 @@ class LockCard {
   }
 }
 
-openPage('security', ['page.css', 'sets.css'], async (main) => {
+openPage('security', async (main) => {
   const form = new SectionForm('security', password);
   const lock = new LockCard();
   main.append(el('div', {class: 'cards'}, form.node, lock.node));

@@ -1,8 +1,8 @@
-// What every page behind the login has: the gate, the header and the navigation. A page calls
-// openPage with its name and fills the element that it gets.
+// What every page behind the login has: the gate, the header, the navigation.
 import {Fault, passGate, sheetUrl} from './api.js';
 import {el, icon} from './dom.js';
-import {chooseLanguage, loadLanguage, preferredLanguage, t} from './i18n.js';
+import {loadLanguage, t} from './i18n.js';
+import {languageSwitch} from './language.js';
 import {endSession} from './store.js';
 
 const kPages = ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance'];
@@ -11,7 +11,6 @@ export function goToLogin(page) {
   location.replace(`login.html#${page}`);
 }
 
-// A guarded style sheet, asked for in the form that the service's gate reads.
 function sheet(name) {
   return new Promise((arrived, failed) => {
     document.head.append(el('link', {
@@ -23,22 +22,12 @@ function sheet(name) {
   });
 }
 
-export function languageSwitch(after) {
-  const other = preferredLanguage() === 'zh' ? 'en' : 'zh';
-  return el('button', {
-    type: 'button',
-    class: 'quiet',
-    lang: other === 'zh' ? 'zh-CN' : 'en',
-    onclick: () => { chooseLanguage(other); after(); },
-  }, t('language.other'));
-}
-
 function header(page) {
   const leave = () => { endSession(); goToLogin(page); };
   return el('header', {class: 'bar'},
       el('a', {class: 'brand', href: 'status.html'}, icon('recorder'), el('span', {}, t('brand'))),
       el('div', {class: 'tools'},
-          languageSwitch(() => location.reload()),
+          languageSwitch(),
           el('button', {type: 'button', class: 'quiet', id: 'leave', onclick: leave},
               icon('out'), el('span', {}, t('leave')))));
 }
@@ -53,8 +42,7 @@ function navigation(page) {
 
 function frame(page) {
   const main = el('main', {id: 'main', tabindex: '-1'},
-      el('div', {class: 'heading'}, el('h1', {}, t(`page.${page}`)),
-          el('p', {class: 'lead'}, t(`lead.${page}`))));
+      el('h1', {}, t(`page.${page}`)));
   const app = document.getElementById('app');
   app.replaceChildren(el('a', {class: 'skip', href: '#main'}, t('skip')), header(page),
       navigation(page), main);
@@ -63,16 +51,18 @@ function frame(page) {
 
 function showFault(app, kind) {
   app.replaceChildren(el('main', {class: 'stop'},
-      el('h1', {}, t(`fault.${kind}`)), el('p', {}, t(`fault.${kind}.help`)),
+      el('h1', {}, t(`load.${kind}`)),
       el('button', {type: 'button', onclick: () => location.reload()}, t('again'))));
   app.hidden = false;
 }
 
-// Shows the page when its style sheets have come; without a valid session it stays hidden and the
-// login follows. `fill(main)` builds the content.
-export async function openPage(page, sheets, fill) {
+// Shows the page when its guarded style sheets have come; without a session the login follows.
+// fill(main) builds the content. All pages but the status have forms.
+export async function openPage(page, fill) {
   const app = document.getElementById('app');
-  const language = loadLanguage(sheets.includes('sets.css') ? ['', '-sets'] : ['']);
+  const forms = page !== 'status';
+  const sheets = ['page.css', ...(forms ? ['sets.css'] : [])];
+  const language = loadLanguage(['', ...(forms ? ['-sets'] : [])]);
   try {
     await passGate(() => sheets.map(sheet));
     await language;

@@ -1,6 +1,6 @@
 // Status: what the recorder is doing, read again every few seconds while the page is looked at.
 import {query} from './api.js';
-import {el, icon} from './dom.js';
+import {card, el, facts, icon} from './dom.js';
 import {t} from './i18n.js';
 import {Notice} from './notice.js';
 import {openPage} from './shell.js';
@@ -12,115 +12,107 @@ const kBars = 5;
 const isSet = (value) => Number(value) > 0;
 
 // How a value of the reply is shown: a class for its tone, and its words.
-const plain = (text) => ({text: text || t('value.none')});
-const yesNo = (value, yes, no) => ({text: t(isSet(value) ? yes : no), tone: isSet(value) ? 'on' : 'off'});
+const plain = (text) => ({text: text.trim() || t('value.none')});
+const yesNo = (value, yes, no) =>
+  isSet(value) ? {text: t(yes), tone: 'on'} : {text: t(no), tone: 'off'};
 const link = (value) => yesNo(value, 'status.online', 'status.offline');
 const fitted = (value) => yesNo(value, 'status.fitted', 'status.missing');
 
 // Modules count 0 to 31 (99: unknown); larger numbers are a percentage.
-export function signalBars(value) {
-  const signal = Number(value);
-  if (signal === 99 || signal < 0) return null;
-  return Math.min(kBars, Math.ceil((signal <= 31 ? signal / 31 : signal / 100) * kBars));
-}
-
 function signal(value) {
-  const count = signalBars(value);
-  if (count === null) return {text: t('status.unknown'), bars: 0};
-  return {text: t('status.signal', {bars: count, most: kBars, value}), bars: count};
+  const level = Number(value);
+  if (level === 99 || level < 0) return {text: t('status.unknown')};
+  const bars = Math.min(kBars, Math.ceil(level / (level <= 31 ? 31 : 100) * kBars));
+  const marks = Array.from({length: kBars}, (_, i) => i < bars);
+  return {text: t('status.signal', {bars, most: kBars, value}), style: 'bars', marks};
 }
 
-// Inputs as a row of digits, one light each; anything else is shown as it comes.
-const inputs = (text) => /^[01]{1,32}$/.test(text) ? {text, lights: [...text]} : plain(text);
+// A row of digits gets a light each; anything else is shown as it comes.
+const inputs = (text) => /^[01]+$/.test(text) ?
+  {text, style: 'lights', marks: [...text].map(isSet)} : plain(text);
 
-const disk = (n) => (s) =>
-  isSet(s[`disk${n}Exist`]) ? {...plain(s[`disk${n}Size`]), tone: 'on'} : fitted('0');
+const disk = (exists, size) => isSet(exists) ? {...plain(size), tone: 'on'} : fitted(exists);
+const mode = (word) => plain(t(word === 'Client' ? 'workMode.1' : 'workMode.2'));
+const ignition = (value) => yesNo(value, 'on', 'off');
 
-// One row per card: its rows of label key and how the value is made of the reply.
+// One row per card; its rows: label key, how the value is shown, the reply's keys.
 const kCards = [
   ['gps', 'pin', [
-    ['gps.module', (s) => fitted(s.ucFD_GpsExist)],
-    ['gps.position', (s) => plain(s.strFD_GpsPos)],
+    ['gps.module', fitted, 'ucFD_GpsExist'],
+    ['gps.position', plain, 'strFD_GpsPos'],
   ]],
   ['mobile', 'mobile', [
-    ['mobile.module', (s) => fitted(s.ucFD_GNetExist)],
-    ['mobile.dial', (s) => link(s.ucFD_GNetDail)],
-    ['mobile.signal', (s) => signal(s.uiFD_GNetSignal)],
-    ['mobile.sim', (s) => fitted(s.ucFD_SimExist)],
-    ['mobile.imei', (s) => plain(s.strFD_GNetIMEI)],
-    ['mobile.imsi', (s) => plain(s.ucFD_SimIMSI)],
-    ['mobile.iccid', (s) => plain(s.ucFD_SimICCID)],
-    ['mobile.revision', (s) => plain(s.strFD_GNetRevision.trim())],
+    ['module', fitted, 'ucFD_GNetExist'],
+    ['dial', link, 'ucFD_GNetDail'],
+    ['signal', signal, 'uiFD_GNetSignal'],
+    ['mobile.sim', fitted, 'ucFD_SimExist'],
+    ['mobile.imei', plain, 'strFD_GNetIMEI'],
+    ['mobile.imsi', plain, 'ucFD_SimIMSI'],
+    ['mobile.iccid', plain, 'ucFD_SimICCID'],
+    ['mobile.revision', plain, 'strFD_GNetRevision'],
   ]],
   ['wifi', 'network', [
-    ['wifi.module', (s) => fitted(s.ucFD_WifiExist)],
-    ['wifi.mode', (s) => plain(t(s.ucFD_WifiMode === 'Client' ? 'workMode.1' : 'workMode.2'))],
-    ['wifi.dial', (s) => link(s.ucFD_WifiDail)],
-    ['wifi.signal', (s) => signal(s.uiFD_WifiSignal)],
+    ['module', fitted, 'ucFD_WifiExist'],
+    ['wifi.mode', mode, 'ucFD_WifiMode'],
+    ['dial', link, 'ucFD_WifiDail'],
+    ['signal', signal, 'uiFD_WifiSignal'],
   ]],
   ['platforms', 'platforms', [
-    ['platform.cms', (s) => link(s.ucFD_CmsStatus)],
-    ['platform.address', (s) => plain(s.uiFD_IP)],
-    ['platform.jtt808', (s) => link(s.ucFD_JTT808Status)],
-    ['platform.gb28181', (s) => link(s.ucFD_GB28181Status)],
+    ['platform.cms', link, 'ucFD_CmsStatus'],
+    ['address', plain, 'uiFD_IP'],
+    ['platform.jtt808', link, 'ucFD_JTT808Status'],
+    ['platform.gb28181', link, 'ucFD_GB28181Status'],
   ]],
-  ['disks', 'disk', [['disk.1', disk(1)], ['disk.2', disk(2)]]],
-  ['io', 'plug', [['io.inputs', (s) => inputs(s.strFD_IOStatus)]]],
+  ['disks', 'disk', [
+    ['disk.1', disk, 'disk1Exist', 'disk1Size'], ['disk.2', disk, 'disk2Exist', 'disk2Size'],
+  ]],
+  ['io', 'plug', [['io.inputs', inputs, 'strFD_IOStatus']]],
   ['versions', 'chip', [
-    ['version.app', (s) => plain(s.strFD_AppVersion)],
-    ['version.mcu', (s) => plain(s.strFD_McuVersion)],
-    ['version.boot', (s) => plain(s.strFD_LdrVersion)],
-    ['version.kernel', (s) => plain(s.strFD_KnlVersion)],
-    ['version.files', (s) => plain(s.strFD_RfsVersion)],
-    ['version.data', (s) => plain(s.strFD_DbtVersion)],
+    ['version.app', plain, 'strFD_AppVersion'],
+    ['version.mcu', plain, 'strFD_McuVersion'],
+    ['version.boot', plain, 'strFD_LdrVersion'],
+    ['version.kernel', plain, 'strFD_KnlVersion'],
+    ['version.files', plain, 'strFD_RfsVersion'],
+    ['version.data', plain, 'strFD_DbtVersion'],
   ]],
 ];
 const kSummary = [
-  ['summary.device', (s) => plain(s.strFD_DeviceNo)],
-  ['summary.ignition', (s) => yesNo(s.ucFD_AccStatus, 'on', 'off')],
-  ['summary.network', (s) => link(s.ucFD_NetStatus)],
+  ['deviceNo', plain, 'strFD_DeviceNo'],
+  ['ignition', ignition, 'ucFD_AccStatus'],
+  ['page.network', link, 'ucFD_NetStatus'],
 ];
 
-function barsNode(count) {
-  return el('span', {class: 'bars', 'aria-hidden': 'true'},
-      Array.from({length: kBars}, (_, i) => el('i', {class: i < count ? 'full' : ''})));
-}
-
-const lightsNode = (lights) => el('span', {class: 'lights', 'aria-hidden': 'true'},
-    lights.map((light) => el('i', {class: light === '1' ? 'full' : ''})));
-
 function show(node, value) {
+  const {text, tone = '', style, marks} = value;
   if (node.shown === JSON.stringify(value)) return;
   node.shown = JSON.stringify(value);
-  node.className = value.tone || '';
-  node.replaceChildren(...[
-    value.bars !== undefined && barsNode(value.bars), value.lights && lightsNode(value.lights),
-    el('span', {}, value.text),
-  ].filter(Boolean));
+  node.className = tone;
+  const mark = (full) => el('i', {class: full && 'full'});
+  const picture = marks && el('span', {class: style, 'aria-hidden': 'true'}, marks.map(mark));
+  node.replaceChildren(picture || '', el('span', {}, text));
 }
 
-export class StatusView {
+class StatusView {
   constructor() {
     this.cells = [];
     this.notice = new Notice();
     this.moment = el('p', {class: 'moment'});
     const cards = kCards.map(([name, sign, rows]) =>
-      el('section', {class: 'card', id: name, 'aria-labelledby': `${name}-title`},
-          el('h2', {id: `${name}-title`}, icon(sign), t(`card.${name}`)), this.list('facts', rows)));
+      card(name, [icon(sign), t(`section.${name}`)], this.list(rows)));
     this.node = el('div', {class: 'live', 'aria-busy': 'true'}, this.notice.node,
-        this.list('summary', kSummary), el('div', {class: 'cards'}, cards), this.moment);
+        this.list(kSummary, 'summary'), el('div', {class: 'cards'}, cards), this.moment);
   }
 
-  list(style, rows) {
-    return el('dl', {class: style}, rows.map(([key, make]) => {
+  list(rows, style) {
+    return facts(rows.map(([key, make, ...names]) => {
       const cell = el('dd', {});
-      this.cells.push([cell, make]);
-      return el('div', {}, el('dt', {}, t(key)), cell);
-    }));
+      this.cells.push([cell, make, names]);
+      return [t(key), cell];
+    }), style);
   }
 
   fill(reply) {
-    for (const [cell, make] of this.cells) show(cell, make(reply));
+    for (const [cell, make, names] of this.cells) show(cell, make(...names.map((n) => reply[n])));
     this.node.setAttribute('aria-busy', 'false');
     this.node.classList.remove('stale');
     this.notice.say();
@@ -162,7 +154,7 @@ export class StatusView {
   }
 }
 
-openPage('status', ['page.css'], (main) => {
+openPage('status', (main) => {
   const view = new StatusView();
   main.append(view.node);
   return view.watch();

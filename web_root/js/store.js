@@ -1,5 +1,4 @@
-// Small memory in the browser: language for good, drafts for the tab, the session for the browser's
-// run. A browser that forbids storage loses only the convenience.
+// Memory of the browser: language, drafts, session. Without it only convenience is lost.
 
 function attempt(work, otherwise) {
   try {
@@ -11,7 +10,6 @@ function attempt(work, otherwise) {
 
 export const remember = (key, value) => attempt(() => localStorage.setItem(key, value));
 export const recall = (key) => attempt(() => localStorage.getItem(key), null);
-export const forget = (key) => attempt(() => localStorage.removeItem(key));
 
 export const saveDraft = (key, draft) =>
   attempt(() => sessionStorage.setItem(`draft.${key}`, JSON.stringify(draft)));
@@ -19,7 +17,7 @@ export const loadDraft = (key) =>
   attempt(() => JSON.parse(sessionStorage.getItem(`draft.${key}`)), null);
 export const dropDraft = (key) => attempt(() => sessionStorage.removeItem(`draft.${key}`));
 
-// A cookie without a lifetime: it ends with the browser and all its tabs share it.
+// A cookie that ends with the browser and that its tabs share.
 export function sessionId() {
   const match = /(?:^|;\s*)jsession=([0-9a-f]{32})(?:;|$)/.exec(document.cookie);
   return match ? match[1] : null;

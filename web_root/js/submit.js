@@ -1,5 +1,5 @@
-// Runs the save of a form: the session is still good, nobody changed the section meanwhile, send,
-// follow the restart, read back, say how it ended. Whatever happens, what was typed stays.
+// Saves a form: checks session and changes made elsewhere, sends, reads back, says how it ended.
+// Whatever happens, what was typed stays.
 import {renewSession, send} from './api.js';
 import {el} from './dom.js';
 import {toEntities} from './gbk.js';

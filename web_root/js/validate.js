@@ -1,5 +1,4 @@
-// Checks a value against its field before it is sent: in the bytes that the recorder stores and
-// that the message carries, not in characters. Pure functions.
+// Checks a value against its field, in the bytes that are stored and that travel.
 import {storedLength, unstorable, wireLength} from './gbk.js';
 
 const kIpv4 = /^(?:(?:25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)(?:\.(?!$)|$)){4}$/;
@@ -53,8 +52,8 @@ const kChecks = {
   clock: (field, value) => kClock.test(value) ? null : problem('error.clock'),
 };
 
-// null, or the text key and values of what is wrong. A value that the recorder itself holds is
-// right in form; only its length on the way is still checked.
+// null, or the text key and values of what is wrong. What the recorder itself holds is right in
+// form; only its length is checked.
 export function check(field, value, values, loaded) {
   if (field.when && !field.when(values)) return null;
   const special = field.check && field.check(value, values);

@@ -1,9 +1,9 @@
-// Video: mirror, main and sub stream of the first camera.
+// Video: main and sub stream, mirror of the first camera.
 import {kSections} from './fields.js';
 import {fillForms, SectionForm} from './form.js';
 import {openPage} from './shell.js';
 
-openPage('video', ['page.css', 'sets.css'], (main) => {
-  const {mirror, mainStream, subStream} = kSections;
-  return fillForms(main, [mirror, mainStream, subStream].map((s) => new SectionForm('video', s)));
+openPage('video', (main) => {
+  const {mainStream, subStream, mirror} = kSections;
+  return fillForms(main, [mainStream, subStream, mirror].map((s) => new SectionForm('video', s)));
 });

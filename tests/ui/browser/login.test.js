@@ -76,7 +76,7 @@ test('the fifth wrong entry locks, the lock shows the time left and ends', async
   assert.ok(await page.locator('button[type=submit]').isDisabled());
   await page.reload();
   await page.locator('.left:not([hidden])').waitFor();
-  await setLock(5, now() - kOffset - 3597);  // three seconds left
+  await setLock(5, now() - kOffset - 3590);  // ten seconds left, some of them for the restart
   await page.reload();
   await tone(page, 'info');
   assert.match(await status(page), /lock has ended/);
@@ -114,9 +114,9 @@ test('a session that ends in the middle of a form loses no input', async () => {
   await visit(rig, page, 'network');
   await field(page, 'WifiInfo', 'strFD_SSID').fill('车队二号');
   for (let i = 0; i < 5; i++) {  // the sixth login pushes the first out
+    await new Promise((resume) => { setTimeout(resume, 1050); });  // identifiers are per second
     await post('cmp_UserSecurity', `strFD_AdminPasswd=${kPassword}`,
         {Referer: `${rig.url}/login.html`});
-    await new Promise((resume) => { setTimeout(resume, 1050); });  // identifiers are per second
   }
   await page.click('#WifiInfo .main');
   await page.waitForURL('**/login.html#network');

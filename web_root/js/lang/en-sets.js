@@ -1,4 +1,4 @@
-// English: the pages with forms. One line a text: key, blank, text.
+// English, the pages with forms. A line is a key, a blank and the text.
 export default `
 save Save
 discard Discard changes
@@ -6,7 +6,6 @@ cancel Cancel
 reveal Show
 choice.other Other ({value})
 value.absent not there
-
 state.loading Reading from the recorder…
 state.draft Your unsaved changes are back.
 state.unchanged Nothing has been changed.
@@ -17,16 +16,14 @@ state.restarting Sent. The service restarts when the recorder accepts; please wa
 state.reading Reading back from the recorder…
 state.progress In progress
 state.elsewhere Nothing sent: somebody changed this section since you opened it.
-state.elsewhere.next Your own changes are still here. Check them and save again.
-
+state.elsewhere.next What you typed is still here. Check it and save again.
 end.applied Saved. The recorder was read again and holds these values.
 end.adjusted Saved in part. The recorder holds other values here:
-end.refused Refused by the recorder. Its values have not changed; yours are still here.
-end.silent The recorder does not answer. Nothing is known to be saved; your values are still here.
-end.noservice The web service does not answer. It is unknown whether the values arrived; they are still here.
-end.lost Connection lost. It is unknown whether the values arrived; they are still here.
-end.unreadable The answer cannot be read. It is unknown whether the values arrived; they are still here.
-
+end.refused Refused by the recorder. Its values have not changed.
+end.silent The recorder does not answer. Nothing is known to be saved.
+end.noservice The web service does not answer. Whether the values arrived is unknown.
+end.lost Connection lost. Whether the values arrived is unknown.
+end.unreadable The answer cannot be read. Whether the values arrived is unknown.
 limit.range {min} to {max}.
 limit.bytes Up to {most} bytes.
 limit.between {least} to {most} bytes.
@@ -43,33 +40,22 @@ error.clock Please choose date and time.
 error.choose Two different IDs: please choose one.
 error.current This is not the present password.
 error.repeat The two new passwords differ.
-
 section.base Number and clock
-deviceNo Device number
-deviceNo.help Under this number the platforms know the recorder.
 timeZone Time zone
 timeZone.help The recorder’s own zone number.
 gpsTime Set the clock by positioning
-gpsTime.help The clock follows the satellites when there is a position.
 clock Clock
-clock.help Above: the recorder’s time when last read.
 clock.keep Leave as it is
 clock.now Set to this device’s time
 clock.set Set to another time
 clock.chosen Other time
-
 section.mirror Mirror
 leftRight Swap left and right
-leftRight.help For cameras that look backwards.
 upDown Swap up and down
-upDown.help For cameras mounted upside down.
 section.mainStream Main stream
 section.subStream Sub stream
-frameRate Frame rate
-frameRate.help Pictures per second.
-bitRate Bit rate
-bitRate.help In kbit/s.
-
+frameRate Frame rate (pictures per second)
+bitRate Bit rate (kbit/s)
 code.help The recorder’s own number.
 section.netMode Network mode
 netType Mode number
@@ -78,8 +64,6 @@ localIp IP address
 netMask Network mask
 gateWay Gateway
 mac MAC address
-mac.help Six pairs of hexadecimal digits.
-section.wifi Wi-Fi
 workMode Working mode
 workMode.help Station joins a network, access point opens one.
 ssid Network name (SSID)
@@ -87,29 +71,23 @@ wifiPassword Wi-Fi password
 authMode Authentication number
 cryptType Cipher number
 dhcp Give out addresses (DHCP)
-dhcp.help Devices that join get an address from the recorder.
-wifi.ap Shown are the access point’s stored values. Recorders usually take the mode alone and keep these.
-wifi.station Shown are the station’s stored values.
-wifi.unknown The other mode’s values could not be read: check name and password before saving.
-section.mobile Mobile network
+wifi.ap These are the access point’s stored values. Most recorders take the mode alone and keep them.
+wifi.station These are the station’s stored values.
+wifi.unknown The other mode’s values could not be read: check name and password.
 mobileType Network type number
 apn Access point name (APN)
 phoneNo Dial number
 userName User name
-password Password
 move.title Change the address of this recorder?
-move.text These pages will then be at {origin}. This page waits for the recorder there and follows it.
-move.hint Your device must be in the same network as the new address to reach it.
+move.text These pages will then be at {origin}. This page waits for the recorder and follows it.
+move.hint Your device must be able to reach the new address.
 move.go Change address
 move.waiting Sent. Waiting for the recorder at {origin} …
-move.silent The address was sent, but nothing answers there yet. Open it when your device can reach it:
-
+move.silent The address was sent, but nothing answers there yet:
 section.server Platform server
 addressType Address by
 addressType.0 IP address
 addressType.1 Domain name
-address Server address
-address.help An IP address or a domain name, as chosen above.
 port Port
 section.gb28181 GB28181 platform
 gbEnable Connect to the platform
@@ -119,15 +97,12 @@ streamType.0 Type 0
 streamType.1 Type 1
 manufacturer Manufacturer
 modelName Model
-serverIp Server address
 serverPort Server port
 serverId Server ID
 deviceId Device ID
 devicePort Device port
-deviceUser User
-devicePass Password
 id.title Channel IDs
-id.help The lens ID of channel 3 is at the same time the alarm-input ID of channel 1, and so on: one place holds both. Up to 31 bytes each.
+id.help The lens ID of channel 3 is also the alarm-input ID of channel 1, and so on: one place holds both. Up to 31 bytes each.
 id.channel Channel
 id.lensHead Lens ID
 id.alarmHead Alarm-input ID
@@ -136,12 +111,11 @@ id.alarm Alarm-input ID of channel {channel}
 id.shared , also lens ID of channel {channel}
 id.twin Same as alarm-input ID of channel {channel}
 id.open The recorder holds lens {lens} and alarm input {alarm}
-id.conflict The recorder holds different IDs in places that can only be written as one. Saving needs your choice:
+id.conflict The recorder holds two IDs in places that can only be written as one. Please choose:
 id.keepLens Keep lens IDs
 id.keepAlarm Keep alarm-input IDs
-id.hidden The recorder also holds IDs for channels that it does not have. Saving overwrites them:
+id.hidden Saving also overwrites IDs of channels that this recorder does not have:
 id.hiddenRow Channel {channel}: lens {lens}, alarm input {alarm}
-
 section.changePassword Password
 currentPassword Present password
 newPassword New password
@@ -154,15 +128,13 @@ lock.state Sign-in
 lock.open Open
 lock.locked Locked for {time} more
 lock.reset Set counter to zero
-
-section.versions Versions
 section.export Save configuration to a file
-export.help All settings in one file, passwords included. Keep it safe.
+export.help All settings in one file, passwords included.
 export.go Export
 export.busy Reading all settings…
 export.done Handed to the browser as {name}.
 section.import Restore configuration from a file
-import.help The file is checked here and compared with the recorder. Nothing is sent before you agree.
+import.help The file is checked and compared here. Nothing is sent before you agree.
 import.choose Choose a file
 import.none No file chosen
 import.comparing Comparing the file with the recorder…
@@ -173,7 +145,6 @@ import.char The recorder cannot store the character {char} in {path}.
 import.long This configuration is too long: {used} bytes, at most {limit}.
 import.same The recorder already holds everything in this file.
 import.count Settings that would change: {count}
-import.table Settings that would change
 import.setting Setting
 import.now Recorder now
 import.file File
@@ -182,7 +153,7 @@ import.question Settings that change: {count}. The service restarts afterwards.
 import.go Import
 section.recorderLanguage Language
 language Language of the recorder
-language.help Of its own screen, and first choice of these pages. The button above changes only this browser.
+language.help For its own screen, and first choice of these pages. The button above changes only this browser.
 language.zh Chinese
 language.en English
 `;
