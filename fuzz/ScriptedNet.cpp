@@ -8,8 +8,6 @@
 
 namespace {
 
-// Small, so that an input can reach it.
-constexpr size_t kReceiveLimit = 24000;
 constexpr sock_t kSock = 0;  // stands for the client's; nothing reads or writes it
 
 mg_connection* g_pClient = nullptr;  // null once the service has closed it
@@ -83,7 +81,7 @@ CScriptedNet::CScriptedNet(void (*pfnHandler)(mg_connection*, int, void*)) {
   mg_mgr_init_opt(&m_mgr, nullptr, opts);
   m_pListener = mg_bind(&m_mgr, "80", pfnHandler);
   Require(m_pListener != nullptr);
-  m_pListener->recv_mbuf_limit = kReceiveLimit;
+  ResumeReceiving(m_mgr);
   mg_set_protocol_http_websocket(m_pListener);
 }
 
@@ -104,6 +102,7 @@ void CScriptedNet::Connect() {
 
 void CScriptedNet::Poll() {
   mg_mgr_poll(&m_mgr, 0);
+  ResumeReceiving(m_mgr);
   CloseIdleConnections(m_mgr);
 }
 

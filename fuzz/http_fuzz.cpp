@@ -3,10 +3,13 @@
 //   0x1E  begins the next reply of the device
 //   0x1F  ends a piece: what stands before it arrives at once
 //   0x1D  the client goes away and another one comes
-//   0x1C  the client reads what it has been sent
+//   0x1C  the client reads what it has been sent, as it does before it goes away
+//   0x1B  the client goes away at once, whatever it has been sent
 // Whatever arrives: endpoints answer only whole requests, with well-formed replies; only the
 // endpoints that set send a DEVICE_SET; what waits to be sent is bounded; no file outside the
 // document root gets out.
+#include <unistd.h>
+
 #include <algorithm>
 
 #include "CBB/WebCtrl/HttpLoop.h"
@@ -23,6 +26,7 @@ constexpr char kReplyMark = '\x1E';
 constexpr char kPieceMark = '\x1F';
 constexpr char kClientMark = '\x1D';
 constexpr char kReadMark = '\x1C';
+constexpr char kAbortMark = '\x1B';
 
 // What stands in the file beside the document root.
 constexpr std::string_view kOutsideText = "not for browsers";
@@ -128,16 +132,31 @@ bool HasOutsideText(std::string_view text) {
   return text.find(kOutsideText) != std::string_view::npos;
 }
 
+void ReceivePieces(CScriptedNet& net, std::string_view bytes) {
+  for (const std::string_view piece : Split(bytes, kPieceMark)) {
+    net.Receive(piece);
+    Require(net.Unread() <= kMostUnread);
+  }
+}
+
 void PlayClient(CScriptedNet& net, std::string_view stream, bool bMayEcho) {
   net.Connect();
   for (const std::string_view part : Split(stream, kReadMark)) {
-    for (const std::string_view piece : Split(part, kPieceMark)) {
-      net.Receive(piece);
-      Require(net.Unread() <= kMostUnread);
-    }
+    const size_t nAbort = part.find(kAbortMark);
+    ReceivePieces(net, part.substr(0, nAbort));
+    if (nAbort != std::string_view::npos) break;
     Require(!HasOutsideText(net.Read()) || bMayEcho);
   }
   net.Disconnect();
+}
+
+// Every file that was opened for a client is closed when it has gone.
+void CheckDescriptors() {
+  static int s_nNext = -1;
+  const int nNext = dup(STDERR_FILENO);
+  close(nNext);
+  if (s_nNext < 0) s_nNext = nNext;
+  Require(nNext == s_nNext);
 }
 
 }  // namespace
@@ -157,6 +176,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   CScriptedNet net(Probe);
   for (const std::string_view client : Split(stream, kClientMark)) {
     PlayClient(net, client, HasOutsideText(input));
+    CheckDescriptors();
   }
   return 0;
 }

@@ -19,6 +19,7 @@ namespace {
 constexpr const char* kPort = "80";
 constexpr int kPollMs = 1000;
 constexpr size_t kMaxRequestBytes = 1024 * 1024;
+constexpr size_t kMaxUnreadBytes = 1024 * 1024;
 constexpr rlim_t kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
 
 // What the include calls of the pages print.
@@ -62,8 +63,11 @@ bool TakeBody(const mg_connection& conn, http_message& msg) {
   return true;
 }
 
+// A client that asks on and on without reading the replies must not fill the memory.
+bool IsUnread(const mg_connection& conn) { return conn.send_mbuf.len > kMaxUnreadBytes; }
+
 void HandleRequest(mg_connection* pConn, http_message* pMsg) {
-  if (!TakeBody(*pConn, *pMsg)) {
+  if (IsUnread(*pConn) || !TakeBody(*pConn, *pMsg)) {
     pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
     pMsg->message.len = pConn->recv_mbuf.len;  // or the library would look at the same bytes again
     return;
@@ -87,6 +91,7 @@ mg_serve_http_opts& HttpOptions() {
 
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
   try {
+    if (nEvent == MG_EV_RECV) pConn->recv_mbuf_limit = 0;  // until the others have had their turn
     if (nEvent == MG_EV_HTTP_REQUEST) HandleRequest(pConn, static_cast<http_message*>(pData));
     if (nEvent == MG_EV_SSI_CALL) PrintSetting(pConn, static_cast<const char*>(pData));
   } catch (const std::bad_alloc&) {
@@ -94,6 +99,13 @@ void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
   }
   // What is to be sent may have a gap. No byte of it leaves.
   if (IsMemoryShort() && pConn->listener != nullptr) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
+}
+
+void ResumeReceiving(mg_mgr& mgr) {
+  for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
+    p->recv_mbuf_limit = kMaxRequestBytes;
+    if (p->recv_mbuf.len >= kMaxRequestBytes) p->flags |= MG_F_CLOSE_IMMEDIATELY;
+  }
 }
 
 int ConnectionLimit() {
@@ -141,6 +153,7 @@ int RunHttpLoop(const char* pszWebRoot) {
   const int nLimit = ConnectionLimit();
   for (;;) {
     mg_mgr_poll(&mgr, kPollMs);
+    ResumeReceiving(mgr);
     const bool bShort = TakeMemoryShortage();
     if (bShort) puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
     CloseIdleConnections(mgr, bShort ? 0 : nLimit);

@@ -17,6 +17,11 @@ int RunHttpLoop(const char* pszWebRoot);
 // short, the connection is closed and what was to be sent is dropped.
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData);
 
+// Lets every connection receive again: one that has received takes no more in the same poll, else a
+// client that sends without a pause would be the only one served. Closes those whose request is
+// longer than the service takes. Called between two polls.
+void ResumeReceiving(mg_mgr& mgr);
+
 // How many connections may be open at a time: kMaxConnections, or what the process's limit of
 // descriptors leaves, but one at least.
 int ConnectionLimit();

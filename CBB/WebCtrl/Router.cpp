@@ -57,6 +57,8 @@ constexpr CRoute kRoutes[] = {
 
 // Serves the URI as a file below the document root.
 void ServeFile(mg_connection* pConn, http_message* pMsg) {
+  // Who goes away gets no more; the library would forget, open, the file that it is still sending.
+  if ((pConn->flags & MG_F_CLOSE_IMMEDIATELY) != 0) return;
   // The library reads this date as terminated text, which the received bytes are not.
   std::string strDate;
   if (mg_str* pDate = mg_get_http_header(pMsg, "If-Modified-Since")) {

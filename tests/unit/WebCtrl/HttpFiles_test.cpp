@@ -128,6 +128,21 @@ TEST_F(HttpFilesTest, LeavesNoDescriptorOpen) {
   EXPECT_EQ(nNext, nLater);
 }
 
+// The second request waits until the first file is sent, and is delivered when the client goes.
+TEST_F(HttpFilesTest, LeavesNoFileOpenForAClientThatGoes) {
+  Write("root/large.css", std::string(20000, 'x'));
+  const int nNext = open("/dev/null", O_RDONLY);
+  close(nNext);
+  {
+    CHttpConn conn;
+    conn.Receive("GET /large.css HTTP/1.1\r\n\r\nGET /large.css HTTP/1.1\r\n\r\n");
+    conn.Break();
+  }
+  const int nLater = open("/dev/null", O_RDONLY);
+  close(nLater);
+  EXPECT_EQ(nNext, nLater);
+}
+
 TEST_F(HttpFilesTest, WritesNothing) {
   const std::string strPath = Path("root/page.css");
   FILE* const pFile = mg_fopen(strPath.c_str(), "w+b");

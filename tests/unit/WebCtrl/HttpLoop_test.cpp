@@ -85,6 +85,43 @@ TEST(HttpEvent, ClosesOnNegativeContentLength) {
   }
 }
 
+TEST(HttpEvent, ClosesOnAClientThatNeverReads) {
+  constexpr size_t kMiB = 1024 * 1024;
+  CHttpConn conn;
+  for (int nPiece = 0; nPiece < 100 && !conn.IsClosing(); ++nPiece) {
+    EXPECT_LE(conn.Sent().size(), kMiB + 1024);
+    std::string strRequests;
+    for (int i = 0; i < 500; ++i) strRequests += kGet;
+    conn.Receive(strRequests);
+  }
+  EXPECT_TRUE(conn.IsClosing());
+  EXPECT_GT(conn.Sent().size(), kMiB);
+  EXPECT_LE(conn.Sent().size(), kMiB + 1024);
+}
+
+TEST(HttpEvent, TakesNoMoreFromAClientInTheSamePoll) {
+  CHttpConn conn;
+  conn.Receive("GET /");
+  EXPECT_EQ(0U, conn.Get()->recv_mbuf_limit);
+  EXPECT_FALSE(conn.IsClosing());
+}
+
+TEST(ResumeReceiving, ClosesOnRequestsBeyondOneMiB) {
+  constexpr size_t kMiB = 1024 * 1024;
+  mg_connection conns[3] = {};
+  mg_mgr mgr{};
+  mgr.active_connections = &conns[0];
+  conns[0].next = &conns[1];
+  conns[1].next = &conns[2];
+  conns[1].recv_mbuf.len = kMiB - 1;
+  conns[2].recv_mbuf.len = kMiB;
+  ResumeReceiving(mgr);
+  for (const mg_connection& conn : conns) EXPECT_EQ(kMiB, conn.recv_mbuf_limit);
+  EXPECT_EQ(0U, conns[0].flags);
+  EXPECT_EQ(0U, conns[1].flags);
+  EXPECT_EQ(static_cast<unsigned long>(MG_F_CLOSE_IMMEDIATELY), conns[2].flags);
+}
+
 TEST(HttpEvent, KeepsTheNextRequestOutOfTheBody) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     CDevice device([](const std::string&) { return R"(<VariCfgSec Action="" Result="1"/>)"; });
