@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "CBB/Util/Descriptors.h"
 #include "CBB/WebCtrl/WebCtrl.h"
@@ -13,6 +14,7 @@ namespace {
 constexpr const char* kDeviceIp = "127.0.0.1";
 constexpr int kDevicePort = 6000;
 constexpr size_t kMaxPath = 128;
+constexpr size_t kMaxWebRoot = 126;
 
 // The folder of the executable with its closing '/', in pszFolder (256 zeroed bytes). Returns -1
 // for a path of more than 127 characters or one that cannot be read.
@@ -39,9 +41,8 @@ int main() {
     puts("***Error***");
     exit(-1);
   }
-  char szWebRoot[128] = {};
-  snprintf(szWebRoot, sizeof(szWebRoot) - 1, "%sweb_root", szFolder);
-  printf("web server current absolute path:%s\n", szWebRoot);
-  webCtrl.Start(szWebRoot);
+  const std::string strWebRoot = (std::string(szFolder) + "web_root").substr(0, kMaxWebRoot);
+  printf("web server current absolute path:%s\n", strWebRoot.c_str());
+  webCtrl.Start(strWebRoot.c_str());
   for (;;) sleep(2);
 }
