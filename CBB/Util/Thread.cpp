@@ -22,8 +22,14 @@ int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_
   assert(pfnBody && ppThread);
   std::unique_ptr<stThread> pThread(new (std::nothrow) stThread{});
   if (!pThread) return 3;
-  if (const int nRet = Launch(*pThread, pfnBody, pArg, nStackSize)) return nRet;
-  *ppThread = pThread.release();
+  // In its place before the thread runs: the thread itself may stop it.
+  stThread* const pBefore = *ppThread;
+  *ppThread = pThread.get();
+  if (const int nRet = Launch(*pThread, pfnBody, pArg, nStackSize)) {
+    *ppThread = pBefore;
+    return nRet;
+  }
+  pThread.release();
   return 0;
 }
 

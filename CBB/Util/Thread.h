@@ -2,8 +2,7 @@
 //
 // The block of a running thread belongs to who created it, until ThreadStop. Mutexes are plain
 // (not recursive): locking one twice in a thread is a mistake of ours.
-#ifndef CBB_UTIL_THREAD_H_
-#define CBB_UTIL_THREAD_H_
+#pragma once
 
 #include <pthread.h>
 
@@ -47,13 +46,11 @@ struct stThread {
 
 // Starts a joinable thread that runs pfnBody(pArg) on a stack of nStackSize bytes (0: the default).
 // Returns 0 and stores the new block, owned by the caller, in *ppThread; 3 when there is no memory
-// for the block; 1 when the system refuses the attributes or the thread. *ppThread is touched on
-// success only.
+// for the block; 1 when the system refuses the attributes or the thread. *ppThread holds the
+// block before the thread runs, and keeps what it held on a failure.
 int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_t nStackSize);
 
 // Cancels the thread, waits for its end and frees the block. A thread that has disabled
 // cancellation is waited for until it ends by itself. A thread may stop itself (with cancellation
 // disabled): the join then fails at once, only the block is gone and the thread runs on.
 void ThreadStop(stThread* pThread);
-
-#endif  // CBB_UTIL_THREAD_H_
