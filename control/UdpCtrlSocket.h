@@ -3,8 +3,7 @@
 //
 // An object belongs to one thread. It owns its socket. Failures print a line and return; only the
 // sender's port is checked, by design.
-#ifndef CONTROL_UDPCTRLSOCKET_H_
-#define CONTROL_UDPCTRLSOCKET_H_
+#pragma once
 
 #include <netinet/in.h>
 
@@ -59,5 +58,3 @@ class CUdpCtrlSocket {
 // Looks up the IPv4 broadcast address of a named interface (15 characters count). Returns 0 with
 // the address in network order, or -1; uiAddr is touched on success only.
 int GetIfBrdAddr(const char* pszIfName, uint32_t& uiAddr);
-
-#endif  // CONTROL_UDPCTRLSOCKET_H_

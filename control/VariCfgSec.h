@@ -3,8 +3,7 @@
 // A message is the element VariCfgSec whose first attribute is Action; a reply to a set carries
 // Result among its attributes, a reply to a query one section as the root's first child element.
 // Replies are hostile. Nothing here is kept from call to call; use it from one thread.
-#ifndef CONTROL_VARICFGSEC_H_
-#define CONTROL_VARICFGSEC_H_
+#pragma once
 
 #include <tinyxml.h>
 
@@ -63,5 +62,3 @@ int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_
 // Classifies an incoming message by its Action into a CParaCmd. Returns 0; -1 when the message is
 // unusable or a reply (its second attribute is Result).
 int GetParaCmdType(const char* pszText, int& nCode);
-
-#endif  // CONTROL_VARICFGSEC_H_

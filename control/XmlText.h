@@ -2,8 +2,7 @@
 //
 // The server thread has a stack of 128 KiB and the parser takes a frame per nested element, so the
 // nesting is measured, without recursion, before the parser sees the text.
-#ifndef CONTROL_XMLTEXT_H_
-#define CONTROL_XMLTEXT_H_
+#pragma once
 
 #include <tinyxml.h>
 
@@ -15,5 +14,3 @@ constexpr int kXmlDepthMax = 32;
 // document, when elements nest deeper than kXmlDepthMax or memory runs out. Stateless, for any
 // thread.
 int ParseXml(TiXmlDocument& doc, const char* pszText);
-
-#endif  // CONTROL_XMLTEXT_H_

@@ -1,7 +1,6 @@
 // Assertions that stay in every build: a release build defines NDEBUG, and a caller that breaks a
 // precondition here would write past a buffer. Failing prints the text on stderr and aborts.
-#ifndef ENCODING_ASSERT_H_
-#define ENCODING_ASSERT_H_
+#pragma once
 
 // Prints "<file>:<line>: <function>: Assertion `<text>' failed." on standard error and aborts.
 [[noreturn]] void EncAssertFailed(const char* pszText, const char* pszFile, int nLine,
@@ -11,5 +10,3 @@
 // it is part of the interface: it must not change with the compiler's NULL or with a reformatting.
 #define ENC_ASSERT(condition, text) \
   ((condition) ? static_cast<void>(0) : EncAssertFailed(text, __FILE__, __LINE__, __func__))
-
-#endif  // ENCODING_ASSERT_H_

@@ -3,8 +3,7 @@
 // entry of its chain, so most lookups read one place; the other entries follow the buckets. The
 // caller owns the table and frees it. Not locked: one thread, or only readers. Null pointers and
 // keys of 0 are the caller's mistakes and abort with an assertion.
-#ifndef ENCODING_ALG_TABLE_H_
-#define ENCODING_ALG_TABLE_H_
+#pragma once
 
 #include <stdint.h>
 
@@ -93,5 +92,3 @@ inline uint32_t Table_get(const alg_table* table, uint32_t key) {
   const stTableEntry& entry = table->pEntries[uiEntry];
   return entry.uiKey == key ? entry.uiValue : Table_get(table, key);
 }
-
-#endif  // ENCODING_ALG_TABLE_H_

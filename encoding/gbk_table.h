@@ -1,8 +1,7 @@
 // The GBK forward table: code page 936 from 0x8140 to 0xFE4F, one entry a code, no gaps, so that
 // the entry of code c stands at index c - kGbkFirst. Constant data, safe from every thread.
 // The numbers are in gbk_table.inc, which tools/gbk_table writes; never edit that file by hand.
-#ifndef ENCODING_GBK_TABLE_H_
-#define ENCODING_GBK_TABLE_H_
+#pragma once
 
 #include <stdint.h>
 
@@ -18,5 +17,3 @@ constexpr int kGbkAssigned = 21791;  // entries with a value of their own; no va
 constexpr uint16_t kGbkUnassigned = 0x0001;
 
 extern const stGbkCode kGbkTable[kGbkCodes];
-
-#endif  // ENCODING_GBK_TABLE_H_

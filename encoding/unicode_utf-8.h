@@ -3,8 +3,7 @@
 // terminating 0. The functions keep nothing but the reverse GBK table, which the first conversion
 // of a non-ASCII code point to GBK builds (256 KiB, kept for the life of the process, not
 // locked: with several threads call enc_stc_unicode_to_GBK_init before sharing).
-#ifndef ENCODING_UNICODE_UTF_8_H_
-#define ENCODING_UNICODE_UTF_8_H_
+#pragma once
 
 #include <stdint.h>
 
@@ -66,5 +65,3 @@ int enc_unicode_to_GBK_one(uint32_t unic, uint16_t* gbk);
 // 0-terminated code points. Capacity: at least 2 bytes; conversion stops as full once fewer than 2
 // remain.
 int enc_unicode_to_GBK_str(const uint32_t* pInput, char* pOutput, int* nMembOut);
-
-#endif  // ENCODING_UNICODE_UTF_8_H_

@@ -1,6 +1,5 @@
 // A strict reader of request heads, to check the HTTP library's tolerant one against.
-#ifndef FUZZ_HEADMODEL_H_
-#define FUZZ_HEADMODEL_H_
+#pragma once
 
 #include <cstddef>
 #include <string_view>
@@ -8,5 +7,3 @@
 // False when a well-formed head announces a body of another length. A head that is not well-formed,
 // or announces its body's length in another way or several times, says nothing.
 bool IsPossibleBody(std::string_view head, size_t nBody);
-
-#endif  // FUZZ_HEADMODEL_H_

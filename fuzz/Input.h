@@ -1,6 +1,5 @@
 // What every fuzz target needs: its invariants' check and the input taken apart.
-#ifndef FUZZ_INPUT_H_
-#define FUZZ_INPUT_H_
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -24,5 +23,3 @@ std::vector<std::string_view> Split(std::string_view text, char cMark);
 // A copy exactly as long as the text, so that a read beyond it is seen; with bTerminated one 0
 // more.
 std::unique_ptr<char[]> ExactCopy(std::string_view text, bool bTerminated);
-
-#endif  // FUZZ_INPUT_H_

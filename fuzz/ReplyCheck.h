@@ -1,6 +1,5 @@
 // What a browser makes of the service's replies: the exact head and the chunks behind it.
-#ifndef FUZZ_REPLYCHECK_H_
-#define FUZZ_REPLYCHECK_H_
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -9,5 +8,3 @@
 // Takes the replies apart into their bodies. Anything but whole replies, one behind the other, each
 // with one of the two heads, well-formed chunks and a body in braces with a result, is a finding.
 std::vector<std::string> TakeReplies(std::string_view sent);
-
-#endif  // FUZZ_REPLYCHECK_H_

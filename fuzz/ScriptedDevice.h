@@ -1,7 +1,6 @@
 // The device application of the fuzz targets, in the place of the UDP socket: it answers with the
 // replies of a script, one per exchange, and shows every datagram to a check.
-#ifndef FUZZ_SCRIPTEDDEVICE_H_
-#define FUZZ_SCRIPTEDDEVICE_H_
+#pragma once
 
 #include <functional>
 #include <string_view>
@@ -16,5 +15,3 @@ void SetDatagramCheck(std::function<void(std::string_view message)> pfnCheck);
 
 // Sets the service up once: its device's address and a server thread that never runs.
 void StartServiceOnce();
-
-#endif  // FUZZ_SCRIPTEDDEVICE_H_

@@ -1,8 +1,7 @@
 // The network of the HTTP target, in the place of sockets: one client at a time, whose bytes arrive
 // in the pieces that the target gives. Everything above the socket calls is the HTTP library's own.
 // One object at a time.
-#ifndef FUZZ_SCRIPTEDNET_H_
-#define FUZZ_SCRIPTEDNET_H_
+#pragma once
 
 #include <mongoose.h>
 
@@ -35,5 +34,3 @@ class CScriptedNet {
   mg_mgr m_mgr;
   mg_connection* m_pListener;
 };
-
-#endif  // FUZZ_SCRIPTEDNET_H_

@@ -3,8 +3,7 @@
 // A message of level L prints when printing is enabled, the threshold is at most L and at most 4.
 // The process starts enabled at threshold 1. Settings and timing marks are plain variables of the
 // process: set them from one thread. Printing may happen on any thread.
-#ifndef CBB_UTIL_DEBUGPRINT_H_
-#define CBB_UTIL_DEBUGPRINT_H_
+#pragma once
 
 #include <sys/time.h>
 
@@ -44,5 +43,3 @@ void PrintDuration(const timeval& start, const timeval& end);
 // Returns the current local time as ctime writes it, line end included; valid until the calling
 // thread's next call.
 const char* CurTimeText();
-
-#endif  // CBB_UTIL_DEBUGPRINT_H_

@@ -3,8 +3,7 @@
 //
 // One instance for the process. Every operation holds its mutex, so any thread may call. Directory
 // and prefix are the program's own texts, never input.
-#ifndef CBB_UTIL_LOGGER_H_
-#define CBB_UTIL_LOGGER_H_
+#pragma once
 
 #include <cstdint>
 #include <cstdio>
@@ -54,5 +53,3 @@ class Logger {
   char m_szDir[kDirSize] = "";  // ends with '/' once set
   char m_szPrefix[kPrefixSize] = "";
 };
-
-#endif  // CBB_UTIL_LOGGER_H_

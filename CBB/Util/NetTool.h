@@ -1,6 +1,5 @@
 // What the system knows of a network interface.
-#ifndef CBB_UTIL_NETTOOL_H_
-#define CBB_UTIL_NETTOOL_H_
+#pragma once
 
 #include <cstdint>
 
@@ -8,5 +7,3 @@
 // with the address in network order; -1 when there is no such interface or it has no address; -2
 // when the name is null. uiAddr is touched on success only. For any thread: one lookup at a time.
 int GetIfAddr(const char* pszIfName, uint32_t& uiAddr);
-
-#endif  // CBB_UTIL_NETTOOL_H_

@@ -1,7 +1,6 @@
 // Tests and converters for numbers and addresses written as text, as they arrive from the device
 // application. Pure functions, for any thread. A null text fails every test.
-#ifndef CBB_UTIL_OTHERFUN_H_
-#define CBB_UTIL_OTHERFUN_H_
+#pragma once
 
 #include <cstdint>
 
@@ -27,5 +26,3 @@ int HexStrToUInt(const char* pszHex, int nCount, uint32_t& uiValue);
 // Returns 0; -1 when the room is too small or a character is no hexadecimal digit, with nothing
 // written.
 int HexStrToBytes(const char* pszHex, int nHexLen, uint8_t* pOut, int& nOutLen);
-
-#endif  // CBB_UTIL_OTHERFUN_H_

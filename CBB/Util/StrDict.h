@@ -1,8 +1,7 @@
 // A dictionary of texts: a chained hash table with 4096 buckets, keyed by text.
 //
 // It copies the keys and values that it is given and frees them with itself. Not locked.
-#ifndef CBB_UTIL_STRDICT_H_
-#define CBB_UTIL_STRDICT_H_
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -46,5 +45,3 @@ class StrDict {
 
   stEntry* m_pBuckets[kBuckets] = {};
 };
-
-#endif  // CBB_UTIL_STRDICT_H_

@@ -1,6 +1,5 @@
 // Takes the memory away from "new (std::nothrow)", for as long as an object lives. One at a time.
-#ifndef TESTS_UNIT_UTIL_NOMEMORY_H_
-#define TESTS_UNIT_UTIL_NOMEMORY_H_
+#pragma once
 
 class CNoMemory {
  public:
@@ -9,5 +8,3 @@ class CNoMemory {
   CNoMemory(const CNoMemory&) = delete;
   CNoMemory& operator=(const CNoMemory&) = delete;
 };
-
-#endif  // TESTS_UNIT_UTIL_NOMEMORY_H_

@@ -1,6 +1,5 @@
 // What a piece of code writes to the standard output, buffered and unbuffered alike.
-#ifndef TESTS_UNIT_UTIL_PRINTED_H_
-#define TESTS_UNIT_UTIL_PRINTED_H_
+#pragma once
 
 #include <gtest/gtest.h>
 
@@ -12,5 +11,3 @@ std::string Printed(F fn) {
   fn();
   return testing::internal::GetCapturedStdout();
 }
-
-#endif  // TESTS_UNIT_UTIL_PRINTED_H_

@@ -1,6 +1,5 @@
 // A device application on a loopback port of its own, played by a function from request to reply.
-#ifndef TESTS_UNIT_WEBCTRL_DEVICE_H_
-#define TESTS_UNIT_WEBCTRL_DEVICE_H_
+#pragma once
 
 #include <atomic>
 #include <cstdint>
@@ -33,5 +32,3 @@ class CDevice {
   std::vector<std::string> m_requests;
   std::thread m_thread;
 };
-
-#endif  // TESTS_UNIT_WEBCTRL_DEVICE_H_

@@ -1,8 +1,7 @@
 // An HTTP connection without a socket: what a client would send is handed to the HTTP library, what
 // the client would receive stands in the send buffer. Received bytes end at a page that cannot be
 // read, so that a step beyond them ends the test.
-#ifndef TESTS_UNIT_WEBCTRL_HTTPCONN_H_
-#define TESTS_UNIT_WEBCTRL_HTTPCONN_H_
+#pragma once
 
 #include <mongoose.h>
 
@@ -65,5 +64,3 @@ struct stReply {
   std::string Body() const;
 };
 stReply TakeReply(const std::string& strSent);
-
-#endif  // TESTS_UNIT_WEBCTRL_HTTPCONN_H_

@@ -1,7 +1,6 @@
 // Takes the heap away from one thread: malloc, calloc, realloc and new fail from the nth call on,
 // while a function runs. The test program's own heap functions count the calls.
-#ifndef TESTS_UNIT_WEBCTRL_NOHEAP_H_
-#define TESTS_UNIT_WEBCTRL_NOHEAP_H_
+#pragma once
 
 #include <functional>
 
@@ -19,5 +18,3 @@ class CNoHeap {
  private:
   int m_nFirst;
 };
-
-#endif  // TESTS_UNIT_WEBCTRL_NOHEAP_H_

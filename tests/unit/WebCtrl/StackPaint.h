@@ -1,8 +1,7 @@
 // Gives threads painted stacks, so that their deepest use can be read off afterwards. Linked with
 // -Wl,--wrap=pthread_attr_setstacksize it replaces the size of a thread's stack by a stack of that
 // size; below it lies a page that cannot be touched.
-#ifndef TESTS_UNIT_WEBCTRL_STACKPAINT_H_
-#define TESTS_UNIT_WEBCTRL_STACKPAINT_H_
+#pragma once
 
 #include <cstddef>
 
@@ -14,5 +13,3 @@ size_t FirstStackUsed();
 
 // From now on no thread gets a stack.
 void RefuseStacks();
-
-#endif  // TESTS_UNIT_WEBCTRL_STACKPAINT_H_

@@ -1,8 +1,7 @@
 // A device application on a loopback address and a port of its own, for one exchange at a time.
 //
 // It answers from a thread of its own, so that the reply comes after the request, as in life.
-#ifndef TESTS_UNIT_CONTROL_FAKEDEVICE_H_
-#define TESTS_UNIT_CONTROL_FAKEDEVICE_H_
+#pragma once
 
 #include <netinet/in.h>
 
@@ -46,5 +45,3 @@ class CFakeDevice {
 
 // The loopback (or other) address and port as the socket calls want it.
 sockaddr_in SockAddr(const char* pszIp, uint16_t usPort);
-
-#endif  // TESTS_UNIT_CONTROL_FAKEDEVICE_H_

@@ -1,7 +1,6 @@
 // A private network namespace for one piece of a test: fixed ports are free in it, and nothing that
 // is sent leaves it.
-#ifndef TESTS_UNIT_CONTROL_NETSPACE_H_
-#define TESTS_UNIT_CONTROL_NETSPACE_H_
+#pragma once
 
 #include <functional>
 
@@ -14,5 +13,3 @@ enum class Eth0 { kNone, kUp };
 // Runs a function on a thread of its own inside a new namespace with "lo" up and, if asked for, an
 // "eth0". Returns false, without running it, where such a namespace cannot be had.
 bool RunInNetSpace(Eth0 eth0, const std::function<void()>& fn);
-
-#endif  // TESTS_UNIT_CONTROL_NETSPACE_H_

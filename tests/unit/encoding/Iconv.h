@@ -1,6 +1,5 @@
 // The C library's converter, the yardstick of these tests. One object converts one way.
-#ifndef TESTS_UNIT_ENCODING_ICONV_H_
-#define TESTS_UNIT_ENCODING_ICONV_H_
+#pragma once
 
 #include <iconv.h>
 #include <string.h>
@@ -42,5 +41,3 @@ inline std::vector<uint32_t> CodePoints(const std::string& ucs4) {
   if (!codes.empty()) memcpy(codes.data(), ucs4.data(), codes.size() * sizeof(uint32_t));
   return codes;
 }
-
-#endif  // TESTS_UNIT_ENCODING_ICONV_H_

@@ -1,7 +1,6 @@
 // The allocations of the code under test, counted and made to fail. The linker turns every call of
 // calloc, malloc and realloc in this executable into one of Memory.cpp.
-#ifndef TESTS_UNIT_ENCODING_MEMORY_H_
-#define TESTS_UNIT_ENCODING_MEMORY_H_
+#pragma once
 
 #include <stddef.h>
 
@@ -10,5 +9,3 @@ size_t AllocatedBytes();
 
 // The n-th allocation from now on (1: the next) returns null; 0 lets all succeed.
 void FailAllocation(int n);
-
-#endif  // TESTS_UNIT_ENCODING_MEMORY_H_
