@@ -15,9 +15,11 @@ packages_for() {
     build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev ca-certificates ;;
     # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
     run) echo net-tools iproute2 ;;
-    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles.
+    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; the last three
+    # hold docs/openapi.yaml to its schema.
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
-      libxml2-utils libc-bin binutils valgrind git ;;
+      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema \
+      openapi-specification ;;
     # A font for the Chinese screenshots.
     ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;

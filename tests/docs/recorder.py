@@ -1,0 +1,67 @@
+"""A daemon with its pages, the simulated recorder and a shell, for the examples of one document."""
+
+import os
+import re
+import shutil
+import subprocess
+
+from daemon import Daemon
+from device import SimulatedRecorder
+from documents import ROOT
+
+_RECEIVED = re.compile(rb'^recv \S+ \S+ \d+ "(.*)"$', re.M)
+_ESCAPE = re.compile(rb"\\(x[0-9a-f]{2}|.)", re.S)
+
+
+def _plain(match):
+    code = match[1]
+    return bytes([int(code[1:], 16)]) if code[:1] == b"x" and len(code) == 3 else code
+
+
+class Recorder:
+    """Everything runs in `folder`; the shell keeps its variables from command to command.
+
+    `programs` may hold another daemon ("webctrl") and other settings ("devsim_default.xml").
+    """
+
+    def __init__(self, folder, programs=None):
+        self.folder = str(folder)
+        options = ["--log", self._path("devsim.log"), "--control", "6001"]
+        if programs:
+            options += ["--defaults", os.path.join(programs, "devsim_default.xml")]
+        self._device = SimulatedRecorder(self.folder, *options)
+        self.daemon = Daemon(self.folder, web_root=None)
+        shutil.copytree(f"{ROOT}/web_root", self._path("web_root"))
+        if programs:
+            shutil.copy(os.path.join(programs, "webctrl"), self.daemon.program)
+        self.daemon.start()
+        self._shell = subprocess.Popen(
+            ["bash"], cwd=self.folder, env={**os.environ, "LC_ALL": "C.UTF-8"},
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+        )  # fmt: skip
+
+    def _path(self, name):
+        return os.path.join(self.folder, name)
+
+    def run(self, command):
+        """The output of a command, without the line end behind it."""
+        self._shell.stdin.write(b"{ %s\n} </dev/null; printf '\\0'\n" % command.encode())
+        self._shell.stdin.flush()
+        output = bytearray()
+        while (byte := self._shell.stdout.read(1)) != b"\0":
+            assert byte, f"the shell ended: {output!r}"
+            output += byte
+        return output.decode(errors="replace").removesuffix("\n")
+
+    def received(self):
+        """Every datagram that the device application has received so far, as text."""
+        with open(self._path("devsim.log"), "rb") as file:
+            lines = _RECEIVED.findall(file.read())
+        return [_ESCAPE.sub(_plain, line).decode("utf-8", "replace") for line in lines]
+
+    def close(self):
+        self._shell.stdin.close()
+        self._shell.wait()
+        self._shell.stdout.close()
+        self.daemon.stop()
+        self._device.close()

@@ -1,0 +1,66 @@
+"""The examples of the documents do what they show.
+
+In a document each fenced block marked "console run" is run against the daemon and the simulated
+recorder, one pair for the whole document, and its output compared; a block marked "xml sent" names
+the datagrams that the console block above it caused.
+"""
+
+import pytest
+from documents import as_pattern, blocks, commands, documents
+from recorder import Recorder
+
+CONSOLE, SENT = "console run", "xml sent"
+
+
+def _examples():
+    """Console blocks with the datagrams below each (None: not told)."""
+    found = []
+    for document in documents():
+        for block in blocks(document):
+            if block.kind == CONSOLE:
+                found.append([block, None])
+            if block.kind == SENT:
+                assert found and found[-1][0].document == document, block
+                found[-1][1] = block.text.split("\n")
+    return found
+
+
+EXAMPLES = _examples()
+
+
+@pytest.fixture(scope="module")
+def recorder_of(tmp_path_factory):
+    """The recorder of a document; that of another document is closed first."""
+    current = {}
+
+    def recorder_of(document):
+        if document not in current:
+            close()
+            current[document] = Recorder(tmp_path_factory.mktemp("examples"))
+        return current[document]
+
+    def close():
+        for recorder in current.values():
+            recorder.close()
+        current.clear()
+
+    yield recorder_of
+    close()
+
+
+@pytest.mark.parametrize(
+    "block, sent", EXAMPLES, ids=[f"{block.document}:{block.line}" for block, _ in EXAMPLES]
+)
+def test_example_does_what_it_shows(recorder_of, block, sent):
+    recorder = recorder_of(block.document)
+    before = len(recorder.received())
+    for command, expected in commands(block.text):
+        output = recorder.run(command)
+        if not as_pattern(expected).fullmatch(output):
+            assert output == expected, command
+    if sent is not None:
+        assert recorder.received()[before:] == sent
+
+
+def test_there_are_examples():
+    assert {"docs/api.md", "docs/architecture.md"} <= {block.document for block, _ in EXAMPLES}
