@@ -2,6 +2,8 @@
 
 #include <arpa/inet.h>
 
+#include <cfloat>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -13,7 +15,13 @@ int TextToInt(const char* pszText) {
   return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
 }
 
-float TextToFloat(const char* pszText) { return strtof(pszText, nullptr); }
+float TextToFloat(const char* pszText) {
+  const double dValue = atof(pszText);
+  // Converting a number beyond the float's range is undefined.
+  if (dValue > FLT_MAX) return INFINITY;
+  if (dValue < -FLT_MAX) return -INFINITY;
+  return static_cast<float>(dValue);
+}
 
 uint32_t TextToTimeOfDay(const char* pszText) {
   char szText[23];

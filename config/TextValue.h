@@ -9,7 +9,8 @@
 // stops at the ends of its range (so "4294967297" is 1 and twenty digits 9 are -1).
 int TextToInt(const char* pszText);
 
-// The floating-point number at the start of the text; beyond the range, an infinity or 0.
+// The floating-point number at the start of the text, like atof; beyond the range, an infinity or
+// 0.
 float TextToFloat(const char* pszText);
 
 // A time of day "hours:minutes:seconds" in seconds since midnight (0 to 86401). At most 22

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <climits>
 #include <cmath>
 
@@ -123,6 +124,14 @@ TEST(TextToFloat, StaysDefinedBeyondItsRange) {
   EXPECT_EQ(TextToFloat("-1e39"), -INFINITY);
   EXPECT_EQ(TextToFloat("1e-400"), 0.0f);
   EXPECT_TRUE(std::isnan(TextToFloat("nan")));
+}
+
+// A little above the middle of two floats: by way of the nearest double it is the middle itself.
+TEST(TextToFloat, RoundsByWayOfADouble) {
+  EXPECT_EQ(TextToFloat("1.00000005960464477539062500001"), 1.0f);
+  EXPECT_EQ(TextToFloat("1.0000001"), 1.0000001f);
+  EXPECT_EQ(TextToFloat("3.40282346638528859e38"), FLT_MAX);
+  EXPECT_EQ(TextToFloat("-3.40282346638528859e38"), -FLT_MAX);
 }
 
 TEST(TextToTimeOfDay, CountsSecondsSinceMidnight) {
