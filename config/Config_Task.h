@@ -1,6 +1,6 @@
 // CConfig_Task turns one section element of a device reply into its fixed-size record. One lives
-// on the stack for one query: construct, call one importer, copy the wanted record out. Nothing is
-// kept between queries and nothing is shared; use one from one thread.
+// on the stack for one query: construct, call one importer, copy the wanted record out. No value is
+// kept between queries; use one from one thread.
 #pragma once
 
 #include <condition_variable>
@@ -16,7 +16,9 @@ class StrDict;
 
 class CConfig_Task {
  public:
+  // Zeroes the record. Never fails: parts that memory ran out for are absent.
   CConfig_Task();
+  // Releases what the task owns.
   virtual ~CConfig_Task();
   CConfig_Task(const CConfig_Task&) = delete;
   CConfig_Task& operator=(const CConfig_Task&) = delete;
