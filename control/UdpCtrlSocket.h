@@ -20,6 +20,7 @@ class CUdpCtrlSocket {
   // kept), or on any address when the interface has none. Ports in host order.
   CUdpCtrlSocket(const char* pszDstIp, uint16_t usDstPort, uint16_t usLocalPort,
                  uint8_t ucBroadcast, const char* pszIfName);
+  // Closes the socket if one is open.
   virtual ~CUdpCtrlSocket();
   CUdpCtrlSocket(const CUdpCtrlSocket&) = delete;
   CUdpCtrlSocket& operator=(const CUdpCtrlSocket&) = delete;
