@@ -52,8 +52,9 @@ export class Rig {
     this.device = spawn(process.env.DEVSIM_BIN, words,
         {stdio: ['ignore', 'pipe', this.output('devsim.log')]});
     let text = '';
-    while (!/control on [\d.]+:(\d+)/.test(text)) text += (await once(this.device.stdout, 'data'))[0];
-    this.controlPort = Number(/control on [\d.]+:(\d+)/.exec(text)[1]);
+    const control = /control on [\d.]+:(\d+)/;
+    while (!control.test(text)) text += (await once(this.device.stdout, 'data'))[0];
+    this.controlPort = Number(control.exec(text)[1]);
     this.device.stdout.resume();
     this.log = log;
   }
@@ -95,7 +96,8 @@ export class Rig {
 
   // An attribute of a section in the simulator's file, entities resolved.
   setting(section, name) {
-    const value = new RegExp(`<${section}\\s[^>]*?\\b${name}=("[^"]*"|'[^']*')`).exec(this.stored());
+    const pattern = new RegExp(`<${section}\\s[^>]*?\\b${name}=("[^"]*"|'[^']*')`);
+    const value = pattern.exec(this.stored());
     const entities = {quot: '"', lt: '<', gt: '>', amp: '&', apos: "'"};
     return value && value[1].slice(1, -1).replace(/&(\w+);/g, (_, entity) => entities[entity]);
   }

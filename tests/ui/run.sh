@@ -28,7 +28,8 @@ fi
 command -v ip >/dev/null || skip "the ip command (iproute2) is not installed"
 [ -x "${CHROMIUM:=/usr/bin/chromium}" ] || skip "no browser at $CHROMIUM"
 export CHROMIUM
-namespace=(unshare -n -m)
-"${namespace[@]}" true 2>/dev/null || namespace=(unshare -U -r -n -m)
+# A process namespace too: whatever was started ends with this script, even when that is killed.
+namespace=(unshare -n -m -p -f --mount-proc --kill-child)
+"${namespace[@]}" true 2>/dev/null || namespace+=(-U -r)
 "${namespace[@]}" true 2>/dev/null || skip "this machine allows no private namespace"
 exec "${namespace[@]}" "$0" --inside "$@"

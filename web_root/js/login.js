@@ -118,6 +118,7 @@ async function followRecorderLanguage() {
   if (preferredLanguage() === before || ui.button.disabled) return;
   await loadLanguage(['']);
   build();
+  ui.input.focus();
 }
 
 async function start() {

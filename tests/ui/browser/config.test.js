@@ -75,12 +75,15 @@ test('a wrong file is refused in the browser, with the reason', async () => {
   const sets = rig.sets();
   const nested = `${'<a>'.repeat(40)}${'</a>'.repeat(40)}`;
   const rows = [
-    ['photo.png', '\x89PNG\r\n', /no configuration/], ['page.html', '<html></html>', /no configuration/],
+    ['photo.png', '\x89PNG\r\n', /no configuration/],
+    ['page.html', '<html></html>', /no configuration/],
     ['cut.xml', '<VariCfgSec Action="DEVICE_QUERY"><stWifi strFD_SS', /no configuration/],
     ['empty.xml', '<VariCfgSec Action="DEVICE_QUERY"/>', /no settings/],
     ['deep.xml', `<VariCfgSec Action="x">${nested}</VariCfgSec>`, /more than 32 levels/],
-    ['char.xml', '<VariCfgSec Action="x"><stWifi strFD_SSID="é😀"/></VariCfgSec>', /character 😀 in stWifi/],
-    ['long.xml', `<VariCfgSec Action="x"><a b="${'x'.repeat(30700)}"/></VariCfgSec>`, /at most 30719/],
+    ['char.xml', '<VariCfgSec Action="x"><stWifi strFD_SSID="é😀"/></VariCfgSec>',
+      /character 😀 in stWifi/],
+    ['long.xml', `<VariCfgSec Action="x"><a b="${'x'.repeat(30700)}"/></VariCfgSec>`,
+      /at most 30719/],
   ];
   for (const [name, text, pattern] of rows) {
     await choose(name, text);

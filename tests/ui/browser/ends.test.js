@@ -177,7 +177,8 @@ test('script in a reply of the recorder is text', async () => {
   await page.locator('#gps', {hasText: '<img src=x onerror="window.hit=1">'}).waitFor();
   assert.equal(await page.locator('.summary dd').first().innerText(), '","result":0}');
   await visit(rig, page, 'network');
-  assert.equal(await field(page, 'WifiInfo', 'strFD_SSID').inputValue(), '"><script>hit=1</script>');
+  const ssid = field(page, 'WifiInfo', 'strFD_SSID');
+  assert.equal(await ssid.inputValue(), '"><script>hit=1</script>');
   assert.equal(await page.evaluate(() => window.hit), undefined);
   assert.equal(await page.locator('#main img, #main script').count(), 0);
   await rig.clear();

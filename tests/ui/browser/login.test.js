@@ -15,7 +15,8 @@ async function post(endpoint, body, headers = {}) {
   return reply.text();
 }
 
-const setLock = (count, time) => post('set_LockOfPassword', `ucFD_ErrorCount=${count}&time=${time}`);
+const setLock = (count, time) =>
+  post('set_LockOfPassword', `ucFD_ErrorCount=${count}&time=${time}`);
 
 async function enter(page, password) {
   await page.fill('#password', password);

@@ -39,8 +39,10 @@ async function inspect(page, name, tag) {
 }
 
 const kLooks = [
-  {tag: 'en-desktop', language: 'en', size: kDesktop}, {tag: 'zh-desktop', language: 'zh', size: kDesktop},
-  {tag: 'en-phone', language: 'en', size: kPhone}, {tag: 'zh-phone', language: 'zh', size: kPhone},
+  {tag: 'en-desktop', language: 'en', size: kDesktop},
+  {tag: 'zh-desktop', language: 'zh', size: kDesktop},
+  {tag: 'en-phone', language: 'en', size: kPhone},
+  {tag: 'zh-phone', language: 'zh', size: kPhone},
   {tag: 'en-desktop-dark', language: 'en', size: kDesktop, dark: true},
   {tag: 'zh-phone-dark', language: 'zh', size: kPhone, dark: true},
 ];
@@ -109,7 +111,7 @@ test('the keyboard reaches everything: skip link, pages, fields, save', async ()
   await page.context().close();
 });
 
-test('the style sheets come only with the session, and every text of the page with them', async () => {
+test('the style sheets are asked for with the session, and nothing elsewhere', async () => {
   const page = await rig.open();
   const asked = [];
   page.on('request', (request) => asked.push(new URL(request.url())));

@@ -1,8 +1,10 @@
 import assert from 'node:assert/strict';
 import {spawnSync} from 'node:child_process';
 import test from 'node:test';
-import {encodeGbk, percentEncode, storedLength, toEntities, unstorable, wireLength}
-  from '../../../web_root/js/gbk.js';
+import {load} from './pages.js';
+
+const {encodeGbk, percentEncode, storedLength, toEntities, unstorable, wireLength} =
+  await load('gbk.js');
 
 function iconv(from, to, bytes) {
   const done = spawnSync('iconv', ['-f', from, '-t', to], {input: bytes});

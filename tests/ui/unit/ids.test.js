@@ -1,6 +1,8 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {candidates, hiddenIds, isOpen, toLists, toPlaces} from '../../../web_root/js/ids.js';
+import {load} from './pages.js';
+
+const {candidates, hiddenIds, isOpen, toLists, toPlaces} = await load('ids.js');
 
 const ids = (lens, alarm) => Array.from({length: 8}, (_, k) =>
   ({lens: lens[k] || '', alarm: alarm[k] || ''}));

@@ -1,6 +1,8 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {judge, save} from '../../../web_root/js/save.js';
+import {load} from './pages.js';
+
+const {judge, save} = await load('save.js');
 
 const same = (a, b) => a === b;
 const fault = (kind) => Object.assign(new Error(kind), {kind});
@@ -46,7 +48,8 @@ async function run({sends, loads}) {
 }
 
 test('a save sends, reads back and settles', async () => {
-  const outcome = await run({sends: [{result: true, ms: 2100}], loads: [{result: true, values: 'b'}]});
+  const loads = [{result: true, values: 'b'}];
+  const outcome = await run({sends: [{result: true, ms: 2100}], loads});
   assert.deepEqual(outcome, {end: 'applied', values: 'b', steps: ['sending', 'reading']});
 });
 

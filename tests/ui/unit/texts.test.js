@@ -2,9 +2,8 @@ import assert from 'node:assert/strict';
 import {readdirSync, readFileSync} from 'node:fs';
 import {join} from 'node:path';
 import test from 'node:test';
-import {fileURLToPath} from 'node:url';
+import {kRoot, load} from './pages.js';
 
-const kRoot = fileURLToPath(new URL('../../../web_root/', import.meta.url));
 const read = (name) => readFileSync(join(kRoot, name), 'utf8');
 const scripts = readdirSync(join(kRoot, 'js')).filter((name) => name.endsWith('.js'));
 const code = scripts.map((name) => read(`js/${name}`)).join('\n').replace(/^\s*\/\/.*$/gm, '');
@@ -12,7 +11,7 @@ const code = scripts.map((name) => read(`js/${name}`)).join('\n').replace(/^\s*\
 async function dictionary(language) {
   const texts = new Map();
   for (const part of ['', '-sets']) {
-    const {default: lines} = await import(`../../../web_root/js/lang/${language}${part}.js`);
+    const {default: lines} = await load(`lang/${language}${part}.js`);
     for (const line of lines.split('\n').filter(Boolean)) {
       const [, key, text] = /^(\S+) (.+)$/.exec(line);
       assert.ok(!texts.has(key), `${language}: ${key} stands twice`);
@@ -45,7 +44,7 @@ test('both parts of the dictionaries are split alike', async () => {
   for (const part of ['', '-sets']) {
     const keys = (text) => text.split('\n').map((line) => line.split(' ')[0]);
     const [a, b] = await Promise.all(['en', 'zh'].map((language) =>
-      import(`../../../web_root/js/lang/${language}${part}.js`)));
+      load(`lang/${language}${part}.js`)));
     assert.deepEqual(keys(a.default), keys(b.default));
   }
 });
@@ -58,7 +57,7 @@ test('every key in the code is in the dictionaries', () => {
 });
 
 test('every label, help and option of the field tables is in the dictionaries', async () => {
-  const {kSections} = await import('../../../web_root/js/fields.js');
+  const {kSections} = await load('fields.js');
   for (const section of Object.values(kSections)) {
     assert.ok(en.has(`section.${section.title}`), section.title);
     for (const field of section.fields) {

@@ -1,6 +1,8 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {check} from '../../../web_root/js/validate.js';
+import {load} from './pages.js';
+
+const {check} = await load('validate.js');
 
 const kText = {name: 'x', kind: 'text', bytes: 31};
 const kNumber = {name: 'x', kind: 'number', min: 1, max: 9};

@@ -2,9 +2,8 @@ import assert from 'node:assert/strict';
 import {readdirSync, readFileSync, statSync} from 'node:fs';
 import {join, posix} from 'node:path';
 import test from 'node:test';
-import {fileURLToPath} from 'node:url';
+import {kRoot} from './pages.js';
 
-const kRoot = fileURLToPath(new URL('../../../web_root/', import.meta.url));
 const kWhole = 120000;
 const kFirstView = 40000;
 
@@ -64,7 +63,8 @@ test('no page has script or style inside, and each names its policy', () => {
 
 test('only api.js talks to the recorder, and nothing inserts markup', () => {
   for (const name of files.filter((file) => file.endsWith('.js'))) {
-    if (name !== 'js/api.js') assert.ok(!/\bfetch\(|XMLHttpRequest|sendBeacon/.test(read(name)), name);
-    assert.ok(!/innerHTML|outerHTML|insertAdjacent|document\.write|\beval\(/.test(read(name)), name);
+    const script = read(name);
+    if (name !== 'js/api.js') assert.ok(!/\bfetch\(|XMLHttpRequest|sendBeacon/.test(script), name);
+    assert.ok(!/innerHTML|outerHTML|insertAdjacent|document\.write|\beval\(/.test(script), name);
   }
 });
