@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <utility>
 
 #include "CBB/Util/Thread.h"
@@ -76,7 +77,12 @@ int ThreadCreate(void* (* /*pfnBody*/)(void*), void* /*pArg*/, stThread** ppThre
 void ThreadStop(stThread* pThread) { Require(pThread == &g_thread); }
 
 extern "C" {
-unsigned sleep(unsigned /*uiSeconds*/) { return 0; }
+unsigned sleep(unsigned uiSeconds) {
+  // The fuzzer's own thread really waits.
+  const bool bService = gettid() == getpid();
+  const timespec pause{static_cast<time_t>(uiSeconds), 0};
+  return bService || nanosleep(&pause, nullptr) == 0 ? 0 : uiSeconds;
+}
 int usleep(useconds_t /*usec*/) { return 0; }
 int system(const char* pszCommand) {
   Require(strcmp(pszCommand, "/sbin/ifconfig lo 127.0.0.1") == 0);

@@ -150,13 +150,10 @@ void PlayClient(CScriptedNet& net, std::string_view stream, bool bMayEcho) {
   net.Disconnect();
 }
 
-// Every file that was opened for a client is closed when it has gone.
-void CheckDescriptors() {
-  static int s_nNext = -1;
+int NextDescriptor() {
   const int nNext = dup(STDERR_FILENO);
   close(nNext);
-  if (s_nNext < 0) s_nNext = nNext;
-  Require(nNext == s_nNext);
+  return nNext;
 }
 
 }  // namespace
@@ -174,9 +171,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   replies.erase(replies.begin());
   SetDeviceScript(replies);
   CScriptedNet net(Probe);
+  const int nDescriptor = NextDescriptor();
   for (const std::string_view client : Split(stream, kClientMark)) {
     PlayClient(net, client, HasOutsideText(input));
-    CheckDescriptors();
+    Require(NextDescriptor() == nDescriptor);  // every file is closed again
   }
   return 0;
 }

@@ -1,6 +1,7 @@
 // Hostile device replies through the parser and the operations on messages. Whatever the text: no
 // document nests deeper than the limit, the operations agree with each other, and what they give
-// belongs to the document or fits the caller's room.
+// belongs to the document or fits the caller's room. In the input a part between two 0x02 stands
+// for that part many times, so that nesting is as near as any other mistake.
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -10,6 +11,20 @@
 #include "fuzz/Input.h"
 
 namespace {
+
+constexpr char kRepeatMark = '\x02';
+constexpr size_t kLongestRepeated = 128;
+
+std::string Expand(std::string_view input) {
+  std::string strText;
+  bool bRepeated = false;
+  for (const std::string_view part : Split(input, kRepeatMark)) {
+    const int nTimes = bRepeated && part.size() <= kLongestRepeated ? kXmlDepthMax + 1 : 1;
+    for (int i = 0; i < nTimes; i++) strText += part;
+    bRepeated = !bRepeated;
+  }
+  return strText;
+}
 
 // Walks the elements without recursion.
 int DepthOf(const TiXmlDocument& doc) {
@@ -84,7 +99,7 @@ void CheckCmdType(const char* pszText, const TiXmlElement* pRoot) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   SilenceTraces();
-  const auto pCopy = ExactCopy(AsText(pData, nSize), true);
+  const auto pCopy = ExactCopy(Expand(AsText(pData, nSize)), true);
   const char* const pszText = pCopy.get();
   CheckParser(pszText);
   TiXmlDocument doc;
