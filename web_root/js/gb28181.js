@@ -79,11 +79,13 @@ function openable(control) {
 // The lens ID of a later channel is the same place as an alarm-input ID: typed there, shown here.
 function twin(form, k) {
   const {input, set} = form.controls[placeName(k)];
-  const shown = el('output', {for: input.id, 'aria-label': t('id.lens', {channel: k + 1})});
+  const id = `twin${k}`;
+  const shown = el('output', {id, for: input.id});
   const mirror = () => { shown.value = input.value || t('value.none'); };
   form.controls[placeName(k)].set = (value) => { set(value); mirror(); };
   input.addEventListener('input', mirror);
-  return el('div', {class: 'twin'}, shown,
+  const label = el('label', {for: id, class: 'label'}, t('id.lens', {channel: k + 1}));
+  return el('div', {}, label, shown,
       el('p', {class: 'hint'}, t('id.twin', {channel: k - kShift + 1})));
 }
 
