@@ -12,7 +12,9 @@ CODE = re.compile(r"`([^`\n]+)`")
 PATH = re.compile(r"[\w.-]+(?:/[\w.*-]+)+/?")
 TOP = {"CBB", "bench", "cmake", "config", "control", "docs", "encoding", "fuzz", "packaging"} | {
     "scripts", "tests", "tools", "web_root"}  # fmt: skip
-NAME = re.compile(r"\b(?:m_\w+|k[A-Z]\w+|C[A-Z]\w*[a-z]\w*|Import_\w+|(?:get|set|enc)_\w+|st[A-Z]\w+)")
+NAME = re.compile(
+    r"\b(?:m_\w+|k[A-Z]\w+|C[A-Z]\w*[a-z]\w*|Import_\w+|(?:get|set|enc)_\w+|st[A-Z]\w+)"
+)
 
 # The name of the worked example's section, which the sources must not have.
 INVENTED = re.compile(r"Buzzer")
@@ -54,14 +56,17 @@ def test_paths_of_the_tree_exist(document):
 
 
 def words_of_the_sources():
-    names = subprocess.run(
-        ["git", "ls-files", "-co", "--exclude-standard", "*.cpp", "*.h", "*.xml", "*.cmake", "*.py"],
+    kinds = ["*.cpp", "*.h", "*.xml", "*.cmake", "*.py"]
+    listing = subprocess.run(
+        ["git", "ls-files", "-co", "--exclude-standard", *kinds],
         cwd=ROOT, check=True, capture_output=True, text=True,
     )  # fmt: skip
     words = set()
-    for name in names.stdout.split():
-        if os.path.exists(os.path.join(ROOT, name)) and not name.startswith("tests/docs/"):
-            words |= set(re.findall(r"\w+", open(os.path.join(ROOT, name), errors="replace").read()))
+    for name in listing.stdout.split():
+        path = os.path.join(ROOT, name)
+        if os.path.exists(path) and not name.startswith("tests/docs/"):
+            with open(path, encoding="utf-8", errors="replace") as file:
+                words |= set(re.findall(r"\w+", file.read()))
     return words
 
 
