@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -75,6 +76,19 @@ void HandleRequest(mg_connection* pConn, http_message* pMsg) {
   CWebCtrl::Instance().DoHttpRequeset(pConn, pMsg);
 }
 
+// When the connection last had traffic, in steps of one event: many clients fit into a second of
+// the library's clock, which the system's time moves, too.
+void NoteTraffic(mg_connection* pConn) {
+  static uintptr_t s_nEvents = 0;
+  pConn->user_data = reinterpret_cast<void*>(++s_nEvents);
+}
+
+// Whether one connection's traffic is older than another's; the number of events may wrap.
+bool IsIdler(const mg_connection& one, const mg_connection& other) {
+  return static_cast<intptr_t>(reinterpret_cast<uintptr_t>(one.user_data) -
+                               reinterpret_cast<uintptr_t>(other.user_data)) < 0;
+}
+
 // Replies go out without waiting for acknowledgements; accepted sockets inherit it.
 void SetListenerLimits(mg_connection* pListener) {
   const int nOn = 1;
@@ -90,6 +104,8 @@ mg_serve_http_opts& HttpOptions() {
 }
 
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
+  const bool bTraffic = nEvent == MG_EV_ACCEPT || nEvent == MG_EV_RECV || nEvent == MG_EV_SEND;
+  if (bTraffic) NoteTraffic(pConn);
   try {
     if (nEvent == MG_EV_RECV) pConn->recv_mbuf_limit = 0;  // until the others have had their turn
     if (nEvent == MG_EV_HTTP_REQUEST) HandleRequest(pConn, static_cast<http_message*>(pData));
@@ -125,8 +141,7 @@ void CloseIdleConnections(mg_mgr& mgr, int nLimit) {
     mg_connection* pIdlest = nullptr;
     for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
       if (p->listener == nullptr || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0) continue;
-      // New connections stand in front: of two equally idle ones the older goes.
-      if (pIdlest == nullptr || p->last_io_time <= pIdlest->last_io_time) pIdlest = p;
+      if (pIdlest == nullptr || IsIdler(*p, *pIdlest)) pIdlest = p;
     }
     pIdlest->flags |= MG_F_CLOSE_IMMEDIATELY;
   }

@@ -160,7 +160,8 @@ TEST(HttpEvent, IgnoresEveryOtherEvent) {
   EXPECT_EQ(0U, conn.Get()->flags);
 }
 
-// A manager with a listener and a row of accepted connections, the newest in front.
+// A manager with a listener and a row of connections, the newest in front, accepted within the same
+// second.
 class CloseIdleConnectionsTest : public testing::Test {
  protected:
   void Open(size_t nConnections) {
@@ -168,10 +169,9 @@ class CloseIdleConnectionsTest : public testing::Test {
     for (size_t i = 0; i < m_conns.size(); ++i) {
       m_conns[i].next = i + 1 < m_conns.size() ? &m_conns[i + 1] : nullptr;
       m_conns[i].listener = &m_conns.back();
-      m_conns[i].last_io_time = kLately;
     }
     m_conns.back().listener = nullptr;
-    m_conns.back().last_io_time = 0;
+    for (size_t i = nConnections; i-- > 0;) HttpEvent(&m_conns[i], MG_EV_ACCEPT, nullptr);
     m_mgr.active_connections = m_conns.data();
   }
 
@@ -183,7 +183,6 @@ class CloseIdleConnectionsTest : public testing::Test {
     return closed;
   }
 
-  static constexpr time_t kLately = 1000;
   mg_mgr m_mgr{};
   std::vector<mg_connection> m_conns;
 };
@@ -204,14 +203,15 @@ TEST_F(CloseIdleConnectionsTest, LeavesAsManyAsItIsTold) {
 
 TEST_F(CloseIdleConnectionsTest, ClosesTheLongestIdleBeyond128) {
   Open(130);
-  m_conns[7].last_io_time = kLately - 1;
-  m_conns[50].last_io_time = kLately - 2;
+  HttpEvent(&m_conns[129], MG_EV_RECV, nullptr);
+  HttpEvent(&m_conns[127], MG_EV_SEND, nullptr);
   CloseIdleConnections(m_mgr);
-  EXPECT_EQ((std::vector<size_t>{7, 50}), Closed());
+  EXPECT_EQ((std::vector<size_t>{126, 128}), Closed());
 }
 
-TEST_F(CloseIdleConnectionsTest, ClosesTheOlderOfEquallyIdleOnes) {
+TEST_F(CloseIdleConnectionsTest, TakesNoPollForTraffic) {
   Open(130);
+  HttpEvent(&m_conns[129], MG_EV_POLL, nullptr);
   CloseIdleConnections(m_mgr);
   EXPECT_EQ((std::vector<size_t>{128, 129}), Closed());
 }
