@@ -19,7 +19,9 @@ class CMutex {
   CMutex(const CMutex&) = delete;
   CMutex& operator=(const CMutex&) = delete;
 
+  // Waits until no other thread holds the mutex, and takes it.
   void Lock() { pthread_mutex_lock(&m_mutex); }
+  // Gives it back; only for the thread that took it.
   void Unlock() { pthread_mutex_unlock(&m_mutex); }
 
  private:
