@@ -7,7 +7,7 @@
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
-stages="deps build test format asan tsan static"
+stages="deps build test format asan tsan static fuzz"
 jobs=$(nproc)
 results=()
 failed=0
@@ -33,15 +33,15 @@ stage_build() { configure_and_build release; }
 stage_test() { run_ctest release; }
 stage_format() { scripts/checks/format.sh; }
 
-# The instrumented builds repeat what drives our C++: not the browser, not the checks of files.
-stage_asan() { configure_and_build asan && run_ctest asan -LE 'ui|checks'; }
+# The instrumented builds repeat what drives our C++ and leaves its memory and threads alone.
+stage_asan() { configure_and_build asan && run_ctest asan -R '^(unit|blackbox|fuzz)\.'; }
 
 # Only the running daemon: some unit tests look at what ThreadSanitizer itself changes (stacks,
 # joins). It wants its shadow at fixed addresses, which too random a layout can hit.
 stage_tsan() {
   local runner=(setarch -R)
   "${runner[@]}" true 2>/dev/null || runner=()
-  configure_and_build tsan webctrl devsim web_root && run_ctest tsan -L blackbox
+  configure_and_build tsan webctrl devsim web_root && run_ctest tsan -R '^blackbox\.'
 }
 
 stage_static() {
@@ -51,6 +51,9 @@ stage_static() {
   done
   return "$status"
 }
+
+# Half a minute for each target, beside the replay of their corpora in the other stages.
+stage_fuzz() { scripts/fuzz.sh 30; }
 
 run_stage() {
   local start=$SECONDS outcome=passed
