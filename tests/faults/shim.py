@@ -1,0 +1,42 @@
+"""What a test does with the library that it preloads into the daemon; see shim.c.
+
+FAULT_SHIM_LIB names the library; without it there is none, for instance under a sanitizer, which
+has an allocator of its own.
+"""
+
+import mmap
+import os
+import struct
+
+LIBRARY = os.environ.get("FAULT_SHIM_LIB", "")
+
+_FIELDS = ("until_failure", "to_fail", "failed", "seconds_ahead", "heap_in_use", "sleeps")
+_SIZE = 8 * len(_FIELDS)
+
+
+class Shim:
+    """The fields of the shared file as attributes. `env` is for the daemon's environment."""
+
+    def __init__(self, path):
+        object.__setattr__(self, "env", {"LD_PRELOAD": LIBRARY, "FAULT_SHIM": str(path)})
+        with open(path, "w+b") as file:
+            file.truncate(_SIZE)
+            object.__setattr__(self, "_map", mmap.mmap(file.fileno(), _SIZE))
+        self.until_failure = -1
+
+    def __getattr__(self, name):
+        return struct.unpack_from("=q", self._map, 8 * _FIELDS.index(name))[0]
+
+    def __setattr__(self, name, value):
+        struct.pack_into("=q", self._map, 8 * _FIELDS.index(name), value)
+
+    def fail(self, after=0, count=-1):
+        """Allocations fail from now on: that many after that many that succeed."""
+        self.until_failure = -1
+        self.to_fail, self.failed = count, 0
+        self.until_failure = after
+
+    def stop_failing(self):
+        """Returns how many allocations have failed."""
+        self.until_failure = -1
+        return self.failed

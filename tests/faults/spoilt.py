@@ -1,0 +1,84 @@
+"""A daemon with limits on its resources, or without the streams that a program usually has."""
+
+import os
+import resource
+import socket
+import subprocess
+
+from daemon import Daemon, Output, wait_until
+
+
+def full_pipe():
+    """The writing end of a pipe that takes nothing more, and the reading end to keep it open."""
+    reader, writer = os.pipe()
+    os.set_blocking(writer, False)
+    try:
+        while True:
+            os.write(writer, b"x" * 65536)
+    except BlockingIOError:
+        os.set_blocking(writer, True)
+    return writer, reader
+
+
+def dead_pipe():
+    reader, writer = os.pipe()
+    os.close(reader)
+    return writer, None
+
+
+def full_socket():
+    """As a pipe, but the kind of stream that a service manager gives."""
+    ours, theirs = socket.socketpair()
+    return theirs.detach(), ours.detach()
+
+
+class SpoiltDaemon(Daemon):
+    """limits: {resource: value}. output: a function that gives a descriptor for standard output and
+    error, and one to keep open; or "closed". Without it the output is in files as always."""
+
+    def __init__(self, folder, limits=None, output=None, env=None, closed=()):
+        super().__init__(folder, env=env)
+        self._limits, self._output, self._closed = limits or {}, output, closed
+        self._kept = None
+
+    def _prepare(self):
+        for name, value in self._limits.items():
+            resource.setrlimit(name, (value, value))
+        for number in self._closed:
+            os.close(number)
+
+    def spawn(self):
+        self.stdout = Output(os.path.join(self.folder, "stdout.txt"))
+        self.stderr = Output(os.path.join(self.folder, "stderr.txt"))
+        out, err = self.stdout.file, self.stderr.file
+        if self._output:
+            out, self._kept = self._output()
+            err = out
+        self.process = subprocess.Popen(
+            [self.program],
+            stdin=subprocess.DEVNULL,
+            stdout=out,
+            stderr=err,
+            cwd=self.folder,
+            env=self._env,
+            preexec_fn=self._prepare,
+        )
+        if self._output:
+            os.close(out)
+        return self
+
+    def start(self):
+        self.spawn()
+        wait_until(self._listens, "the daemon on port 80")
+        self.mark()
+        return self
+
+    def _listens(self):
+        assert self.is_alive(), f"the daemon ended: {self.stdout.text()} {self.stderr.text()}"
+        with socket.socket() as sock:
+            return sock.connect_ex(("127.0.0.1", 80)) == 0
+
+    def stop(self):
+        super().stop()
+        if self._kept is not None:
+            os.close(self._kept)
