@@ -38,6 +38,8 @@ target_compile_definitions(
          MG_ENABLE_HTTP_CGI=0
          MG_ENABLE_HTTP_WEBDAV=0
          MG_ENABLE_DIRECTORY_LISTING=0
+         # The library's types hold sizes of files: 64 bits for whoever passes them.
+         _FILE_OFFSET_BITS=64
          # A browser with long cookies and a long Referer fits.
          MG_MAX_HTTP_REQUEST_SIZE=8192
          # One segment a poll (the default) lets delayed acknowledgements stall longer replies.
