@@ -7,7 +7,7 @@
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
-purposes="build run test ui check bench fuzz cross"
+purposes="build run test ui check bench fuzz cross package"
 
 packages_for() {
   case $1 in
@@ -25,7 +25,11 @@ packages_for() {
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
     bench) echo libbenchmark-dev wrk lighttpd busybox libfcgi-dev valgrind ;;
     fuzz) echo clang libclang-rt-14-dev llvm ;;
-    cross) echo g++-arm-linux-gnueabihf qemu-user-static dpkg-dev fakeroot ;;
+    # The libraries of the recorder's architecture, and what runs its executables here.
+    cross) echo g++-arm-linux-gnueabihf libtinyxml-dev:armhf libmd-dev:armhf qemu-user-static file ;;
+    # cpack asks dpkg-shlibdeps and file; debootstrap makes the system that packages are tried in,
+    # and a busybox stands for a recorder's; groff-base reads the manual page.
+    package) echo dpkg-dev file debootstrap busybox groff-base iproute2 curl ;;
     *) fail "no purpose \"$1\"; there are: $purposes" ;;
   esac
 }
@@ -41,7 +45,9 @@ node_packages() {
 
 missing_packages() {
   local installed wanted
-  installed=$(dpkg-query -W -f '${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p')
+  # Each by its name alone and with its architecture, as it may be asked for either way.
+  installed=$(dpkg-query -W -f '${db:Status-Status} ${Package} ${Architecture}\n' |
+    sed -n -e 's/^installed \([^ ]*\) \(.*\)/\1\n\1:\2/p')
   wanted=$(for purpose in "$@"; do packages_for "$purpose"; done)
   tr -s ' ' '\n' <<<"$wanted" | sed '/^$/d' | sort -u | grep -vxF -e "$installed" || true
 }
@@ -61,6 +67,7 @@ apt_install() {
   # shellcheck disable=SC2064  # the file's name now
   trap "rm -f '$log'" EXIT
   export DEBIAN_FRONTEND=noninteractive
+  [[ "$*" != *:armhf* ]] || dpkg --add-architecture armhf
   say "installing $*"
   apt-get -q update >"$log" 2>&1 || true
   apt-get -q install -y --no-install-recommends "$@" >>"$log" 2>&1 ||

@@ -7,7 +7,7 @@
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
-stages="deps build test format asan tsan static fuzz"
+stages="deps build test format asan tsan static fuzz cross package"
 jobs=$(nproc)
 results=()
 failed=0
@@ -54,6 +54,10 @@ stage_static() {
 
 # Half a minute for each target, beside the replay of their corpora in the other stages.
 stage_fuzz() { scripts/fuzz.sh 30; }
+
+# For a recorder's processor, and the black-box tests that do not wait for a silent device.
+stage_cross() { scripts/cross.sh --quick; }
+stage_package() { tests/packaging/run.sh; }
 
 run_stage() {
   local start=$SECONDS outcome=passed

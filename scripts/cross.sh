@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# cross.sh [--quick]: builds for a recorder's processor, looks at the result, and drives it here.
+#
+# The executable is static and runs on any ARMv7-A with Linux 3.2 or later. Every black-box test
+# that drives the daemon runs against it under an emulator; --quick leaves out the files that spend
+# their time on waiting for a silent device. The result is the folder build/armhf/image.
+# shellcheck source=scripts/common.sh
+. "$(dirname -- "$0")/common.sh"
+
+build=$root/build/armhf
+program=$build/image/opt/webctrl/bin/webctrl
+most_bytes=1200000
+runner=qemu-arm-static
+left_out=(devsim)
+
+build_all() {
+  # The simulated recorder, the other end of some tests, runs on this machine.
+  local tests=(-DWEBCTRL_BUILD_TESTS=OFF)
+  [ ! -f build/release/CMakeCache.txt ] || tests=()
+  cmake --preset release "${tests[@]}" && cmake --build --preset release --target devsim -j "$(nproc)" &&
+    cmake --preset armhf && cmake --build --preset armhf --target webctrl web_root -j "$(nproc)" &&
+    cmake --install build/armhf --strip --prefix "$build/image/opt/webctrl"
+}
+
+# expect <what> <pattern> <text>: the text must have the pattern.
+expect() {
+  grep -Eq -- "$2" <<<"$3" || fail "the executable is not $1: $3"
+  say "$1: yes"
+}
+
+look_at_it() {
+  local kind size
+  kind=$(file -b "$program")
+  expect "a 32-bit ARM executable" "ELF 32-bit LSB executable, ARM, EABI5" "$kind"
+  expect "static" "statically linked" "$kind"
+  expect "stripped" ", stripped" "$kind"
+  expect "content with a kernel 3.4" "GNU/Linux 3\.[0-4]\." "$kind"
+  kind=$(readelf --arch-specific --wide "$program")
+  expect "for ARMv7-A" 'Tag_CPU_arch: v7$' "$kind"
+  expect "for hard float" "Tag_ABI_VFP_args: VFP registers" "$kind"
+  kind=$(readelf --program-headers --wide "$program" | grep GNU_STACK || true)
+  expect "without an executable stack" " RW +0x" "$kind"
+  size=$(stat -c %s "$program")
+  [ "$size" -lt $most_bytes ] || fail "$size bytes, at most $most_bytes are wanted"
+  say "$size bytes"
+}
+
+# One file of tests: a process of its own, in a network of its own.
+test_file() {
+  local name=$1 status=0
+  timeout 900 /usr/bin/python3 -m pytest -q -p no:cacheprovider "tests/blackbox/test_$name.py" \
+    >"$build/blackbox/$name.log" 2>&1 || status=$?
+  case $status in
+    0) say "$name: $(tail -n 1 "$build/blackbox/$name.log")" ;;
+    77) say "$name: skipped, the machine allows no network namespace" ;;
+    *) say "$name: FAILED, see $build/blackbox/$name.log" && tail -n 30 "$build/blackbox/$name.log" ;;
+  esac
+  [ $status = 0 ] || [ $status = 77 ]
+}
+
+# Most of a test's time is waiting, also under the emulator: more of them than processors.
+test_all() {
+  local path names=()
+  for path in tests/blackbox/test_*.py; do
+    path=${path##*/test_}
+    [[ " ${left_out[*]} " == *" ${path%.py} "* ]] || names+=("${path%.py}")
+  done
+  [ ${#names[@]} -gt 0 ] || fail "found no tests"
+  mkdir -p "$build/blackbox"
+  export -f test_file say
+  export build self WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
+  export DEVSIM_BIN=$root/build/release/bin/devsim
+  # The longest ones come last in the alphabet and begin first.
+  printf '%s\n' "${names[@]}" | sort -r | xargs -P "$((2 * $(nproc)))" -I {} bash -c 'test_file {}'
+}
+
+case ${1-} in
+  '') ;;
+  --quick) left_out+=(silent_queries silent_sets exchange set_outcomes recorder) ;;
+  *) fail "usage: cross.sh [--quick]" ;;
+esac
+"$root/scripts/install-deps.sh" build cross test
+cd "$root"
+mkdir -p "$build"
+build_all >"$build/build.log" 2>&1 || fail "the build failed: $(tail -n 20 "$build/build.log")"
+look_at_it
+test_all || fail "the tests above failed"
