@@ -47,10 +47,12 @@ target_compile_definitions(
          MG_MAX_HTTP_SEND_MBUF=16384
          # Two such paths a level of nested includes; MongooseBuild.c says why so short.
          MG_MAX_PATH=1024)
-# Its memory and its files go through functions of ours.
+# Its memory and its files go through functions of ours: CBB/Util/ReserveMemory, and HttpFiles of
+# CBB/WebCtrl, which links itself to it.
+target_link_libraries(mongoose PUBLIC util)
 target_compile_definitions(
-  mongoose PRIVATE MG_USER_FILE_FUNCTIONS MG_MALLOC=HttpMalloc MG_CALLOC=HttpCalloc
-                   MG_REALLOC=HttpRealloc MG_FREE=HttpFree)
+  mongoose PRIVATE MG_USER_FILE_FUNCTIONS MG_MALLOC=ReserveMalloc MG_CALLOC=ReserveCalloc
+                   MG_REALLOC=ReserveRealloc MG_FREE=ReserveFree)
 # -fwrapv: it counts the seconds of a request's date in an int, which any date from 2038 on exceeds.
 target_compile_options(mongoose PRIVATE -w -fwrapv
-                                        -include ${CMAKE_SOURCE_DIR}/CBB/WebCtrl/HttpMemory.h)
+                                        -include ${CMAKE_SOURCE_DIR}/CBB/Util/ReserveMemory.h)

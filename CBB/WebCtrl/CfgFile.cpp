@@ -25,27 +25,16 @@ struct stConverted {
   int nToText;
 };
 
-// Converts the GBK text in place and terminates it behind its last byte: the UTF-8 text is the
-// shorter one where two bytes are unassigned and become U+0001.
-stConverted GbkToUtf8(char* pszText) {
+// Converts the text in place through code points and terminates it behind its last byte. The new
+// text may be the shorter one either way: unassigned GBK codes become U+0001.
+template <auto pfnToCodePoints, auto pfnToText>
+stConverted Convert(char* pszText) {
   const CodePoints points = std::make_unique<uint32_t[]>(kCfgSize);
   int nPoints = kCfgSize;
   int nBytes = kCfgSize;
   stConverted converted{};
-  converted.nToCodePoints = enc_GBK_to_unicode_str(pszText, points.get(), &nPoints);
-  converted.nToText = enc_unicode_to_utf8_str(points.get(), pszText, &nBytes);
-  pszText[std::min(nBytes, kCfgSize - 1)] = '\0';
-  return converted;
-}
-
-// Converts the UTF-8 text in place and terminates it behind its last byte.
-stConverted Utf8ToGbk(char* pszText) {
-  const CodePoints points = std::make_unique<uint32_t[]>(kCfgSize);
-  int nPoints = kCfgSize;
-  int nBytes = kCfgSize;
-  stConverted converted{};
-  converted.nToCodePoints = enc_utf8_to_unicode_str(pszText, points.get(), &nPoints);
-  converted.nToText = enc_unicode_to_GBK_str(points.get(), pszText, &nBytes);
+  converted.nToCodePoints = pfnToCodePoints(pszText, points.get(), &nPoints);
+  converted.nToText = pfnToText(points.get(), pszText, &nBytes);
   pszText[std::min(nBytes, kCfgSize - 1)] = '\0';
   return converted;
 }
@@ -93,7 +82,7 @@ void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
   const CFunTrace trace;
   const auto text = std::make_unique<char[]>(kCfgSize);
   const int nResult = export_CfgFileFromNet(text.get()) == 0 ? 1 : 0;
-  const stConverted converted = GbkToUtf8(text.get());
+  const auto converted = Convert<enc_GBK_to_unicode_str, enc_unicode_to_utf8_str>(text.get());
   if (converted.nToCodePoints != 1 || converted.nToText != 1) {
     // Deliberate: no reply of any kind.
     printf("GBK to utf8 failed!ret2 = %d, ret3 = %d\n", converted.nToCodePoints, converted.nToText);
@@ -118,7 +107,7 @@ void CWebCtrl::import_CfgFile(mg_connection* pConn, http_message* pMsg) {
   const CFunTrace trace;
   char szText[kCfgSize] = {};
   mg_get_http_var(&pMsg->body, "strFD_CfgPara", szText, sizeof(szText));
-  const stConverted converted = Utf8ToGbk(szText);
+  const auto converted = Convert<enc_utf8_to_unicode_str, enc_unicode_to_GBK_str>(szText);
   if (converted.nToCodePoints == 0 || converted.nToText == 0) {
     puts("utf8 to GBK failed!");
     return;

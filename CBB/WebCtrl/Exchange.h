@@ -16,14 +16,14 @@
 
 constexpr int kMaxQueryReply = 2048;
 
-// One query: the request text, how long a reply may be (at most kMaxQueryReply bytes; it arrives in
-// the request's buffer), the importer, which fills the record and returns 0 or leaves it, and what
+// One query: the request text, the importer, which fills the record and returns 0 or leaves it, how
+// long a reply may be (at most kMaxQueryReply bytes; it arrives in the request's buffer), and what
 // a trace of the reply's text begins with (null: no such trace).
 template <class R>
 struct CQuery {
   const char* pszRequest;
-  int nCapacity;
   int (*pfnImport)(TiXmlElement* pSection, R& rec);
+  int nCapacity = kMaxQueryReply;
   const char* pszReplyTrace = nullptr;
 };
 
@@ -35,6 +35,9 @@ int ImportRecord(TiXmlElement* pSection, typename MemberOf<pRecord>::Field& rec)
   if (nRet == 0) rec = task.Record().*pRecord;
   return nRet;
 }
+
+// The import of a section into its record: names of importer and member cannot drift apart.
+#define IMPORT(section) ImportRecord<&CConfig_Task::Import_##section, &stConfig::section##Info>
 
 template <class R>
 int CWebCtrl::Query(const CQuery<R>& query, R& rec) {

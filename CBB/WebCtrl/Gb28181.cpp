@@ -19,9 +19,7 @@ constexpr uint8_t kEnabled = 0x01;
 constexpr uint8_t kStreamType = 0x80;
 constexpr useconds_t kPauseUs = 500;
 
-constexpr CQuery<stGB28181> kQuery{
-    QUERY("<stGB28181>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stGB28181, &stConfig::stGB28181Info>};
+constexpr CQuery<stGB28181> kQuery{QUERY("<stGB28181>"), IMPORT(stGB28181)};
 
 int StoreServerIp(stGB28181& stGB28181Info, const char* pszText) {
   Store<&stGB28181::strFD_ServerIp>(stGB28181Info, pszText);

@@ -1,65 +1,48 @@
 // The files that the HTTP library opens: regular ones inside the document root and no others,
-// wherever a URI, a page's include or a symbolic link leads. They are only ever read.
+// wherever a URI, a page's include or a symbolic link leads. They are only ever read. HTTP server
+// thread only; nothing here throws, as the library's frames lie between.
 #include <fcntl.h>
 #include <mongoose.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 
+#include "CBB/Util/TextCopy.h"
 #include "CBB/WebCtrl/HttpLoop.h"
 
 namespace {
 
-// A longer path is cut, which does not change where it begins. The thread's stack has 128 KiB.
-using PathBuffer = char[1024];
-
-class CFile {
- public:
-  CFile(const char* pszPath, int nFlags) : m_nFd(open(pszPath, nFlags | O_CLOEXEC)) {}
-  ~CFile() {
-    if (m_nFd >= 0) close(m_nFd);
+// Where the document root really is, found out once for each root; empty when it is not there.
+std::string_view RealRoot() {
+  static char szGiven[128];
+  static char szReal[PATH_MAX];
+  const char* pszRoot = HttpOptions().document_root;
+  if (szReal[0] == '\0' || strcmp(szGiven, pszRoot) != 0) {
+    CopyText(szGiven, sizeof(szGiven), pszRoot);
+    if (realpath(pszRoot, szReal) == nullptr) szReal[0] = '\0';
   }
-  CFile(const CFile&) = delete;
-  CFile& operator=(const CFile&) = delete;
+  return szReal;
+}
 
-  bool IsOpen() const { return m_nFd >= 0; }
+bool IsInsideRoot(int nFd) {
+  char szLink[32];
+  snprintf(szLink, sizeof(szLink), "/proc/self/fd/%d", nFd);
+  char szFile[1024];  // a longer path is cut, which does not change where it begins
+  const ssize_t nLen = readlink(szLink, szFile, sizeof(szFile));
+  const std::string_view file(szFile, nLen > 0 ? static_cast<size_t>(nLen) : 0);
+  const std::string_view root = RealRoot();
+  return !root.empty() && file.size() > root.size() && file[root.size()] == '/' &&
+         file.substr(0, root.size()) == root;
+}
 
-  bool IsRegular() const {
-    struct stat st {};
-    return fstat(m_nFd, &st) == 0 && S_ISREG(st.st_mode);
-  }
-
-  // Where the file really is; empty when that cannot be told. Valid as long as the buffer.
-  std::string_view Path(PathBuffer& szBuf) const {
-    char szLink[32];
-    snprintf(szLink, sizeof(szLink), "/proc/self/fd/%d", m_nFd);
-    const ssize_t nLen = readlink(szLink, szBuf, sizeof(szBuf));
-    return {szBuf, nLen > 0 ? static_cast<size_t>(nLen) : 0};
-  }
-
-  // A stream that owns the file from now on, or null.
-  FILE* ToStream() {
-    FILE* const pStream = fdopen(m_nFd, "rb");
-    if (pStream != nullptr) m_nFd = -1;
-    return pStream;
-  }
-
- private:
-  int m_nFd;
-};
-
-bool IsInsideRoot(const CFile& file) {
-  const CFile root(HttpOptions().document_root, O_PATH | O_DIRECTORY);
-  if (!root.IsOpen()) return false;
-  PathBuffer szRoot;
-  PathBuffer szFile;
-  const std::string_view strRoot = root.Path(szRoot);
-  const std::string_view strFile = file.Path(szFile);
-  return !strRoot.empty() && strFile.size() > strRoot.size() && strFile[strRoot.size()] == '/' &&
-         strFile.substr(0, strRoot.size()) == strRoot;
+bool IsRegular(int nFd) {
+  struct stat st {};
+  return fstat(nFd, &st) == 0 && S_ISREG(st.st_mode);
 }
 
 }  // namespace
@@ -68,13 +51,14 @@ int mg_stat(const char* pszPath, cs_stat_t* pStat) { return stat(pszPath, pStat)
 
 FILE* mg_fopen(const char* pszPath, const char* /*pszMode*/) {
   // Not waiting for a pipe's writer: it is refused below.
-  CFile file(pszPath, O_RDONLY | O_NONBLOCK | O_NOCTTY);
-  if (!file.IsOpen()) return nullptr;
-  if (!file.IsRegular() || !IsInsideRoot(file)) {
+  const int nFd = open(pszPath, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (nFd < 0) return nullptr;
+  FILE* const pStream = IsRegular(nFd) && IsInsideRoot(nFd) ? fdopen(nFd, "rb") : nullptr;
+  if (pStream == nullptr) {
+    close(nFd);
     errno = ENOENT;
-    return nullptr;
   }
-  return file.ToStream();
+  return pStream;
 }
 
 size_t mg_fread(void* pBuf, size_t nSize, size_t nCount, FILE* pFile) {

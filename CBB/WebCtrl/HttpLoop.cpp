@@ -12,7 +12,7 @@
 #include <cstring>
 #include <new>
 
-#include "CBB/WebCtrl/HttpMemory.h"
+#include "CBB/Util/ReserveMemory.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
 namespace {

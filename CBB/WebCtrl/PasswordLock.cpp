@@ -15,9 +15,8 @@ constexpr uint32_t kClockOffsetSec = 28800;  // the stored lock time is 8 hours 
 constexpr uint32_t kLockOutSec = 3600;
 constexpr uint8_t kMaxErrors = 5;
 
-constexpr CQuery<stLockOfPassword> kQuery{
-    QUERY("<stLockOfPassword>"), 256,
-    ImportRecord<&CConfig_Task::Import_stLockOfPassword, &stConfig::stLockOfPasswordInfo>};
+constexpr CQuery<stLockOfPassword> kQuery{QUERY("<stLockOfPassword>"), IMPORT(stLockOfPassword),
+                                          256};
 
 constexpr CFormField<stLockOfPassword> kForm[] = {
     {"ucFD_ErrorCount", Presence::kNonEmpty, Store<&stLockOfPassword::ucFD_ErrorCount>},

@@ -1,7 +1,5 @@
 // The query endpoints: one request, one importer and one list of JSON fields each. The endpoints
 // with branches of their own are in Wifi, Login, SystemStatus and Gb28181.
-#include <arpa/inet.h>
-
 #include <cstring>
 #include <ctime>
 
@@ -12,33 +10,16 @@
 namespace {
 
 // Deliberate: most section tags are left open; the device application expects them so.
-constexpr CQuery<stDisplay> kLangQuery{
-    QUERY("<stDisplay>"), 512,
-    ImportRecord<&CConfig_Task::Import_stDisplay, &stConfig::stDisplayInfo>};
-constexpr CQuery<stBaseInfo> kBaseQuery{
-    QUERY("<stBaseInfo>"), 512,
-    ImportRecord<&CConfig_Task::Import_stBaseInfo, &stConfig::stBaseInfoInfo>};
-constexpr CQuery<stVideoMirror> kMirrorQuery{
-    QUERY("<stVideoMirror>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stVideoMirror, &stConfig::stVideoMirrorInfo>};
-constexpr CQuery<stMainStream> kMainStreamQuery{
-    QUERY("<stMainStream StartChn=\"0\">"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stMainStream, &stConfig::stMainStreamInfo>};
-constexpr CQuery<stSubStream> kSubStreamQuery{
-    QUERY("<stSubStream>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stSubStream, &stConfig::stSubStreamInfo>};
-constexpr CQuery<stNetWorkMode> kNetWModeQuery{
-    QUERY("<stNetWorkMode>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stNetWorkMode, &stConfig::stNetWorkModeInfo>};
-constexpr CQuery<stMobileGNet> kGNetQuery{
-    QUERY("<stMobileGNet>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stMobileGNet, &stConfig::stMobileGNetInfo>};
-constexpr CQuery<stLocalEth0> kLocalNetQuery{
-    QUERY("<stLocalEth0>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stLocalEth0, &stConfig::stLocalEth0Info>};
-constexpr CQuery<stVersion> kVersionQuery{
-    QUERY("<stVersion />"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stVersion, &stConfig::stVersionInfo>};
+constexpr CQuery<stDisplay> kLangQuery{QUERY("<stDisplay>"), IMPORT(stDisplay), 512};
+constexpr CQuery<stBaseInfo> kBaseQuery{QUERY("<stBaseInfo>"), IMPORT(stBaseInfo), 512};
+constexpr CQuery<stVideoMirror> kMirrorQuery{QUERY("<stVideoMirror>"), IMPORT(stVideoMirror)};
+constexpr CQuery<stMainStream> kMainStreamQuery{QUERY("<stMainStream StartChn=\"0\">"),
+                                                IMPORT(stMainStream)};
+constexpr CQuery<stSubStream> kSubStreamQuery{QUERY("<stSubStream>"), IMPORT(stSubStream)};
+constexpr CQuery<stNetWorkMode> kNetWModeQuery{QUERY("<stNetWorkMode>"), IMPORT(stNetWorkMode)};
+constexpr CQuery<stMobileGNet> kGNetQuery{QUERY("<stMobileGNet>"), IMPORT(stMobileGNet)};
+constexpr CQuery<stLocalEth0> kLocalNetQuery{QUERY("<stLocalEth0>"), IMPORT(stLocalEth0)};
+constexpr CQuery<stVersion> kVersionQuery{QUERY("<stVersion />"), IMPORT(stVersion)};
 
 int ImportFirstCms(TiXmlElement* pSection, stCMS& rec) {
   CConfig_Task task;
@@ -46,7 +27,7 @@ int ImportFirstCms(TiXmlElement* pSection, stCMS& rec) {
   if (nRet == 0) rec = task.Record().stCMSInfo[0];
   return nRet;
 }
-constexpr CQuery<stCMS> kVCmsQuery{QUERY("<stCMS>"), kMaxQueryReply, ImportFirstCms};
+constexpr CQuery<stCMS> kVCmsQuery{QUERY("<stCMS>"), ImportFirstCms};
 
 void EmitLanguage(CJsonReply& reply, const char* pszKey, const stDisplay& rec) {
   reply.Add(pszKey, strcmp(rec.strLanguage, "CN") == 0 ? "CN" : "EN");

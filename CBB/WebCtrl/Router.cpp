@@ -13,7 +13,7 @@ namespace {
 
 struct CRoute {
   const char* pszUri;
-  void (CWebCtrl::*pfnHandler)(mg_connection* pConn, http_message* pMsg);
+  CWebCtrl::Handler CWebCtrl::*pfnHandler;
 };
 
 constexpr CRoute kRoutes[] = {

@@ -8,9 +8,7 @@
 
 namespace {
 
-constexpr CQuery<stSystemInfo> kQuery{
-    QUERY("<stSystemInfo />"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stSystemInfo, &stConfig::stSystemInfoInfo>};
+constexpr CQuery<stSystemInfo> kQuery{QUERY("<stSystemInfo />"), IMPORT(stSystemInfo)};
 
 constexpr uint8_t kWifiClient = 1;
 

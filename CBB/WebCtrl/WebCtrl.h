@@ -68,41 +68,23 @@ class CWebCtrl {
 
   // Handlers: each answers pConn before it returns, except where an unanswered path is part of the
   // interface. The arguments belong to the HTTP library.
-  void get_LangInfo(mg_connection* pConn, http_message* pMsg);
-  void set_LangInfo(mg_connection* pConn, http_message* pMsg);
-  void get_BaseInfo(mg_connection* pConn, http_message* pMsg);
-  void set_BaseInfo(mg_connection* pConn, http_message* pMsg);
-  void get_UserSecurity(mg_connection* pConn, http_message* pMsg);
-  void set_UserSecurity(mg_connection* pConn, http_message* pMsg);
-  void cmp_UserSecurity(mg_connection* pConn, http_message* pMsg);
-  void get_LockOfPassword(mg_connection* pConn, http_message* pMsg);
-  void set_LockOfPassword(mg_connection* pConn, http_message* pMsg);
-  void set_DeviceNo(mg_connection* pConn, http_message* pMsg);
-  void get_MirrorInfo(mg_connection* pConn, http_message* pMsg);
-  void set_MirrorInfo(mg_connection* pConn, http_message* pMsg);
-  void get_MainStreamInfo(mg_connection* pConn, http_message* pMsg);
-  void set_MainStreamInfo(mg_connection* pConn, http_message* pMsg);
-  void get_SubStreamInfo(mg_connection* pConn, http_message* pMsg);
-  void set_SubStreamInfo(mg_connection* pConn, http_message* pMsg);
-  void get_NetWModeInfo(mg_connection* pConn, http_message* pMsg);
-  void set_NetWModeInfo(mg_connection* pConn, http_message* pMsg);
-  void get_VCmsInfo(mg_connection* pConn, http_message* pMsg);
-  void set_VCmsInfo(mg_connection* pConn, http_message* pMsg);
-  void get_WifiInfo(mg_connection* pConn, http_message* pMsg);
-  void set_WifiInfo(mg_connection* pConn, http_message* pMsg);
-  void get_GNetInfo(mg_connection* pConn, http_message* pMsg);
-  void set_GNetInfo(mg_connection* pConn, http_message* pMsg);
-  void get_GB28181Info(mg_connection* pConn, http_message* pMsg);
-  void set_GB28181Info(mg_connection* pConn, http_message* pMsg);
-  void get_cpu_usage(mg_connection* pConn, http_message* pMsg);
-  void get_VersionInfo(mg_connection* pConn, http_message* pMsg);
-  void get_SystemInfo(mg_connection* pConn, http_message* pMsg);
-  void set_Login(mg_connection* pConn, http_message* pMsg);
-  void get_Login(mg_connection* pConn, http_message* pMsg);
-  void get_LocalNetInfo(mg_connection* pConn, http_message* pMsg);
-  void set_LocalNetInfo(mg_connection* pConn, http_message* pMsg);
-  void export_CfgFile(mg_connection* pConn, http_message* pMsg);
-  void import_CfgFile(mg_connection* pConn, http_message* pMsg);
+  using Handler = void(mg_connection* pConn, http_message* pMsg);
+  Handler get_LangInfo, set_LangInfo;
+  Handler get_BaseInfo, set_BaseInfo, set_DeviceNo;
+  Handler get_UserSecurity, set_UserSecurity, cmp_UserSecurity;
+  Handler get_LockOfPassword, set_LockOfPassword;
+  Handler get_MirrorInfo, set_MirrorInfo;
+  Handler get_MainStreamInfo, set_MainStreamInfo;
+  Handler get_SubStreamInfo, set_SubStreamInfo;
+  Handler get_NetWModeInfo, set_NetWModeInfo;
+  Handler get_VCmsInfo, set_VCmsInfo;
+  Handler get_WifiInfo, set_WifiInfo;
+  Handler get_GNetInfo, set_GNetInfo;
+  Handler get_GB28181Info, set_GB28181Info;
+  Handler get_LocalNetInfo, set_LocalNetInfo;
+  Handler get_VersionInfo, get_SystemInfo, get_cpu_usage;
+  Handler get_Login, set_Login;
+  Handler export_CfgFile, import_CfgFile;
 
   // Device operations: one exchange each (Wi-Fi: up to two). A query fills the caller's record and
   // returns 0, or leaves it as it was and returns something else.

@@ -11,17 +11,14 @@ namespace {
 
 constexpr uint8_t kAccessPoint = 2;  // ucFD_WorkMode
 
-constexpr CQuery<stWifi> kStationQuery{
-    QUERY("<stWifi>"), kMaxQueryReply,
-    ImportRecord<&CConfig_Task::Import_stWifi, &stConfig::stWifiInfo>};
+constexpr CQuery<stWifi> kStationQuery{QUERY("<stWifi>"), IMPORT(stWifi)};
 
 int ImportAccessPoint(TiXmlElement* pSection, stWifiAp& rec) {
-  const int nRet =
-      ImportRecord<&CConfig_Task::Import_stWifiAp, &stConfig::stWifiApInfo>(pSection, rec);
+  const int nRet = IMPORT(stWifiAp)(pSection, rec);
   printf("-------------------AP ssid:%s.\n", rec.strFD_SSID);
   return nRet;
 }
-constexpr CQuery<stWifiAp> kAccessPointQuery{QUERY("<stWifiAp>"), kMaxQueryReply, ImportAccessPoint,
+constexpr CQuery<stWifiAp> kAccessPointQuery{QUERY("<stWifiAp>"), ImportAccessPoint, kMaxQueryReply,
                                              "-------------------ap xml:"};
 
 constexpr CJsonField<stWifi> kJson[] = {

@@ -1,4 +1,4 @@
-#include "CBB/WebCtrl/HttpMemory.h"
+#include "CBB/Util/ReserveMemory.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -18,12 +18,12 @@ namespace {
 constexpr size_t kSmall = 128;
 constexpr size_t kReserve = 160;
 
-class HttpMemoryTest : public testing::Test {
+class ReserveMemoryTest : public testing::Test {
  protected:
-  HttpMemoryTest() { TakeMemoryShortage(); }
-  ~HttpMemoryTest() override { TakeMemoryShortage(); }
-  HttpMemoryTest(const HttpMemoryTest&) = delete;
-  HttpMemoryTest& operator=(const HttpMemoryTest&) = delete;
+  ReserveMemoryTest() { TakeMemoryShortage(); }
+  ~ReserveMemoryTest() override { TakeMemoryShortage(); }
+  ReserveMemoryTest(const ReserveMemoryTest&) = delete;
+  ReserveMemoryTest& operator=(const ReserveMemoryTest&) = delete;
 };
 
 bool IsZero(const void* pBlock, size_t nSize) {
@@ -31,59 +31,59 @@ bool IsZero(const void* pBlock, size_t nSize) {
   return std::all_of(pBytes, pBytes + nSize, [](char c) { return c == 0; });
 }
 
-TEST_F(HttpMemoryTest, IsOrdinaryMemoryWhileThereIsSome) {
-  void* pBlock = HttpMalloc(8);
-  pBlock = HttpRealloc(pBlock, 100000);
+TEST_F(ReserveMemoryTest, IsOrdinaryMemoryWhileThereIsSome) {
+  void* pBlock = ReserveMalloc(8);
+  pBlock = ReserveRealloc(pBlock, 100000);
   EXPECT_NE(nullptr, pBlock);
-  HttpFree(pBlock);
-  pBlock = HttpCalloc(100, 100);
+  ReserveFree(pBlock);
+  pBlock = ReserveCalloc(100, 100);
   EXPECT_TRUE(IsZero(pBlock, 10000));
-  HttpFree(pBlock);
-  HttpFree(nullptr);
+  ReserveFree(pBlock);
+  ReserveFree(nullptr);
   EXPECT_FALSE(IsMemoryShort());
 }
 
-TEST_F(HttpMemoryTest, NotesAShortageUntilItIsTaken) {
-  EXPECT_EQ(nullptr, CNoHeap().Run([] { return HttpMalloc(kSmall + 1); }));
+TEST_F(ReserveMemoryTest, NotesAShortageUntilItIsTaken) {
+  EXPECT_EQ(nullptr, CNoHeap().Run([] { return ReserveMalloc(kSmall + 1); }));
   EXPECT_TRUE(IsMemoryShort());
   EXPECT_TRUE(IsMemoryShort());
   EXPECT_TRUE(TakeMemoryShortage());
   EXPECT_FALSE(IsMemoryShort());
-  EXPECT_EQ(nullptr, CNoHeap().Run([] { return HttpRealloc(nullptr, 1); }));
+  EXPECT_EQ(nullptr, CNoHeap().Run([] { return ReserveRealloc(nullptr, 1); }));
   EXPECT_TRUE(TakeMemoryShortage());
-  EXPECT_EQ(nullptr, CNoHeap().Run([] { return HttpCalloc(2, kSmall); }));
+  EXPECT_EQ(nullptr, CNoHeap().Run([] { return ReserveCalloc(2, kSmall); }));
   EXPECT_TRUE(TakeMemoryShortage());
   NoteMemoryShortage();
   EXPECT_TRUE(TakeMemoryShortage());
 }
 
-TEST_F(HttpMemoryTest, EmptyingABufferIsNoShortage) {
-  EXPECT_EQ(nullptr, HttpRealloc(HttpMalloc(10), 0));
+TEST_F(ReserveMemoryTest, EmptyingABufferIsNoShortage) {
+  EXPECT_EQ(nullptr, ReserveRealloc(ReserveMalloc(10), 0));
   EXPECT_FALSE(IsMemoryShort());
 }
 
-TEST_F(HttpMemoryTest, GivesZeroedBlocksOfTheReserveAgainAndAgain) {
+TEST_F(ReserveMemoryTest, GivesZeroedBlocksOfTheReserveAgainAndAgain) {
   for (int nRound = 0; nRound < 3; ++nRound) {
     std::vector<void*> blocks(kReserve);
     CNoHeap().Run([&blocks] {
       for (size_t i = 0; i < blocks.size(); ++i) {
-        blocks[i] = i % 2 == 0 ? HttpMalloc(kSmall) : HttpCalloc(kSmall / 8, 8);
+        blocks[i] = i % 2 == 0 ? ReserveMalloc(kSmall) : ReserveCalloc(kSmall / 8, 8);
       }
       return blocks.data();
     });
-    EXPECT_EQ(nullptr, CNoHeap().Run([] { return HttpMalloc(1); }));
+    EXPECT_EQ(nullptr, CNoHeap().Run([] { return ReserveMalloc(1); }));
     EXPECT_EQ(kReserve, std::set<void*>(blocks.begin(), blocks.end()).size());
     for (void* pBlock : blocks) {
       ASSERT_NE(nullptr, pBlock);
       EXPECT_TRUE(IsZero(pBlock, kSmall));
       memset(pBlock, 0xee, kSmall);
-      HttpFree(pBlock);
+      ReserveFree(pBlock);
     }
   }
 }
 
 // Whichever allocation fails, what is sent is a whole reply or nothing.
-TEST_F(HttpMemoryTest, RequestIsAnsweredWholeOrNotAtAll) {
+TEST_F(ReserveMemoryTest, RequestIsAnsweredWholeOrNotAtAll) {
   const std::string strRequest = "GET /get_cpu_usage HTTP/1.1\r\n\r\n";
   int nUnanswered = 0;
   for (int nFailing = 1;; ++nFailing) {

@@ -1,4 +1,4 @@
-#include "CBB/WebCtrl/HttpMemory.h"
+#include "CBB/Util/ReserveMemory.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -36,24 +36,24 @@ void* TakeReserve(size_t nSize) {
 
 }  // namespace
 
-void* HttpMalloc(size_t nSize) {
+void* ReserveMalloc(size_t nSize) {
   void* const pBlock = malloc(nSize);
   return pBlock != nullptr ? pBlock : TakeReserve(nSize);
 }
 
-void* HttpCalloc(size_t nCount, size_t nSize) {
+void* ReserveCalloc(size_t nCount, size_t nSize) {
   void* const pBlock = calloc(nCount, nSize);
   return pBlock != nullptr ? pBlock : TakeReserve(nCount * nSize);
 }
 
 // Grows receive and send buffers only, which never are of the reserve.
-void* HttpRealloc(void* pBlock, size_t nSize) {
+void* ReserveRealloc(void* pBlock, size_t nSize) {
   void* const pGrown = realloc(pBlock, nSize);
   if (pGrown == nullptr && nSize != 0) NoteMemoryShortage();
   return pGrown;
 }
 
-void HttpFree(void* pBlock) {
+void ReserveFree(void* pBlock) {
   if (!IsReserve(pBlock)) {
     free(pBlock);
     return;
