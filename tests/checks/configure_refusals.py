@@ -70,7 +70,7 @@ def main():
         sys.exit(__doc__)
     with tempfile.TemporaryDirectory() as work:
         found = [*library_problems(*sys.argv[1:], work), *address_problems(*sys.argv[1:], work)]
-    sys.exit("\n".join(found))
+    sys.exit("\n".join(found) or None)
 
 
 if __name__ == "__main__":
