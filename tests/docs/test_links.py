@@ -91,3 +91,9 @@ def test_presets_and_options_of_the_commands_exist():
         text = read(document)
         assert set(re.findall(r"--preset[ =](\w+)", text)) <= set(presets), document
         assert set(re.findall(r"-D(WEBCTRL_\w+|MONGOOSE_\w+)", text)) <= options, document
+
+
+def test_stages_are_those_of_the_script():
+    stages = re.search(r'^stages="(.+)"$', read("scripts/test.sh"), re.M)[1].split()
+    told = re.search(r"runs single\s+stages: (.+?)\.\n", read("README.md"), re.S)[1]
+    assert re.findall(r"`(\w+)`", told) == stages
