@@ -3,9 +3,7 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/select.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -13,16 +11,14 @@
 
 namespace {
 
-constexpr timeval kSendTimeout{0, 1000};
-
 void OpenClosedStreams() {
   int nFd = STDIN_FILENO;
   while (nFd >= STDIN_FILENO && nFd <= STDERR_FILENO) nFd = open("/dev/null", O_RDWR);
   if (nFd > STDERR_FILENO) close(nFd);
 }
 
-// The mode belongs to the open file, which other processes may share: a second one is opened where
-// that is allowed, so that only this process's writes change.
+// The mode belongs to the open file, which other processes may share: a pipe is opened a second
+// time where that is allowed, so that only this process's writes change. A socket cannot be.
 void StopWaitingForReader(int nFd) {
   char szPath[32];
   snprintf(szPath, sizeof(szPath), "/proc/self/fd/%d", nFd);
@@ -38,10 +34,7 @@ void StopWaitingForReader(int nFd) {
 void GuardOutput(int nFd) {
   struct stat st {};
   if (fstat(nFd, &st) != 0) return;
-  if (S_ISFIFO(st.st_mode)) StopWaitingForReader(nFd);
-  if (S_ISSOCK(st.st_mode)) {
-    setsockopt(nFd, SOL_SOCKET, SO_SNDTIMEO, &kSendTimeout, sizeof(kSendTimeout));
-  }
+  if (S_ISFIFO(st.st_mode) || S_ISSOCK(st.st_mode)) StopWaitingForReader(nFd);
 }
 
 }  // namespace

@@ -5,10 +5,10 @@
 // Makes the standard streams safe to write to, whoever holds their other ends:
 //   closed        opened on /dev/null, or the next socket would take the number and the traces
 //   a pipe        a full one loses text instead of holding the writer up
-//   a socket      likewise, after a millisecond
+//   a socket      likewise
 //   a terminal    left alone: who stops its output wants it so
-// A reader that has gone makes a write fail instead of ending the process. Where a pipe cannot be
-// opened again, its mode changes for every process that shares it.
+// A reader that has gone makes a write fail instead of ending the process. The mode of a socket,
+// and of a pipe that cannot be opened again, changes for every process that shares it.
 void GuardStdStreams();
 
 // Keeps the numbers of descriptors below what select takes: further ones cannot be opened.

@@ -71,8 +71,9 @@ class Recorder:
         if match := _CHANGE.fullmatch(data):
             if not self._state.arrive(int(match[1])):
                 self._turn_down(data)
-        elif data.startswith(_MIRROR) and self._state.accepting:
-            result = 0
+        elif data.startswith(_MIRROR):
+            # One may come here after a hostile datagram has ended its exchange.
+            result = 0 if self._state.accepting else 1
         else:
             self._turn_down(data)
         return b'<VariCfgSec Action="DEVICE_SET" Result="%d"/>' % result, None

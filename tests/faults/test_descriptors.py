@@ -1,0 +1,71 @@
+"""A low limit of descriptors leaves fewer places for clients, and no busy loop."""
+
+import resource
+import socket
+import time
+
+import pytest
+from daemon import wait_until
+from device import ACCEPTED, answer
+from http_client import Client, get, post
+from spoilt import cpu_ticks
+
+LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
+
+# The limit, and how many idle clients keep their places. Each may be sent a file, too; 16
+# descriptors are for everything else.
+LIMITS = [(10, 1), (18, 1), (20, 2), (32, 8), (64, 24), (256, 120), (1024, 128), (4096, 128)]
+
+
+def ask(request):
+    with Client() as client:
+        client.send(request)
+        return client.read_reply().body
+
+
+def is_closed(sock):
+    try:
+        return sock.recv(1) == b""
+    except BlockingIOError:
+        return False
+    except ConnectionError:
+        return True
+
+
+def works(device):
+    device.play(LANGUAGE)
+    assert ask(get("/get_LangInfo")) == b'{ "strLanguage": "CN", "result": 1 }'
+    assert ask(get("/large.bin")) == b"0123456789abcdef" * 16384
+
+
+@pytest.mark.parametrize("limit, places", LIMITS)
+def test_limit_reached(spoilt, device, limit, places):
+    if limit > resource.getrlimit(resource.RLIMIT_NOFILE)[1]:
+        pytest.skip("the machine's own limit is lower")
+    daemon = spoilt(limits={resource.RLIMIT_NOFILE: limit})
+    socks = [socket.create_connection(("127.0.0.1", 80)) for _ in range(200)]
+    for sock in socks:
+        sock.setblocking(False)
+    wait_until(lambda: sum(not is_closed(sock) for sock in socks) == places, f"{places} places")
+    works(device)
+    ticks = cpu_ticks(daemon)
+    time.sleep(1)
+    assert cpu_ticks(daemon) - ticks < 30, "of 100 that a busy loop takes"
+    for sock in socks:
+        sock.close()
+    works(device)
+    device.play(ACCEPTED)
+    assert ask(post("/set_LangInfo", "strLanguage=CN")) == b'{"result": 1 }'
+    works(device)
+
+
+def test_descriptors_of_the_parent_are_no_trouble(spoilt, device):
+    """More than select takes are open when the daemon starts: it says so and does no harm."""
+    limit = 2100
+    if limit > resource.getrlimit(resource.RLIMIT_NOFILE)[1]:
+        pytest.skip("the machine's own limit is lower")
+    daemon = spoilt(limits={resource.RLIMIT_NOFILE: limit})
+    with open(f"/proc/{daemon.process.pid}/limits", encoding="ascii") as file:
+        row = next(line for line in file if line.startswith("Max open files"))
+    assert row.split()[3] == "1024"
+    works(device)
