@@ -171,7 +171,7 @@ int CUdpCtrlSocket::RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec) {
   assert(pBuf);
   if (const int nRet = WaitReadable(nTimeoutSec)) return nRet;
   // On the heap: the thread's stack has 128 KiB.
-  const std::unique_ptr<uint8_t[]> pWork(new (std::nothrow) uint8_t[kReplyMax]());
+  const std::unique_ptr<uint8_t[]> pWork(new (std::nothrow) uint8_t[kReplyMax]);
   if (!pWork) return -1;
   sockaddr_in from{};
   socklen_t nFromLen = sizeof(from);

@@ -1,5 +1,6 @@
 #include "control/XmlText.h"
 
+#include <array>
 #include <cassert>
 #include <cctype>
 #include <cstring>
@@ -101,11 +102,19 @@ void CDepthProbe::LearnEncoding(TiXmlNode& node) {
   m_encoding = bUtf8 ? TIXML_ENCODING_UTF8 : TIXML_ENCODING_LEGACY;
 }
 
+// Where a start tag's plain text ends, the terminator included. A table: strcspn takes longer to
+// begin than most names are.
+constexpr auto kTagStops = [] {
+  std::array<bool, 256> stops{};
+  for (const char c : "=\"'/<>") stops[static_cast<unsigned char>(c)] = true;
+  return stops;
+}();
+
 // Steps over the rest of a start tag, from behind its "<": past "/>" (then bEmpty) or ">". Null for
 // a tag that is not of names and quoted values alone.
 const char* PlainTagEnd(const char* p, bool& bEmpty) {
   for (char cBefore = 0;; cBefore = *p++) {
-    p += strcspn(p, "=\"'/<>");
+    while (!kTagStops[static_cast<unsigned char>(*p)]) p++;
     bEmpty = *p == '/';
     if (*p == '>') return p + 1;
     if (bEmpty) return p[1] == '>' ? p + 2 : nullptr;

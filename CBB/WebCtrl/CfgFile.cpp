@@ -29,11 +29,14 @@ struct stConverted {
 // text may be the shorter one either way: unassigned GBK codes become U+0001.
 template <auto pfnToCodePoints, auto pfnToText>
 stConverted Convert(char* pszText) {
-  const CodePoints points = std::make_unique<uint32_t[]>(kCfgSize);
+  // Not zeroed: only what is written is read, and a text of kCfgSize - 1 bytes leaves room for an
+  // end.
+  const CodePoints points(new uint32_t[kCfgSize]);
   int nPoints = kCfgSize;
   int nBytes = kCfgSize;
   stConverted converted{};
   converted.nToCodePoints = pfnToCodePoints(pszText, points.get(), &nPoints);
+  points[static_cast<size_t>(std::min(nPoints, kCfgSize - 1))] = 0;
   converted.nToText = pfnToText(points.get(), pszText, &nBytes);
   pszText[std::min(nBytes, kCfgSize - 1)] = '\0';
   return converted;
@@ -66,21 +69,24 @@ bool PrintSetMessage(const char* pszText, TiXmlPrinter& printer) {
 
 int CWebCtrl::export_CfgFileFromNet(char* pszText) {
   const CFunTrace trace;
-  const auto work = std::make_unique<char[]>(kCfgSize + 1);
-  strncpy(work.get(), QUERY(""), kCfgSize);
+  const std::unique_ptr<char[]> work(new char[kCfgSize + 1]);
+  strcpy(work.get(), QUERY(""));
   int nLen = kCfgSize;
   if (GetParaInfoByCmd(work.get(), work.get(), nLen) != 0) return -1;
   printf("strXmlData*************%d\n", nLen);
   TiXmlDocument doc;
   TiXmlElement* pRoot = nullptr;
   if (CheckMessage(work.get(), doc, pRoot) != 0) return -1;
-  strncpy(pszText, work.get(), kCfgSize - 1);
+  // A reply is no longer than kReplyMax: it fits with its terminator.
+  static_assert(kReplyMax < kCfgSize);
+  memcpy(pszText, work.get(), strlen(work.get()) + 1);
   return 0;
 }
 
 void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
   const CFunTrace trace;
-  const auto text = std::make_unique<char[]>(kCfgSize);
+  const std::unique_ptr<char[]> text(new char[kCfgSize]);
+  text[0] = '\0';
   const int nResult = export_CfgFileFromNet(text.get()) == 0 ? 1 : 0;
   const auto converted = Convert<enc_GBK_to_unicode_str, enc_unicode_to_utf8_str>(text.get());
   if (converted.nToCodePoints != 1 || converted.nToText != 1) {

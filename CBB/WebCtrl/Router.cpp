@@ -12,7 +12,7 @@
 namespace {
 
 struct CRoute {
-  const char* pszUri;
+  std::string_view strUri;
   CWebCtrl::Handler CWebCtrl::*pfnHandler;
 };
 
@@ -78,8 +78,9 @@ void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
     DebugPrint(4, "\033[31m\033[1mDoHttpRequeset error!\n\033[0m");
     return;
   }
+  const std::string_view uri(pMsg->uri.p, pMsg->uri.len);
   for (const CRoute& route : kRoutes) {
-    if (mg_vcmp(&pMsg->uri, route.pszUri) == 0) {
+    if (uri == route.strUri) {
       (this->*route.pfnHandler)(pConn, pMsg);
       return;
     }
