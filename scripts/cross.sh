@@ -2,8 +2,8 @@
 # cross.sh [--quick]: builds for a recorder's processor, looks at the result, and drives it here.
 #
 # The executable is static and runs on any ARMv7-A with Linux 3.2 or later. Every black-box test
-# that drives the daemon runs against it under an emulator; --quick leaves out the two files that only
-# wait for a silent device. The result is the folder build/armhf/image.
+# that drives the daemon runs against it under an emulator; --quick leaves out the two files that
+# only wait for a silent device. The result is the folder build/armhf/image.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -48,8 +48,8 @@ look_at_it() {
 # One file of tests: a process of its own, in a network of its own.
 test_file() {
   local name=$1 status=0
-  timeout 900 /usr/bin/python3 -m pytest -q -p no:cacheprovider "tests/blackbox/test_$name.py" \
-    >"$build/blackbox/$name.log" 2>&1 || status=$?
+  timeout 900 /usr/bin/python3 -m pytest -q -p no:cacheprovider --basetemp "$scratch/$name" \
+    "tests/blackbox/test_$name.py" >"$build/blackbox/$name.log" 2>&1 || status=$?
   case $status in
     0) say "$name: $(tail -n 1 "$build/blackbox/$name.log")" ;;
     77) say "$name: skipped, the machine allows no network namespace" ;;
@@ -67,8 +67,12 @@ test_all() {
   done
   [ ${#names[@]} -gt 0 ] || fail "found no tests"
   mkdir -p "$build/blackbox"
+  # Not pytest's usual folder, which sessions of other programs share and clean up; and not below the
+  # build, as the daemon takes short paths only.
+  scratch=$(mktemp -d)
+  trap 'rm -rf "$scratch"' EXIT
   export -f test_file say
-  export build self WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
+  export build self scratch WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
   export DEVSIM_BIN=$root/build/release/bin/devsim
   # The longest ones come last in the alphabet and begin first.
   printf '%s\n' "${names[@]}" | sort -r | xargs -P "$((2 * $(nproc)))" -I {} bash -c 'test_file {}'
