@@ -118,9 +118,8 @@ const char* PlainTagEnd(const char* p, bool& bEmpty) {
     bEmpty = *p == '/';
     if (*p == '>') return p + 1;
     if (bEmpty) return p[1] == '>' ? p + 2 : nullptr;
-    const bool bValue = cBefore == '=' && (*p == '"' || *p == '\'');
-    if (!bValue && *p != '=') return nullptr;
-    if (!bValue) continue;
+    if (*p == '=') continue;
+    if (cBefore != '=' || (*p != '"' && *p != '\'')) return nullptr;
     p = strchr(p + 1, *p);
     if (!p) return nullptr;
   }

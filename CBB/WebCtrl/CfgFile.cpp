@@ -17,8 +17,6 @@ namespace {
 // Bytes of a configuration text, and as many code points.
 constexpr int kCfgSize = 30720;
 
-using CodePoints = std::unique_ptr<uint32_t[]>;
-
 // What the two steps of a conversion returned: 1 done, 2 output full, 0 unconvertible.
 struct stConverted {
   int nToCodePoints;
@@ -31,7 +29,7 @@ template <auto pfnToCodePoints, auto pfnToText>
 stConverted Convert(char* pszText) {
   // Not zeroed: only what is written is read, and a text of kCfgSize - 1 bytes leaves room for an
   // end.
-  const CodePoints points(new uint32_t[kCfgSize]);
+  const std::unique_ptr<uint32_t[]> points(new uint32_t[kCfgSize]);
   int nPoints = kCfgSize;
   int nBytes = kCfgSize;
   stConverted converted{};

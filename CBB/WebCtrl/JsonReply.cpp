@@ -2,13 +2,7 @@
 
 #include <arpa/inet.h>
 
-#include <charconv>
-
 #include "CBB/WebCtrl/MaskSvrAddr.h"
-
-CDecimal::CDecimal(int nValue)
-    : m_nLen(static_cast<size_t>(std::to_chars(m_szText, m_szText + sizeof(m_szText), nValue).ptr -
-                                 m_szText)) {}
 
 CJsonReply::CJsonReply(mg_connection* pConn, const char* pszHeader) : m_pConn(pConn) {
   mg_printf(m_pConn, "%s", pszHeader);
@@ -19,7 +13,7 @@ void CJsonReply::Add(const char* pszKey, const char* pszText) {
 }
 
 void CJsonReply::Add(const char* pszKey, int nValue) {
-  Piece({Lead(), "\"", pszKey, "\": \"", CDecimal(nValue), "\""});
+  Piece({Lead(), "\"", pszKey, "\": \"", std::to_string(nValue), "\""});
 }
 
 void CJsonReply::AddAddress(const char* pszKey, uint32_t uiAddress) {

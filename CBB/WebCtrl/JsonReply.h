@@ -20,17 +20,6 @@ constexpr const char* kJsonHeader =
     "HTTP/1.1 200 OK\r\nContent-Type:applicaion/json;charset=UTF-8\r\n"
     "Transfer-Encoding: chunked\r\n\r\n";
 
-// The decimal text of a number, for a piece of a reply.
-class CDecimal {
- public:
-  explicit CDecimal(int nValue);
-  operator std::string_view() const { return {m_szText, m_nLen}; }
-
- private:
-  char m_szText[12];  // "-2147483648"
-  size_t m_nLen;
-};
-
 // One query reply. Each Add or Piece is one chunk; Result ends the reply.
 class CJsonReply {
  public:

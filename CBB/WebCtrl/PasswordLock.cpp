@@ -46,7 +46,7 @@ void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) 
   if (state.bLockOver) setLockOfPasswordToNet(0, rec.uiFD_LockTime);
   CJsonReply reply(pConn);
   reply.Add("ucFD_ErrorCount", state.nErrorCount);
-  reply.Piece({", \"time\": \"", CDecimal(static_cast<int>(state.uiTime)), "\" "});
+  reply.Piece({", \"time\": \"", std::to_string(static_cast<int>(state.uiTime)), "\" "});
   reply.Result(nRet == 0);
 }
 

@@ -36,7 +36,7 @@ constexpr CJsonField<stDisplay> kLangJson[] = {{"strLanguage", EmitLanguage}};
 
 // The time zone's piece ends with a blank.
 void EmitTimeZone(CJsonReply& reply, const char* pszKey, const stBaseInfo& rec) {
-  reply.Piece({", \"", pszKey, "\": \"", CDecimal(rec.ucFD_TimeZone), "\" "});
+  reply.Piece({", \"", pszKey, "\": \"", std::to_string(rec.ucFD_TimeZone), "\" "});
 }
 // Deliberate: the service's own clock is shown, not the device's strFD_CurTime; the handler puts it
 // into the record.

@@ -95,6 +95,6 @@ void CWebCtrl::get_cpu_usage(mg_connection* pConn, http_message* /*pMsg*/) {
   const double dUsage = rand() / 2147483647.0 * 100.0;
   CJsonReply reply(pConn);
   reply.Piece({"{ \"strFD_SSID\": \"new \""});
-  reply.Piece({", \"result\": ", CDecimal(static_cast<int>(dUsage)), " }"});
+  reply.Piece({", \"result\": ", std::to_string(static_cast<int>(dUsage)), " }"});
   reply.End();
 }

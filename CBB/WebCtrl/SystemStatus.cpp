@@ -28,8 +28,8 @@ std::string_view FieldText(const stSystemInfo& rec, Scratch& szScratch) {
   if constexpr (std::is_array_v<typename MemberOf<M>::Field>) {
     return rec.*M;
   } else {
-    const CDecimal decimal(static_cast<int>(rec.*M));
-    return {szScratch, std::string_view(decimal).copy(szScratch, sizeof(szScratch))};
+    const std::string strText = std::to_string(static_cast<int>(rec.*M));
+    return {szScratch, strText.copy(szScratch, sizeof(szScratch))};
   }
 }
 

@@ -67,7 +67,7 @@ TEST(JsonReply, OpensTheObjectOnceWhateverComesFirst) {
 
 TEST(JsonReply, SendsIrregularPiecesVerbatim) {
   EXPECT_EQ((Chunks{"a%d\"b,7 "}), ChunksOf([](CJsonReply& reply) {
-              reply.Piece({"a%d", "", "\"b,", CDecimal(7), " "});
+              reply.Piece({"a%d", "", "\"b,", std::to_string(7), " "});
             }));
 }
 
