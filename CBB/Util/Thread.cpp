@@ -1,5 +1,7 @@
 #include "CBB/Util/Thread.h"
 
+#include <unistd.h>
+
 #include <cassert>
 #include <memory>
 #include <new>
@@ -14,6 +16,10 @@ int Launch(stThread& thread, void* (*pfnBody)(void*), void* pArg, size_t nStackS
     return 0;
   pthread_attr_destroy(&thread.attr);
   return 1;
+}
+
+void* Sleep(void* /*pArg*/) {
+  for (;;) pause();
 }
 
 }  // namespace
@@ -39,4 +45,9 @@ void ThreadStop(stThread* pThread) {
   pthread_join(pThread->tid, nullptr);
   pthread_attr_destroy(&pThread->attr);
   delete pThread;
+}
+
+void PrepareThreadStop() {
+  stThread* pThread = nullptr;
+  if (ThreadCreate(&Sleep, nullptr, &pThread, 0) == 0) ThreadStop(pThread);
 }

@@ -56,3 +56,7 @@ int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_
 // cancellation is waited for until it ends by itself. A thread may stop itself (with cancellation
 // disabled): the join then fails at once, only the block is gone and the thread runs on.
 void ThreadStop(stThread* pThread);
+
+// Stops a thread made for it. The C library loads what a cancel needs at the first one, and ends
+// the process when there is no memory for that: called while there is some.
+void PrepareThreadStop();

@@ -166,11 +166,12 @@ int RunHttpLoop(const char* pszWebRoot) {
   }
   printf("Starting web server on port %s\n", kPort);
   const int nLimit = ConnectionLimit();
-  for (;;) {
-    mg_mgr_poll(&mgr, kPollMs);
+  for (int nWaitMs = kPollMs;;) {
+    mg_mgr_poll(&mgr, nWaitMs);
     ResumeReceiving(mgr);
     const bool bShort = TakeMemoryShortage();
     if (bShort) puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
     CloseIdleConnections(mgr, bShort ? 0 : nLimit);
+    nWaitMs = bShort ? 0 : kPollMs;  // what is closed gives its memory back without waiting
   }
 }

@@ -7,12 +7,11 @@
 #include <string>
 
 #include "CBB/Util/Descriptors.h"
+#include "CBB/Util/Thread.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
 namespace {
 
-constexpr const char* kDeviceIp = "127.0.0.1";
-constexpr int kDevicePort = 6000;
 constexpr size_t kMaxPath = 128;
 constexpr size_t kMaxWebRoot = 126;
 
@@ -31,10 +30,11 @@ int OwnFolder(char* pszFolder) {
 int main() {
   GuardStdStreams();
   CapDescriptors();
+  PrepareThreadStop();
   // A trace is visible at once, and in order with the debug print, also in a file or a pipe.
   setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   CWebCtrl& webCtrl = CWebCtrl::Instance();
-  webCtrl.Init(kDeviceIp, kDevicePort);
+  webCtrl.Init("127.0.0.1", 6000);
 
   char szFolder[256] = {};
   if (OwnFolder(szFolder) != 0) {

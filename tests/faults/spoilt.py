@@ -68,13 +68,17 @@ class SpoiltDaemon(Daemon):
         return self
 
     def start(self):
+        assert not self._listens(), "another daemon is there"
         self.spawn()
-        wait_until(self._listens, "the daemon on port 80")
+        wait_until(self._serves, "the daemon on port 80")
         self.mark()
         return self
 
-    def _listens(self):
+    def _serves(self):
         assert self.is_alive(), f"the daemon ended: {self.stdout.text()} {self.stderr.text()}"
+        return self._listens()
+
+    def _listens(self):
         with socket.socket() as sock:
             return sock.connect_ex(("127.0.0.1", 80)) == 0
 

@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <filesystem>
 #include <future>
+#include <iterator>
 #include <thread>
 
 #include "tests/unit/Util/NoMemory.h"
@@ -89,6 +91,17 @@ TEST(ThreadStop, CancelsAWaitingThreadAndJoinsIt) {
   waiter.running.get_future().wait();
   ThreadStop(pThread);
   EXPECT_TRUE(waiter.bUnwound);
+}
+
+size_t CountThreads() {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return static_cast<size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+TEST(PrepareThreadStop, LeavesNoThread) {
+  const size_t nBefore = CountThreads();
+  PrepareThreadStop();
+  EXPECT_EQ(nBefore, CountThreads());
 }
 
 struct CSelfStop {

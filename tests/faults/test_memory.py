@@ -1,0 +1,104 @@
+"""Memory that runs out at any moment: a request is answered right or not at all, never in part."""
+
+import contextlib
+import os
+from urllib.parse import quote
+
+import pytest
+from daemon import wait_until
+from device import ACCEPTED, REFUSED, answer
+from http_client import Client, get, post
+from shim import LIBRARY, Shim
+from spoilt import SpoiltDaemon
+
+pytestmark = pytest.mark.skipif(not os.path.exists(LIBRARY), reason="no library to preload")
+
+VERSION = answer('<stVersion strAppVer="V1" VideoCnt="2"/>')
+USERS = answer('<stUserSec><stCustomUser><USER_0 strFD_UserPWD="p"/></stCustomUser></stUserSec>')
+DOCUMENT = answer('<stVehicle strFD_CompanyName="公交"/>' + "<a/>" * 200)
+IMPORT = quote('<VariCfgSec><stVehicle strFD_CompanyName="公交"/></VariCfgSec>')
+
+# Request, what the device answers.
+REQUESTS = {
+    "query": (get("/get_LangInfo"), [answer('<stDisplay strLanguage="CN"/>')]),
+    "status": (get("/get_SystemInfo"), [answer('<stSystemInfo GpsExist="1" IMEI="2"/>')]),
+    "set": (post("/set_LangInfo", "strLanguage=CN"), [REFUSED]),
+    "login": (post("/cmp_UserSecurity?login.html", "strFD_AdminPasswd=p"), [USERS]),
+    "export": (get("/export_CfgFile"), [DOCUMENT]),
+    "import": (post("/import_CfgFile", "strFD_CfgPara=" + IMPORT), [REFUSED]),
+    "gb28181 query": (get("/get_GB28181Info"), [VERSION, answer('<stGB28181 ucFD_Enable="1"/>')]),
+    "gb28181 set": (post("/set_GB28181Info", "strFD_LensId=*1*2*&strFD_ServerIp=10.0.0.1"), [VERSION, REFUSED]),
+    "usage": (get("/get_cpu_usage"), []),
+    "file": (get("/page.css"), []),
+    "conditional file": (get("/page.css", "If-Modified-Since: Mon, 20 May 2024 08:30:00 GMT\r\n"), []),
+    "folder": (get("/"), []),
+    "includes": (get("/both.shtml"), []),
+    "no file": (get("/nothing.css"), []),
+    "two in one": (get("/page.css") + get("/get_cpu_usage"), []),
+}
+
+
+@pytest.fixture(scope="module")
+def short(tmp_path_factory):
+    """A daemon whose memory can be taken away, and how."""
+    folder = tmp_path_factory.mktemp("short")
+    shim = Shim(folder / "shim")
+    daemon = SpoiltDaemon(folder / "daemon", env=shim.env).start()
+    yield daemon, shim
+    daemon.stop()
+
+
+def reply_to(request):
+    """All bytes of the reply, without what differs from one to the next; None without a reply."""
+    with Client() as client:
+        client.send(request)
+        with contextlib.suppress(OSError):  # closed by the service already
+            client.end_of_requests()
+        data = client.read_to_end()
+    lines = data.split(b"\r\n")
+    return b"\r\n".join(line for line in lines if not line.startswith((b"Date: ", b', "result": ', b"B\r"))) or None
+
+
+def meets_failures(shim, device, family, after, count):
+    """One request whose allocations fail; returns the reply and how many have failed."""
+    request, steps = REQUESTS[family]
+    device.play(*steps)
+    shim.fail(after, count)
+    reply = reply_to(request)
+    return reply, shim.stop_failing()
+
+
+@pytest.mark.parametrize("count", [1, 3, -1], ids=["one", "three", "all"])
+@pytest.mark.parametrize("family", REQUESTS)
+def test_allocations_fail_from_the_nth_on(short, device, family, count):
+    daemon, shim = short
+    request, steps = REQUESTS[family]
+    device.play(*steps)
+    good = reply_to(request)
+    failed_results = 0
+    for after in range(10000):
+        reply, failed = meets_failures(shim, device, family, after, count)
+        if not failed:
+            break
+        assert daemon.is_alive()
+        if reply is not None and reply != good:
+            # An exchange or a conversion that could not be made: the endpoint says so.
+            assert reply.endswith((b"0\r\n\r\n", b"Not Found", b"Open failed"))
+            failed_results += 1
+        assert reply_to(get("/page.css")).endswith(b"body { color: page }")
+    assert after > 2
+    device.play(*steps)
+    assert reply_to(request) == good
+
+
+def test_restart_without_memory(short, device):
+    """A restart that fails anywhere leaves the service at work."""
+    daemon, shim = short
+    for after in range(0, 24, 3):
+        device.play(ACCEPTED)
+        shim.fail(after, -1)
+        reply_to(post("/set_LangInfo", "strLanguage=CN"))
+        shim.stop_failing()
+        # The new thread may meet the shortage later, and every open connection is closed then.
+        wait_until(lambda: reply_to(get("/page.css")) is not None, "an answer")
+        assert daemon.is_alive()
