@@ -108,7 +108,7 @@ def recorder(request, tmp_path_factory):
     """A recorder that answers, and one whose answers are of no use."""
     recorder = Recorder(tmp_path_factory.mktemp("openapi"))
     if request.param == "failing":
-        recorder.run("printf 'fault notxml' >/dev/udp/127.0.0.1/6001")
+        recorder.order("fault notxml")
     recorder.outcome = int(request.param == "answered")
     yield recorder
     recorder.close()
