@@ -7,7 +7,7 @@
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
-purposes="build run test ui check bench fuzz cross package"
+purposes="build run test ui check bench fuzz coverage cross package"
 
 packages_for() {
   case $1 in
@@ -24,6 +24,7 @@ packages_for() {
     ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
     bench) echo libbenchmark-dev wrk lighttpd busybox libfcgi-dev valgrind ;;
+    coverage) echo gcovr ;;
     fuzz) echo clang libclang-rt-14-dev llvm ;;
     # The libraries of the recorder's architecture, and what runs its executables here.
     cross) echo g++-arm-linux-gnueabihf libtinyxml-dev:armhf libmd-dev:armhf qemu-user-static file ;;

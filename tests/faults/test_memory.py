@@ -68,6 +68,18 @@ def meets_failures(shim, device, family, after, count):
     return reply, shim.stop_failing()
 
 
+def test_first_conversion_without_memory(short, device):
+    """The table that an import needs is built by the first one that finds the memory for it."""
+    daemon, shim = short
+    daemon.mark()
+    for after in range(1000):
+        _, failed = meets_failures(shim, device, "import", after, -1)
+        if not failed:
+            break
+    assert "utf8 to GBK failed!\n" in daemon.stdout.since_mark()
+    assert device.requests[-1] == '<VariCfgSec Action="DEVICE_SET"><stVehicle strFD_CompanyName="公交" /></VariCfgSec>'.encode("gbk")
+
+
 @pytest.mark.parametrize("count", [1, 3, -1], ids=["one", "three", "all"])
 @pytest.mark.parametrize("family", REQUESTS)
 def test_allocations_fail_from_the_nth_on(short, device, family, count):

@@ -8,11 +8,13 @@ answer then reaches the next one: the messages carry nothing that could tell.
 """
 
 import re
+import time
 from urllib.parse import quote_from_bytes
 
 from http_client import JSON_HEAD, STANDARD_HEAD, get, post
 
 _FAILED = ', "result": 0 }'
+_LATEST_SEC = 5
 
 # Endpoint, section that it asks for, the device's section, the pieces of the reply without the
 # result, the pieces of a failure. {n} is the number.
@@ -172,7 +174,13 @@ class Change:
             return None if window.had_trouble() else "a failure without a cause"
         if body != b'{"result": 1 }':
             return "bytes that no answer has"
-        return None if self._numbers.arrived(self.number) else "a success that the device never saw"
+        # The answer to an earlier message, set free by a flood, can come before the set gets through.
+        deadline = time.monotonic() + (_LATEST_SEC if window.was_flooded() else 0)
+        while not self._numbers.arrived(self.number):
+            if time.monotonic() >= deadline:
+                return "a success that the device never saw"
+            time.sleep(0.001)
+        return None
 
 
 class Import(Change):

@@ -89,6 +89,30 @@ TEST(CWebCtrl, RestartGoesThroughItsSlotsBackToTheAddressOfInit) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
+// A device that has moved is asked at its new place, and only there.
+TEST(CWebCtrl, LaterExchangesGoToALaterAddress) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    const auto chinese = [](const std::string&) {
+      return R"(<VariCfgSec Action=""><stDisplay strLanguage="CN"/></VariCfgSec>)";
+    };
+    CDevice first(chinese);
+    CDevice second(chinese);
+    CWebCtrl webCtrl;
+    webCtrl.Init("127.0.0.1", first.Port());
+    for (CDevice* const pDevice : {&first, &second, &first}) {
+      const size_t nBefore = pDevice->Requests().size();
+      webCtrl.SetDevice("127.0.0.1", pDevice->Port());
+      stDisplay rec{};
+      EXPECT_EQ(0, webCtrl.getLangInfoFromNet(rec));
+      EXPECT_STREQ("CN", rec.strLanguage);
+      EXPECT_EQ(nBefore + 1, pDevice->Requests().size());
+    }
+    EXPECT_EQ(2U, first.Requests().size());
+    EXPECT_EQ(1U, second.Requests().size());
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
 TEST(CWebCtrl, SecondStartOnlySaysSo) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     // Its server thread serves until the process ends.
