@@ -35,7 +35,7 @@ int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_
     *ppThread = pBefore;
     return nRet;
   }
-  pThread.release();
+  static_cast<void>(pThread.release());
   return 0;
 }
 

@@ -19,8 +19,8 @@ namespace {
 
 constexpr const char* kPort = "80";
 constexpr int kPollMs = 1000;
-constexpr size_t kMaxRequestBytes = 1024 * 1024;
-constexpr size_t kMaxUnreadBytes = 1024 * 1024;
+constexpr size_t kMaxRequestBytes = 1U << 20;
+constexpr size_t kMaxUnreadBytes = 1U << 20;
 constexpr rlim_t kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
 
 // What the include calls of the pages print.
@@ -143,6 +143,7 @@ void CloseIdleConnections(mg_mgr& mgr, int nLimit) {
       if (p->listener == nullptr || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0) continue;
       if (pIdlest == nullptr || IsIdler(*p, *pIdlest)) pIdlest = p;
     }
+    if (pIdlest == nullptr) return;
     pIdlest->flags |= MG_F_CLOSE_IMMEDIATELY;
   }
 }
