@@ -17,10 +17,12 @@ jobs=$(nproc)
 command -v gcovr >/dev/null || "$root/scripts/install-deps.sh" coverage
 
 mkdir -p "$build"
-gcc -O2 -c "$root/scripts/coverage/flush.c" -o "$build/flush.o"
+# Named for its content: another one makes the programs be linked anew.
+flush=$build/flush-$(sha256sum <"$root/scripts/coverage/flush.c" | cut -c1-8).o
+gcc -O2 -c "$root/scripts/coverage/flush.c" -o "$flush"
 cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DWEBCTRL_BUILD_TESTS=ON \
   -DCMAKE_CXX_FLAGS="--coverage -fprofile-update=atomic" \
-  -DCMAKE_EXE_LINKER_FLAGS="--coverage $build/flush.o" >"$build/configure.log"
+  -DCMAKE_EXE_LINKER_FLAGS="--coverage $flush" >"$build/configure.log"
 cmake --build "$build" -j "$jobs" >"$build/build.log" || fail "the build failed, see $build/build.log"
 
 # Counts of an earlier run would add up.
