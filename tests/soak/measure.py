@@ -11,7 +11,6 @@ def wait_until(condition, what, seconds=60):
     deadline = time.monotonic() + seconds
     while not condition():
         if time.monotonic() > deadline:
-            print(_connections()[:5])
             raise TimeoutError(what)
         time.sleep(0.05)
 

@@ -191,11 +191,22 @@ def pages(folder):
 
 def soak(seconds, seed, folder):
     daemon, shim = make_daemon(folder)
-    state, samples = State(), {}
+    state = State()
     recorder = multiprocessing.Process(target=lambda: Recorder(state).run(), daemon=True)
     recorder.start()
     daemon.start()
-    files = pages(folder)
+    try:
+        problems = work(daemon, shim, state, seconds, seed)
+    finally:
+        lived = daemon.stop()
+    recorder.join()
+    return problems if lived else [*problems, f"the daemon ended with {daemon.process.returncode}"]
+
+
+def work(daemon, shim, state, seconds, seed):
+    """All the traffic and the measurements; returns what is wrong."""
+    samples, pid = {}, daemon.process.pid
+    files = pages(daemon.folder)
     workers = Workers(state, [
         lambda: Browser(state, files, seed),
         lambda: Browser(state, files, seed + 1),
@@ -206,24 +217,20 @@ def soak(seconds, seed, folder):
     traffic(state, minute)
     workers.hold()
     restart(state)  # the first one makes what all later ones use again
-    samples[f"after {minute} s"] = first = measure.take(daemon.process.pid, shim)
+    samples[f"after {minute} s"] = first = measure.take(pid, shim)
     begun = starts(daemon)
     workers.go_on()
     traffic(state, seconds - minute)
     workers.hold()
-    samples["at the end"] = last = measure.take(daemon.process.pid, shim)
+    samples["at the end"] = last = measure.take(pid, shim)
     restarts = starts(daemon) - begun
     for _ in range(_RESTARTS_MEASURED):
         restart(state)
-    left = measure.take(daemon.process.pid, shim).heap_bytes - last.heap_bytes
+    left = measure.take(pid, shim).heap_bytes - last.heap_bytes
     per_restart = left // (starts(daemon) - begun - restarts)
     results = workers.stop()
-    recorder.join()
     report(seconds, state, samples, restarts, per_restart, results)
-    problems = judge(state, first, last, restarts, per_restart, results)
-    if not daemon.stop():
-        problems.append(f"the daemon ended with {daemon.process.returncode}")
-    return problems
+    return judge(state, first, last, restarts, per_restart, results)
 
 
 def main():
