@@ -168,6 +168,9 @@ class Flood:
             for sock in self._socks:
                 sock.sendto(self._random.choice(payloads), (ETH0_ADDRESS, 4999))
             self._state.add("datagrams", len(self._socks))
-        # What still waits in an open socket belongs to the burst.
+        # So does what the daemon has sent meanwhile: its answers can reach later exchanges.
+        rests = self._state.rests
+        while self._state.rests < rests + 2 and not self._state.paused and not self._state.stopped:
+            time.sleep(0.01)
         self._wait(0.2)
         self._state.put("flooding", 0)

@@ -41,6 +41,8 @@ class Recorder:
 
     def run(self):
         while not self._state.stopped:
+            if not select.select([self._main], [], [], 0)[0]:
+                self._state.add("rests")
             if select.select([self._main], [], [], 0.1)[0]:
                 self._serve(*self._main.recvfrom(65536))
 

@@ -17,6 +17,7 @@ class State:
         "uninvited",  # sets that reached the device and that nobody had asked for
         "accepting",  # the device accepts sets
         "exchanges",
+        "rests",  # how often no message waited for the device
         "datagrams",  # hostile ones sent
         "paused",
         "stopped",
