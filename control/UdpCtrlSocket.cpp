@@ -2,8 +2,6 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <net/if.h>
-#include <sys/ioctl.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -14,8 +12,10 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 
 #include "CBB/Util/NetTool.h"
+#include "CBB/Util/Print.h"
 
 namespace {
 
@@ -28,14 +28,6 @@ constexpr int kFlushMax = 65536;
 
 // The address as the diagnostics show it: a 32-bit number in memory order.
 unsigned AddrNumber(const sockaddr_in& addr) { return addr.sin_addr.s_addr; }
-
-// The dotted text of a sender's address.
-struct stAddrText {
-  explicit stAddrText(const sockaddr_in& addr) {
-    inet_ntop(AF_INET, &addr.sin_addr, szText, sizeof(szText));
-  }
-  char szText[INET_ADDRSTRLEN] = "";
-};
 
 }  // namespace
 
@@ -156,6 +148,7 @@ int CUdpCtrlSocket::WaitReadable(int nTimeoutSec) const {
   FD_ZERO(&readable);
   if (m_nSock >= 0) {
     FD_SET(m_nSock, &readable);
+    FlushPrinted();
     timeval timeout{nTimeoutSec, 0};
     nReady = select(m_nSock + 1, &readable, nullptr, nullptr, &timeout);
   }
@@ -185,42 +178,27 @@ int CUdpCtrlSocket::RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec) {
 // Hands a received datagram over to the caller if sender and length are right.
 int CUdpCtrlSocket::TakeDatagram(const sockaddr_in& from, const void* pData, int nGot, void* pBuf,
                                  int& nLen) const {
-  const stAddrText fromText(from);
-  const char* const pszFrom = fromText.szText;
+  const std::string strFrom = AddressText(from.sin_addr.s_addr);
   const int nFromPort = ntohs(from.sin_port);
   // Deliberate: only the port decides, the address is shown.
   if (nFromPort != m_usDstPort) {
     printf(
         "CUdpCtrlSocket::RecvDataFromHost, failed, get data peer net info not match[%s  VS %s], "
         "port[%d VS %d].\n",
-        m_szDstIp, pszFrom, m_usDstPort, nFromPort);
+        m_szDstIp, strFrom.c_str(), m_usDstPort, nFromPort);
     return -1;
   }
   if (nGot > nLen) {
     printf(
         "CUdpCtrlSocket::RecvDataFromHost,  get data from[%s  VS %s], port[%d VS %d], "
         "too long len[%d VS %d].\n",
-        m_szDstIp, pszFrom, m_usDstPort, nFromPort, nGot, nLen);
+        m_szDstIp, strFrom.c_str(), m_usDstPort, nFromPort, nGot, nLen);
     return -1;
   }
   memcpy(pBuf, pData, static_cast<size_t>(nGot));
   nLen = nGot;
-  printf("CUdpCtrlSocket::RecvDataFromHost,  get data from[%s  VS %s], port[%d VS %d],len[%d].\n",
-         m_szDstIp, pszFrom, m_usDstPort, nFromPort, nLen);
-  return 0;
-}
-
-int GetIfBrdAddr(const char* pszIfName, uint32_t& uiAddr) {
-  assert(pszIfName);
-  const int nSock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  if (nSock < 0) return -1;
-  ifreq req{};
-  strncpy(req.ifr_name, pszIfName, sizeof(req.ifr_name) - 1);
-  const int nRet = ioctl(nSock, SIOCGIFBRDADDR, &req);
-  close(nSock);
-  if (nRet < 0) return -1;
-  sockaddr_in addr;
-  memcpy(&addr, &req.ifr_broadaddr, sizeof(addr));
-  uiAddr = addr.sin_addr.s_addr;
+  Print({"CUdpCtrlSocket::RecvDataFromHost,  get data from[", m_szDstIp, "  VS ", strFrom,
+         "], port[", std::to_string(m_usDstPort), " VS ", std::to_string(nFromPort), "],len[",
+         std::to_string(nLen), "].\n"});
   return 0;
 }

@@ -55,7 +55,3 @@ class CUdpCtrlSocket {
   uint8_t m_ucBroadcast;
   char m_szIfName[12] = "";
 };
-
-// Looks up the IPv4 broadcast address of a named interface (15 characters count). Returns 0 with
-// the address in network order, or -1; uiAddr is touched on success only.
-int GetIfBrdAddr(const char* pszIfName, uint32_t& uiAddr);

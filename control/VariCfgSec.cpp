@@ -6,7 +6,9 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
 
+#include "CBB/Util/Print.h"
 #include "control/XmlText.h"
 
 namespace {
@@ -18,8 +20,8 @@ constexpr uint8_t kBroadcast = 1;
 constexpr size_t kResultSize = 512;
 
 // The source lines that the traces of a query name.
-constexpr int kLineQueryStart = 461;
-constexpr int kLineQueryDone = 477;
+constexpr char kLineQueryStart[] = "461";
+constexpr char kLineQueryDone[] = "477";
 
 // Indexed by CParaCmd.
 constexpr const char* kActions[] = {"BROAD_SEARCH", "DEVICE_QUERY", "DEVICE_SET", "DEVICE_REBOOT",
@@ -36,15 +38,15 @@ int ActionCode(const char* pszAction) {
 
 int GetParaInfoByCmd(const char* pszDevIp, uint16_t usDevPort, const char* pszRequest, char* pReply,
                      int& nCapacity) {
-  printf("FUN:%s, LINE:%d, dst.ip:%s, dst:port:%d.\n", __func__, kLineQueryStart, pszDevIp,
-         usDevPort);
+  Print({"FUN:", __func__, ", LINE:", kLineQueryStart, ", dst.ip:", pszDevIp,
+         ", dst:port:", std::to_string(usDevPort), ".\n"});
   CUdpCtrlSocket sock(pszDevIp, usDevPort, kLocalPort, kBroadcast, kInterface);
   if (const int nRet = sock.SendDataToHost(pszRequest, static_cast<int>(strlen(pszRequest))))
     return nRet;
   if (sock.RecvDataFromHost(pReply, nCapacity, kDeviceTimeoutSec)) return -1;
   // The rest of a longer request may stand behind the reply in the same buffer.
   pReply[nCapacity] = '\0';
-  printf("FUN:%s, LINE:%d.\n", __func__, kLineQueryDone);
+  Print({"FUN:", __func__, ", LINE:", kLineQueryDone, ".\n"});
   return 0;
 }
 
@@ -80,13 +82,19 @@ int CheckMessage(const char* pszText, TiXmlDocument& doc, TiXmlElement*& pRoot) 
   return 0;
 }
 
+int CheckRoot(const char* pszText) {
+  const std::string strTag(pszText, RootTagLength(pszText));
+  TiXmlDocument doc;
+  TiXmlElement* pRoot = nullptr;
+  const int nRet = CheckMessage(strTag.c_str(), doc, pRoot);
+  return nRet == -2 ? CheckMessage(pszText, doc, pRoot) : nRet;
+}
+
 int GetParaSection(const char* pszReply, TiXmlDocument& doc, TiXmlElement*& pSection) {
   TiXmlElement* pRoot = nullptr;
   if (CheckMessage(pszReply, doc, pRoot)) return -1;
-  TiXmlElement* const pChild = pRoot->FirstChildElement();
-  if (!pChild) return -1;
-  pSection = pChild;
-  return 0;
+  pSection = pRoot->FirstChildElement();
+  return pSection ? 0 : -1;
 }
 
 int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_t nCapacity) {

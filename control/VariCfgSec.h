@@ -49,6 +49,10 @@ int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nR
 // text nests too deep to be parsed).
 int CheckMessage(const char* pszText, TiXmlDocument& doc, TiXmlElement*& pRoot);
 
+// The same check for who needs nothing of the message itself: parses no more than the root's tag,
+// unless that is an odd one. What is below the root may then nest as deep as it likes.
+int CheckRoot(const char* pszText);
+
 // Parses a reply into the caller's document and finds the section: the root's first child element,
 // which lives as long as the document. Returns 0, or -1. The values of Action and Result are not
 // looked at.

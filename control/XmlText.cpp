@@ -1,6 +1,5 @@
 #include "control/XmlText.h"
 
-#include <array>
 #include <cassert>
 #include <cctype>
 #include <cstring>
@@ -102,28 +101,22 @@ void CDepthProbe::LearnEncoding(TiXmlNode& node) {
   m_encoding = bUtf8 ? TIXML_ENCODING_UTF8 : TIXML_ENCODING_LEGACY;
 }
 
-// Where a start tag's plain text ends, the terminator included. A table: strcspn takes longer to
-// begin than most names are.
-constexpr auto kTagStops = [] {
-  std::array<bool, 256> stops{};
-  for (const char c : "=\"'/<>") stops[static_cast<unsigned char>(c)] = true;
-  return stops;
-}();
-
-// Steps over the rest of a start tag, from behind its "<": past "/>" (then bEmpty) or ">". Null for
-// a tag that is not of names and quoted values alone.
-const char* PlainTagEnd(const char* p, bool& bEmpty) {
-  for (char cBefore = 0;; cBefore = *p++) {
-    while (!kTagStops[static_cast<unsigned char>(*p)]) p++;
-    bEmpty = *p == '/';
-    if (*p == '>') return p + 1;
-    if (bEmpty) return p[1] == '>' ? p + 2 : nullptr;
-    if (*p == '=') continue;
-    if (cBefore != '=' || (*p != '"' && *p != '\'')) return nullptr;
-    p = strchr(p + 1, *p);
-    if (!p) return nullptr;
+// The first ">" from behind a start tag's "<", or null when it might be part of a value. It is not
+// when only double quotes stand before it, and those in pairs: a quote that neither opens nor
+// closes a value stops the parser, and so does all else here that is no tag, so no element is
+// missed.
+const char* PlainTagEnd(const char* p) {
+  const char* const pEnd = strchr(p, '>');
+  if (!pEnd || memchr(p, '\'', static_cast<size_t>(pEnd - p))) return nullptr;
+  bool bInValue = false;
+  while (const void* const pQuote = memchr(p, '"', static_cast<size_t>(pEnd - p))) {
+    p = static_cast<const char*>(pQuote) + 1;
+    bInValue = !bInValue;
   }
+  return bInValue ? nullptr : pEnd;
 }
+
+bool BeginsName(char c) { return c == '_' || (c > 0 && isalpha(c)); }
 
 // True when the text is made of elements and text alone, in the plainest form, none nested too
 // deep: what a device really sends is passed here without building anything.
@@ -136,11 +129,10 @@ bool IsPlainAndFlat(const char* pszText) {
       if (--nDepth < 0) return false;
       continue;
     }
-    if (*p != '_' && !(*p > 0 && isalpha(*p))) return false;
-    bool bEmpty = false;
-    p = PlainTagEnd(p, bEmpty);
+    if (!BeginsName(*p)) return false;
+    p = PlainTagEnd(p);
     if (!p) return false;
-    if (!bEmpty && ++nDepth >= kXmlDepthMax) return false;
+    if (p[-1] != '/' && ++nDepth >= kXmlDepthMax) return false;
   }
   return true;
 }
@@ -148,7 +140,7 @@ bool IsPlainAndFlat(const char* pszText) {
 // True when the text has few enough places where an element can begin at all.
 bool HasFewElements(const char* pszText) {
   int nPlaces = 0;
-  for (const char* p = strchr(pszText, '<'); p; p = strchr(p + 1, '<')) {
+  for (const char* p = strchr(pszText, '<'); p && nPlaces <= kXmlDepthMax; p = strchr(p + 1, '<')) {
     const unsigned char c = static_cast<unsigned char>(p[1]);
     if (c >= 127 || c == '_' || isalpha(c)) nPlaces++;
   }
@@ -164,13 +156,22 @@ int ParseXml(TiXmlDocument& doc, const char* pszText) {
   // text that is cut inside a character.
   doc.SetTabSize(0);
   const size_t nLen = strlen(pszText);
-  const std::unique_ptr<char[]> pCopy(new (std::nothrow) char[nLen + kPadding]());
+  const std::unique_ptr<char[]> pCopy(new (std::nothrow) char[nLen + kPadding]);
   if (!pCopy) return -1;
   memcpy(pCopy.get(), pszText, nLen);
+  memset(pCopy.get() + nLen, 0, kPadding);
   if (!HasFewElements(pCopy.get()) && !IsPlainAndFlat(pCopy.get())) {
     CDepthProbe probe;
     if (probe.IsTooDeep(pCopy.get())) return -1;
   }
   doc.Parse(pCopy.get());
   return 0;
+}
+
+size_t RootTagLength(const char* pszText) {
+  if (pszText[0] != '<' || !BeginsName(pszText[1])) return 0;
+  const char* const pEnd = PlainTagEnd(pszText + 1);
+  // A reference without its end is looked for in what follows.
+  if (!pEnd || memchr(pszText, '&', static_cast<size_t>(pEnd - pszText))) return 0;
+  return static_cast<size_t>(pEnd - pszText) + 1;
 }

@@ -6,6 +6,8 @@
 
 #include <tinyxml.h>
 
+#include <cstddef>
+
 // The deepest nesting of elements that is parsed; the root counts as 1.
 constexpr int kXmlDepthMax = 32;
 
@@ -14,3 +16,7 @@ constexpr int kXmlDepthMax = 32;
 // document, when elements nest deeper than kXmlDepthMax or memory runs out. Stateless, for any
 // thread.
 int ParseXml(TiXmlDocument& doc, const char* pszText);
+
+// The length of a terminated text's root tag, when the text begins with one and the tag is so plain
+// that the parser makes the same of it whatever follows; else 0. For any thread.
+size_t RootTagLength(const char* pszText);

@@ -6,5 +6,6 @@
 
 void EncAssertFailed(const char* pszText, const char* pszFile, int nLine, const char* pszFunction) {
   fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", pszFile, nLine, pszFunction, pszText);
+  fflush(stdout);
   abort();
 }

@@ -5,6 +5,7 @@
 
 #include <stddef.h>
 #include <string.h>
+#include <wchar.h>
 
 #include <algorithm>
 
@@ -22,17 +23,25 @@ static inline uint32_t ByteAt(const char* pText, ptrdiff_t nIndex) {
   return static_cast<unsigned char>(pText[nIndex]);
 }
 
-// Widens the ASCII bytes at the front of the input, at most nMost of them; returns their number.
-// Configurations are mostly runs of ASCII, so this looks at eight bytes at a time.
-static inline ptrdiff_t WidenAscii(const char* pInput, ptrdiff_t nMost, uint32_t* pOutput) {
+// Copies the ASCII characters at the front, at most nMost of them, from bytes to code points or the
+// other way; returns their number. Configurations are mostly runs of ASCII, and blocks of this
+// length, looked at and then copied, are what a compiler makes vectors of. Unit is the type of the
+// input without its sign.
+template <class Unit, class TIn, class TOut>
+static inline ptrdiff_t CopyAscii(const TIn* __restrict pInput, ptrdiff_t nMost,
+                                  TOut* __restrict pOutput) {
+  constexpr int kBlock = 32;
   ptrdiff_t n = 0;
-  for (; nMost - n >= 8; n += 8) {
-    uint64_t ullBlock;
-    memcpy(&ullBlock, pInput + n, sizeof(ullBlock));
-    if (ullBlock & 0x8080808080808080) break;
-    for (int i = 0; i < 8; ++i) pOutput[n + i] = ByteAt(pInput, n + i);
+  for (; nMost - n >= kBlock; n += kBlock) {
+    Unit all = 0;
+    for (int i = 0; i < kBlock; ++i) all |= static_cast<Unit>(pInput[n + i]);
+    if (all >= 0x80) break;
+    for (int i = 0; i < kBlock; ++i)
+      pOutput[n + i] = static_cast<TOut>(static_cast<Unit>(pInput[n + i]));
   }
-  for (; n < nMost && ByteAt(pInput, n) < 0x80; ++n) pOutput[n] = ByteAt(pInput, n);
+  for (; n < nMost && static_cast<Unit>(pInput[n]) < 0x80; ++n) {
+    pOutput[n] = static_cast<TOut>(static_cast<Unit>(pInput[n]));
+  }
   return n;
 }
 
@@ -50,7 +59,7 @@ static int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, i
     }
     if (ByteAt(pInput, nIn) < 0x80) {
       const ptrdiff_t nMost = std::min(nLen - nIn, nCapacity - nOut);
-      const ptrdiff_t nAscii = WidenAscii(pInput + nIn, nMost, pOutput + nOut);
+      const ptrdiff_t nAscii = CopyAscii<unsigned char>(pInput + nIn, nMost, pOutput + nOut);
       nIn += nAscii;
       nOut += nAscii;
       continue;
@@ -70,16 +79,21 @@ static int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, i
 // pfnOne(uint32_t, char*) writes one character of at most nMax bytes and returns their number or 0.
 template <int nMax, class F>
 static int FromCodePoints(const uint32_t* pInput, char* pOutput, int* nMembOut, F pfnOne) {
+  static_assert(sizeof(wchar_t) == sizeof(uint32_t));
+  const uint32_t* const pEnd = pInput + wcslen(reinterpret_cast<const wchar_t*>(pInput));
   char* pOut = pOutput;
   char* const pLast = pOutput + *nMembOut - nMax;  // the last place where a character may begin
   int nRet = 1;
-  for (; *pInput != 0; ++pInput) {
+  while (pInput != pEnd) {
     if (pOut > pLast) {
       nRet = 2;
       break;
     }
     if (*pInput < 0x80) {
-      *pOut++ = static_cast<char>(*pInput);
+      const ptrdiff_t nAscii =
+          CopyAscii<uint32_t>(pInput, std::min(pEnd - pInput, pLast - pOut + 1), pOut);
+      pInput += nAscii;
+      pOut += nAscii;
       continue;
     }
     const int nWritten = pfnOne(*pInput, pOut);
@@ -87,6 +101,7 @@ static int FromCodePoints(const uint32_t* pInput, char* pOutput, int* nMembOut, 
       nRet = 0;
       break;
     }
+    ++pInput;
     pOut += nWritten;
   }
   *nMembOut = static_cast<int>(pOut - pOutput);

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <new>
 
+#include "CBB/Util/Print.h"
 #include "CBB/Util/ReserveMemory.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
@@ -168,6 +169,7 @@ int RunHttpLoop(const char* pszWebRoot) {
   printf("Starting web server on port %s\n", kPort);
   const int nLimit = ConnectionLimit();
   for (int nWaitMs = kPollMs;;) {
+    FlushPrinted();
     mg_mgr_poll(&mgr, nWaitMs);
     ResumeReceiving(mgr);
     const bool bShort = TakeMemoryShortage();

@@ -20,7 +20,8 @@ constexpr const char* kJsonHeader =
     "HTTP/1.1 200 OK\r\nContent-Type:applicaion/json;charset=UTF-8\r\n"
     "Transfer-Encoding: chunked\r\n\r\n";
 
-// One query reply. Each Add or Piece is one chunk; Result ends the reply.
+// One query reply. Each Add or Piece is one chunk; Result ends the reply, and with it the chunks go
+// to the connection.
 class CJsonReply {
  public:
   // Sends pszHeader at once.
@@ -41,15 +42,15 @@ class CJsonReply {
   // `, "result": 1 }` for success, else 0, and the end of the reply.
   void Result(bool bOk);
 
-  // The empty chunk that ends the reply.
+  // Hands the chunks over to the connection, and behind them the empty one that ends the reply.
   void End();
 
  private:
-  const char* Lead() { return m_nPieces != 0 ? ", " : "{ "; }
+  const char* Lead() const { return m_bBegun ? ", " : "{ "; }
 
   mg_connection* m_pConn;
-  std::string m_strPiece;  // keeps its room from piece to piece
-  int m_nPieces = 0;
+  std::string m_strChunks;  // all pieces so far, framed
+  bool m_bBegun = false;
 };
 
 // The whole reply of a set endpoint: `{"result": 1 }` for success, else 0.

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "CBB/Util/NetTool.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/FormReader.h"
 #include "CBB/WebCtrl/JsonReply.h"
@@ -33,15 +34,6 @@ template <auto A, auto pfnStore>
 int StoreItem(typename MemberOf<A>::Record& rec, const char* pszText) {
   return pfnStore((rec.*A)[0], pszText);
 }
-
-// The dotted text of an address in network byte order.
-struct CDotted {
-  explicit CDotted(uint32_t uiAddress) {
-    const in_addr address{uiAddress};
-    inet_ntop(AF_INET, &address, szText, sizeof(szText));
-  }
-  char szText[INET_ADDRSTRLEN] = {};
-};
 
 constexpr CFormField<stBaseInfo> kDeviceNoForm[] = {
     {"strFD_DeviceNo", Presence::kAlways, Store<&stBaseInfo::strFD_DeviceNo>}};
@@ -203,7 +195,7 @@ int CWebCtrl::setVCmsInfoToNet(stCMS rec) {
   }
   return Conclude(
       TransactSection(SET("<stCMS ucFD_AddressType=\"%d\" uiFD_IP=\"%s\" usFD_Port=\"%d\"/>"),
-                      rec.ucFD_AddressType, CDotted(rec.uiFD_IP).szText, rec.usFD_Port));
+                      rec.ucFD_AddressType, AddressText(rec.uiFD_IP).c_str(), rec.usFD_Port));
 }
 
 void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
@@ -237,8 +229,8 @@ int CWebCtrl::setLocalNetInfoToNet(stLocalEth0 rec) {
   return Conclude(
       TransactSection(SET("<stLocalEth0 uiFD_LocalIp=\"%s\" uiFD_NetMask=\"%s\" uiFD_GateWay=\"%s\""
                           " strFD_Mac=\"%s\"/>"),
-                      CDotted(rec.uiFD_LocalIp).szText, CDotted(rec.uiFD_NetMask).szText,
-                      CDotted(rec.uiFD_GateWay).szText, rec.strFD_Mac));
+                      AddressText(rec.uiFD_LocalIp).c_str(), AddressText(rec.uiFD_NetMask).c_str(),
+                      AddressText(rec.uiFD_GateWay).c_str(), rec.strFD_Mac));
 }
 
 void CWebCtrl::set_LocalNetInfo(mg_connection* pConn, http_message* pMsg) {

@@ -1,6 +1,5 @@
 // The live status: one query, one long reply of nested objects.
-#include <arpa/inet.h>
-
+#include "CBB/Util/NetTool.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/JsonReply.h"
 #include "CBB/WebCtrl/MaskSvrAddr.h"
@@ -38,7 +37,7 @@ std::string_view WifiMode(const stSystemInfo& rec, Scratch& /*szScratch*/) {
 }
 
 std::string_view CmsAddress(const stSystemInfo& rec, Scratch& szScratch) {
-  MaskSvrAddr(kMask, inet_ntoa(in_addr{rec.CMS}), szScratch);
+  MaskSvrAddr(kMask, AddressText(rec.CMS).c_str(), szScratch);
   return szScratch;
 }
 

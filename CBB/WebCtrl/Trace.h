@@ -1,11 +1,13 @@
 // The plain traces "FUN:%s, LINE:%d.\n" of handlers and device operations, on standard output.
 #pragma once
 
-#include <cstdio>
+#include <string>
+
+#include "CBB/Util/Print.h"
 
 // Prints one trace line with the calling function's name and line.
 inline void TraceFun(const char* pszFun = __builtin_FUNCTION(), int nLine = __builtin_LINE()) {
-  printf("FUN:%s, LINE:%d.\n", pszFun, nLine);
+  Print({"FUN:", pszFun, ", LINE:", std::to_string(nLine), ".\n"});
 }
 
 // Prints the trace line when it is made and again when it goes: entry and exit of a function.

@@ -8,6 +8,7 @@
 
 #include "CBB/Util/DebugPrint.h"
 #include "CBB/Util/Logger.h"
+#include "CBB/Util/Print.h"
 #include "CBB/Util/TextCopy.h"
 #include "CBB/Util/Thread.h"
 #include "CBB/WebCtrl/HttpLoop.h"
@@ -44,6 +45,7 @@ int CWebCtrl::Start(const char* pszWebRoot) {
     printf("CWebCtrl::Start, is already started.\n");
     return 0;
   }
+  FlushPrinted();
   // A desk machine may lack the tool; the loopback address is there then anyway.
   [[maybe_unused]] const int nIgnored = system("/sbin/ifconfig lo 127.0.0.1");
   m_ucStarted = 1;
@@ -69,6 +71,7 @@ int CWebCtrl::Stop() {
 int CWebCtrl::Restart() {
   Stop();
   memcpy(m_szDeviceIp, m_szSavedDeviceIp, sizeof(m_szDeviceIp));
+  FlushPrinted();
   sleep(kRestartPauseSec);
   Start(m_szWebRoot);
   return 0;

@@ -104,7 +104,7 @@ class CWebCtrl {
   int getVersionInfoFromNet(stVersion& rec);
   int getSystemInfoFromNet(stSystemInfo& rec);
   int getLocalNetInfoFromNet(stLocalEth0& rec);
-  int export_CfgFileFromNet(char* pszText);
+  int export_CfgFileFromNet(char* pszText);  // 30,720 bytes; an empty text when it fails
 
   // A set returns 0 when the device answered with a Result (the lock and the password: with Result
   // 0), else the transaction's code. An accepted set ends with Restart.

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "CBB/Util/Descriptors.h"
+#include "CBB/Util/Print.h"
 #include "CBB/Util/Thread.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
@@ -31,8 +32,6 @@ int main() {
   GuardStdStreams();
   CapDescriptors();
   PrepareThreadStop();
-  // A trace is visible at once, and in order with the debug print, also in a file or a pipe.
-  setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   CWebCtrl& webCtrl = CWebCtrl::Instance();
   webCtrl.Init("127.0.0.1", 6000);
 
@@ -44,5 +43,6 @@ int main() {
   const std::string strWebRoot = (std::string(szFolder) + "web_root").substr(0, kMaxWebRoot);
   printf("web server current absolute path:%s\n", strWebRoot.c_str());
   webCtrl.Start(strWebRoot.c_str());
+  FlushPrinted();
   for (;;) sleep(2);
 }

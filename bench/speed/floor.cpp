@@ -17,8 +17,15 @@ std::map<std::string, stReplay> g_replays;
 mg_serve_http_opts g_opts;
 
 void Answer(mg_connection* pConn, const stReplay& replay) {
-  for (const std::string& strLine : replay.lines) fputs(strLine.c_str(), stdout);
+  // Like the daemon: the traces up to the exchange leave before its wait, the others with the
+  // reply.
+  auto line = replay.lines.begin();
+  while (line != replay.lines.end() && line->rfind("CUdpCtrlSocket::Recv", 0) != 0) {
+    fputs((line++)->c_str(), stdout);
+  }
+  fflush(stdout);
   if (!ExchangeAndParse(replay.strRequest)) return;
+  while (line != replay.lines.end()) fputs((line++)->c_str(), stdout);
   mg_printf(pConn, "%s", replay.strHead.c_str());
   for (const std::string& strChunk : replay.chunks) {
     mg_send_http_chunk(pConn, strChunk.data(), strChunk.size());
@@ -46,7 +53,6 @@ int main(int argc, char** argv) {
     fprintf(stderr, "usage: floor PORT DOCUMENT_ROOT REPLAY_FOLDER\n");
     return 2;
   }
-  setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   g_replays = LoadReplays(argv[3]);
   g_opts.document_root = argv[2];
   mg_mgr mgr;
@@ -56,5 +62,8 @@ int main(int argc, char** argv) {
   const int nOn = 1;
   setsockopt(pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
   mg_set_protocol_http_websocket(pListener);
-  for (;;) mg_mgr_poll(&mgr, 1000);
+  for (;;) {
+    fflush(stdout);
+    mg_mgr_poll(&mgr, 1000);
+  }
 }

@@ -6,7 +6,11 @@ floor on 81, lighttpd with FastCGI on 82, busybox httpd with CGI on 83. The repl
 byte for byte first. Load goes to one server at a time, in short slices in turn, so that whatever
 else the machine does meets all of them alike. Nothing is asserted about time: a table is printed.
 
-  run.py [--bin FOLDER] [--slices N] [--seconds S] [--instructions]
+The simulated recorder and the servers share one processor, as they do on a recorder, and the load
+comes from another one, as it does from a browser. With --spread they run wherever there is room;
+each exchange then waits for idle processors to wake up, whichever server asks for it.
+
+  run.py [--bin FOLDER] [--slices N] [--seconds S] [--spread] [--instructions]
 """
 
 import argparse
@@ -67,6 +71,15 @@ def cpu_seconds(pids):
             fields = file.read().rpartition(")")[2].split()
         total += (int(fields[13]) + int(fields[14])) / os.sysconf("SC_CLK_TCK")
     return total
+
+
+def share_one_processor():
+    """Keeps what is started from now on to one processor; returns what starts it on another."""
+    processors = sorted(os.sched_getaffinity(0))
+    if len(processors) < 2:
+        return []
+    os.sched_setaffinity(0, processors[:1])
+    return ["taskset", "-c", str(processors[1])]
 
 
 class Bench:
@@ -180,14 +193,14 @@ def check_alike(servers, paths):
             sys.exit(f"{name} answers {paths[name]} otherwise: {status} {body[:200]!r}")
 
 
-def measure(servers, paths, connections, slices, seconds):
+def measure(servers, paths, connections, slices, seconds, elsewhere=()):
     """(requests/s, processor seconds per request, median ms) by server."""
     totals = {name: [0, 0.0, 0.0, []] for name in servers}
     for _ in range(slices):
         for name, (port, pids) in servers.items():
             before = cpu_seconds(pids)
             done = subprocess.run(
-                ["wrk", "-t1", f"-c{connections}", f"-d{seconds}s", "--latency",
+                [*elsewhere, "wrk", "-t1", f"-c{connections}", f"-d{seconds}s", "--latency",
                  f"http://127.0.0.1:{port}{paths[name]}"],
                 check=True, capture_output=True, text=True,
             ).stdout
@@ -219,7 +232,7 @@ def print_rows(title, results):
         )
 
 
-def run_comparison(bench, slices, seconds):
+def run_comparison(bench, slices, seconds, elsewhere):
     daemon = bench.start_daemon()
     floor = bench.start(os.path.join(bench.folder, "floor"), "81", bench.web_root, bench.replays).pid
     wait_for(81)
@@ -237,12 +250,13 @@ def run_comparison(bench, slices, seconds):
             # One exchange at a time holds port 4999, so a CGI program serves one connection only.
             servers = {**own, **others} if connections == 1 else {**own, "lighttpd": others["lighttpd"]}
             print_rows(f"{name}, {connections} conn.",
-                       measure(servers, paths, connections, slices, seconds))
+                       measure(servers, paths, connections, slices, seconds, elsewhere))
     for name in FILES:
         paths = dict.fromkeys((*own, *others), f"/{name}")
         check_alike({**own, **others}, paths)
         print_rows(f"{name}, 16 conn.",
-                   measure({**own, "lighttpd": others["lighttpd"]}, paths, 16, slices, seconds))
+                   measure({**own, "lighttpd": others["lighttpd"]}, paths, 16, slices, seconds,
+                           elsewhere))
 
 
 def count_instructions(work, command, port, handler, path):
@@ -289,6 +303,7 @@ def main():
     parser.add_argument("--bin", default=os.path.join(ROOT, "build/bench/bin"))
     parser.add_argument("--slices", type=int, default=6)
     parser.add_argument("--seconds", type=int, default=1)
+    parser.add_argument("--spread", action="store_true")
     parser.add_argument("--instructions", action="store_true")
     arguments = parser.parse_args()
     netns.enter()
@@ -299,7 +314,8 @@ def main():
         if arguments.instructions:
             run_instructions(bench)
         else:
-            run_comparison(bench, arguments.slices, arguments.seconds)
+            elsewhere = [] if arguments.spread else share_one_processor()
+            run_comparison(bench, arguments.slices, arguments.seconds, elsewhere)
     finally:
         bench.stop()
         shutil.rmtree(work)

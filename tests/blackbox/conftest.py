@@ -1,5 +1,6 @@
 """Fixtures of the black-box tests: the private namespace, the daemon, the device, the client."""
 
+import os
 import subprocess
 import sys
 
@@ -41,6 +42,9 @@ def pytest_configure(config):
         _state["folder"] = netns.enter()
     except netns.NotAllowed as error:
         _state["reason"] = str(error)
+        return
+    # Sessions run side by side, and the usual folder is cleared by whichever of them ends.
+    config.option.basetemp = os.path.join(_state["folder"], "tests")
 
 
 def pytest_unconfigure(config):

@@ -50,7 +50,6 @@ UNUSABLE_REPLIES = [
     ("another root", b'<Other Action="DEVICE_QUERY"/>'),
     ("no attribute", b"<VariCfgSec><a/></VariCfgSec>"),
     ("Action second", b'<VariCfgSec Result="0" Action="DEVICE_QUERY"><a/></VariCfgSec>'),
-    ("33 elements deep", document("<a>" * 32 + "</a>" * 32).encode()),
 ]
 
 
@@ -64,8 +63,8 @@ def test_unusable_reply_gives_an_empty_text_and_result_0(rig, sentence, data):
     )
 
 
-def test_32_elements_deep_is_read(rig):
-    text = document("<a>" * 31 + "</a>" * 31)
+def test_nesting_does_not_matter(rig):
+    text = document("<a>" * 1000 + "</a>" * 1000)
     assert rig.get("/export_CfgFile", text.encode()).chunks == export(text)
 
 

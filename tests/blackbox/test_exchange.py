@@ -1,6 +1,7 @@
 """The socket to the device application, seen through /get_LangInfo and /set_LangInfo."""
 
 import socket
+import time
 
 import netns
 import pytest
@@ -90,6 +91,20 @@ def test_only_the_first_datagram_counts(rig):
     assert rig.get("/get_LangInfo", play).body == SHOWS_FAILURE
 
 
+def test_traces_are_out_while_the_device_is_waited_for(rig):
+    visible = []
+
+    def play(device, source):
+        deadline = time.monotonic() + 2
+        while ENTRY[-1] not in rig.daemon.stdout.since_mark() and time.monotonic() < deadline:
+            time.sleep(0.01)
+        visible.append(rig.daemon.stdout.since_mark())
+        device.send(CHINESE, source)
+
+    assert rig.get("/get_LangInfo", play).body == SHOWS_CHINESE
+    assert ENTRY[-1] in visible[0]
+
+
 def test_silent_device_fails_the_query_without_a_message(rig):
     assert rig.get("/get_LangInfo", SILENCE).body == SHOWS_FAILURE
     assert rig.device.requests == [LANGUAGE_QUERY]
@@ -114,6 +129,21 @@ def test_late_reply_is_not_taken_for_the_next_one(rig):
     reply = rig.post("/set_WifiInfo", "ucFD_WorkMode=2", answer_twice, without_result)
     assert reply.body == b'{"result": 0 }'
     assert len(rig.device.requests) == 2
+
+
+def test_answer_that_a_stray_datagram_left_over_is_taken_for_the_next_one(rig):
+    """Nothing in a message tells which request it belongs to, and here it comes in time for another."""
+
+    def interrupted(device, source):
+        device.send(CHINESE, source, device.other_port)
+
+    def left_over(device, source):
+        device.send(ACCEPTED, source)
+
+    assert rig.post("/set_MirrorInfo", "strFD_UpDown=1", interrupted).body == b'{"result": 0 }'
+    shown = b'{ "strFD_CfgPara": "' + ACCEPTED + b'", "result": 1 }'
+    assert rig.get("/export_CfgFile", left_over).body == shown
+    assert rig.daemon.is_alive()
 
 
 CAPACITIES = [

@@ -125,7 +125,10 @@ _ANY_EXPORT = [
         + '</VariCfgSec>", "result": 1 }'
     )
     for text in ANSWERS.values()
-] + [_pattern('{ "strFD_CfgPara": "<VariCfgSec Action="DEVICE_SET" Result="1"/>", "result": 1 }')]
+] + [
+    _pattern('{ "strFD_CfgPara": "<VariCfgSec Action="DEVICE_SET" Result="%d"/>", "result": 1 }' % result)
+    for result in (0, 1)
+]
 
 
 class Query:

@@ -24,7 +24,7 @@ _SPOILT = [
     lambda data: data.replace(b"VariCfgSec", b"Other"),
     lambda data: b'<VariCfgSec Result="0" Action="DEVICE_QUERY"><a/></VariCfgSec>',
     lambda data: b" " * 30001 + data,
-    lambda data: b'<VariCfgSec Action="">' + b"<a>" * 100,
+    lambda data: b'<Other Action="">' + b"<a>" * 100,
 ]
 
 

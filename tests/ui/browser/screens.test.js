@@ -89,6 +89,12 @@ test('the keyboard reaches everything: skip link, pages, fields, save', async ()
   await visit(rig, page, 'video');
   const focused = () => page.evaluate(() => document.activeElement.textContent.trim() ||
       document.activeElement.id);
+  // From the top: where going to a page leaves the starting point differs between browsers.
+  await page.evaluate(() => {
+    document.body.tabIndex = -1;
+    document.body.focus();
+    document.body.removeAttribute('tabindex');
+  });
   const reached = [];
   for (let i = 0; i < 22; i++) {
     await page.keyboard.press('Tab');

@@ -34,6 +34,21 @@ TEST(GetIfAddr, TellsANullNameFromAnUnknownOne) {
   }
 }
 
+TEST(AddressText, IsDottedInMemoryOrder) {
+  for (const char* pszText :
+       {"0.0.0.0", "1.2.3.4", "127.0.0.1", "203.0.113.101", "255.255.255.255"}) {
+    EXPECT_EQ(pszText, AddressText(inet_addr(pszText)));
+  }
+}
+
+TEST(GetIfBrdAddr, FailsForUnknownInterfaces) {
+  for (const char* pszName : {"nosuchif0", "", "a name beyond sixteen characters"}) {
+    uint32_t uiAddr = kUntouched;
+    EXPECT_EQ(-1, GetIfBrdAddr(pszName, uiAddr)) << pszName;
+    EXPECT_EQ(kUntouched, uiAddr);
+  }
+}
+
 TEST(GetIfAddr, LeavesNoDescriptorBehind) {
   uint32_t uiAddr = 0;
   const int nBefore = dup(STDOUT_FILENO);

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -52,9 +53,9 @@ class HttpFilesTest : public testing::Test {
   void Link(const std::string& strTarget, const std::string& strName) const {
     std::filesystem::create_symlink(strTarget, Path(strName));
   }
-  static std::string Fetch(const std::string& strUri) {
+  static std::string Fetch(const std::string& strUri, const std::string& strFields = "") {
     CHttpConn conn;
-    conn.Receive("GET " + strUri + " HTTP/1.1\r\n\r\n");
+    conn.Receive("GET " + strUri + " HTTP/1.1\r\n" + strFields + "\r\n");
     return conn.Sent();
   }
 
@@ -116,6 +117,31 @@ TEST_F(HttpFilesTest, TakesARootThatIsALink) {
 TEST_F(HttpFilesTest, ServesNothingOnceTheRootIsGone) {
   std::filesystem::remove_all(m_strRoot);
   EXPECT_THAT(Fetch("/page.css"), StartsWith("HTTP/1.1 404 "));
+}
+
+TEST_F(HttpFilesTest, LooksAtAFileAnewForEveryRequest) {
+  const std::string strSent = Fetch("/page.css");
+  const size_t nTag = strSent.find("Etag: ");
+  ASSERT_NE(std::string::npos, nTag);
+  const std::string strKnown =
+      "If-None-Match: " + strSent.substr(nTag + 6, strSent.find("\r\n", nTag) - nTag - 6) + "\r\n";
+  EXPECT_THAT(Fetch("/page.css", strKnown), StartsWith("HTTP/1.1 304 "));
+  Write("root/page.css", "a longer page");
+  EXPECT_THAT(Fetch("/page.css", strKnown), EndsWith("\r\n\r\na longer page"));
+  std::filesystem::remove(Path("root/page.css"));
+  EXPECT_THAT(Fetch("/page.css", strKnown), StartsWith("HTTP/1.1 404 "));
+}
+
+TEST_F(HttpFilesTest, KeepsWhatItWasToldOfAFileUntilTheNextRequest) {
+  const std::string strPath = Path("root/page.css");
+  cs_stat_t told{};
+  ASSERT_EQ(0, mg_stat(strPath.c_str(), &told));
+  std::filesystem::remove(strPath);
+  EXPECT_EQ(0, mg_stat(strPath.c_str(), &told));
+  EXPECT_EQ(static_cast<off_t>(strlen(kPage)), told.st_size);
+  Fetch("/nothing.css");
+  EXPECT_EQ(-1, mg_stat(strPath.c_str(), &told));
+  EXPECT_EQ(-1, mg_stat("", &told));
 }
 
 TEST_F(HttpFilesTest, LeavesNoDescriptorOpen) {

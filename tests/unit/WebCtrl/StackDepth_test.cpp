@@ -174,7 +174,6 @@ struct stMeasured {
 // Runs in the child; standard output is as in the daemon, but goes nowhere.
 void Measure(const stPath& path, const std::string& strWebRoot, int nPipe) {
   if (freopen("/dev/null", "w", stdout) == nullptr) _exit(1);
-  setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   const bool bRan = RunInNetSpace(Eth0::kUp, [&] {
     CDevice device([&](const std::string&) { return path.strDeviceReply; });
     CWebCtrl::Instance().Init("127.0.0.1", device.Port());

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "CBB/Util/NetTool.h"
 #include "control/UdpCtrlSocket.h"
 #include "tests/unit/Util/Printed.h"
 #include "tests/unit/control/FakeDevice.h"

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <iterator>
+#include <random>
 #include <string>
 
 #include "tests/unit/Util/Printed.h"
@@ -62,6 +64,50 @@ TEST(CheckMessage, GivesTheRoot) {
             CheckMessage("<?xml version=\"1.0\"?><!-- c --><VariCfgSec Action=\"\"/>", doc, pRoot));
   EXPECT_STREQ("VariCfgSec", pRoot->Value());
   EXPECT_EQ(&doc, pRoot->GetDocument());
+}
+
+TEST(CheckRoot, JudgesAsTheWholeMessageIsJudged) {
+  for (const auto& row : kUnusable) {
+    if (row.strText == Nested(33)) continue;
+    EXPECT_EQ(row.pszPrinted, Printed([&] {
+                EXPECT_EQ(row.bHasRoot ? -1 : -2, CheckRoot(row.strText.c_str())) << row.strText;
+              }));
+  }
+  for (const char* pszText :
+       {"<VariCfgSec Action=\"&#x\"><a b=\"x41;\">", "<VariCfgSec Action=\"\"/>",
+        "<VariCfgSec Action='>'><a/>", "<VariCfgSec Action=\"&gt;\">", "<VariCfgSec Action=\">\">",
+        "<Other/><VariCfgSec Action=\"\"/>", " <VariCfgSec Action=x>",
+        "<VariCfgSecs/><VariCfgSec Action=\"\">",
+        "<?xml version=\"1.0\"?><VariCfgSec Action=\"\">"}) {
+    EXPECT_EQ(0, CheckRoot(pszText)) << pszText;
+  }
+}
+
+TEST(CheckRoot, LooksNoDeeperThanTheRoot) {
+  EXPECT_EQ(0, CheckRoot(Nested(33).c_str()));
+  EXPECT_EQ(0, CheckRoot(Nested(300000).c_str()));
+}
+
+TEST(CheckRoot, JudgesRandomTextsAsTheWholeMessageIsJudged) {
+  constexpr const char* kTokens[] = {"<VariCfgSec", " Action", "=", "\"",   "'",
+                                     ">",           "/>",      "<", "/",    " ",
+                                     "x",           "&#65",    ";", "&lt;", "</VariCfgSec>",
+                                     "<a>",         "\xb0",    "="};
+  std::mt19937 random(1);
+  std::uniform_int_distribution<size_t> token(0, std::size(kTokens) - 1);
+  int nGood = 0;
+  Printed([&] {
+    for (int i = 0; i < 100000; i++) {
+      std::string strText = i % 2 != 0 ? "<VariCfgSec Action=" : "<VariCfgSec ";
+      for (int n = 0; n < 12; n++) strText += kTokens[token(random)];
+      TiXmlDocument doc;
+      TiXmlElement* pRoot = nullptr;
+      const int nRet = CheckMessage(strText.c_str(), doc, pRoot);
+      ASSERT_EQ(nRet, CheckRoot(strText.c_str())) << strText;
+      nGood += nRet == 0;
+    }
+  });
+  EXPECT_GT(nGood, 1000);  // the texts are worth the name
 }
 
 TEST(GetParaSection, RefusesUnusableReplies) {

@@ -85,6 +85,14 @@ TEST(ParseXml, IsNotFooledIntoMissingElements) {
     EXPECT_EQ(-1, Parse(Repeat(pszTag, 33))) << pszTag;
 }
 
+TEST(ParseXml, IsNotFooledByTagsThatSeemEmpty) {
+  for (const char* pszTag : {"<a b='/>'>", "<a b=\"/>\">", "<a b='\"' c='/>' d='\"'>",
+                             "<a b='/>' c=\"\">", "<a b=\"'\" c='/>\"'>", "<a b=\"/\">"}) {
+    EXPECT_EQ(0, Parse(Repeat(pszTag, 32))) << pszTag;
+    EXPECT_EQ(-1, Parse(Repeat(pszTag, 33))) << pszTag;
+  }
+}
+
 TEST(ParseXml, RefusesWithoutMemory) {
   const CNoMemory noMemory;
   EXPECT_EQ(-1, Parse("<a/>"));

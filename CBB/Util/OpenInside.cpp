@@ -1,0 +1,55 @@
+#include "CBB/Util/OpenInside.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <string_view>
+
+#include "CBB/Util/TextCopy.h"
+
+COpenInside::COpenInside(const char* pszFolder) {
+  CopyText(m_szGiven, sizeof(m_szGiven), pszFolder);
+  if (realpath(pszFolder, m_szReal) == nullptr) m_szReal[0] = '\0';
+}
+
+bool COpenInside::IsFor(const char* pszFolder) const {
+  return m_szReal[0] != '\0' && strcmp(m_szGiven, pszFolder) == 0;
+}
+
+int COpenInside::Open(const char* pszPath) {
+  // Not waiting for a pipe's writer: it is refused below.
+  const int nFd = open(pszPath, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (nFd < 0 || MayBeOpened(nFd)) return nFd;
+  close(nFd);
+  errno = ENOENT;
+  return -1;
+}
+
+bool COpenInside::MayBeOpened(int nFd) {
+  struct stat st {};
+  if (fstat(nFd, &st) != 0 || !S_ISREG(st.st_mode)) return false;
+  const time_t now = time(nullptr);
+  stSeen& seen = m_seen[st.st_ino % std::size(m_seen)];
+  if (seen.second == now && seen.ino == st.st_ino && seen.dev == st.st_dev &&
+      seen.changed.tv_sec == st.st_ctim.tv_sec && seen.changed.tv_nsec == st.st_ctim.tv_nsec)
+    return true;
+  if (!IsBelow(nFd)) return false;
+  seen = {st.st_dev, st.st_ino, st.st_ctim, now};
+  return true;
+}
+
+bool COpenInside::IsBelow(int nFd) const {
+  char szLink[32];
+  snprintf(szLink, sizeof(szLink), "/proc/self/fd/%d", nFd);
+  char szFile[1024];  // a longer path is cut, which does not change where it begins
+  const ssize_t nLen = readlink(szLink, szFile, sizeof(szFile));
+  const std::string_view file(szFile, nLen > 0 ? static_cast<size_t>(nLen) : 0);
+  const std::string_view folder(m_szReal);
+  return !folder.empty() && file.size() > folder.size() && file[folder.size()] == '/' &&
+         file.substr(0, folder.size()) == folder;
+}

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# bench.sh [--slices N] [--seconds S] [--spread]: how fast the daemon is, as ratios in one run: the
+# conversions beside the C library's, then requests beside the floor's and other servers', then
+# instructions per request. Builds what it measures. The machine should have nothing else to do.
+# shellcheck source=scripts/common.sh
+. "$(dirname -- "$0")/common.sh"
+
+build() {
+  cmake -S . -B build/bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DWEBCTRL_BUILD_BENCH=ON \
+    -DWEBCTRL_BUILD_TESTS=OFF && cmake --build build/bench -j "$(nproc)"
+}
+
+"$root/scripts/install-deps.sh" build run bench
+cd "$root"
+mkdir -p build
+build >build/bench.log 2>&1 || fail "the build failed: $(tail -n 20 build/bench.log)"
+build/bench/bin/encoding_bench 2>&1 | sed -n '/ours us/,$p'
+/usr/bin/python3 bench/speed/run.py "$@"
+exec /usr/bin/python3 bench/speed/run.py --instructions

@@ -1,0 +1,129 @@
+#include "CBB/Util/OpenInside.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+
+namespace {
+
+class OpenInsideTest : public testing::Test {
+ protected:
+  OpenInsideTest() {
+    EXPECT_NE(nullptr, mkdtemp(m_szTop));
+    std::filesystem::create_directories(Path("in/sub"));
+    std::filesystem::create_directory(Path("in2"));
+    for (const char* pszName : {"in/file", "in/sub/file", "in2/file", "file"}) {
+      std::ofstream(Path(pszName)) << pszName;
+    }
+    m_pFolder = std::make_unique<COpenInside>(Path("in").c_str());
+  }
+  ~OpenInsideTest() override { std::filesystem::remove_all(m_szTop); }
+  OpenInsideTest(const OpenInsideTest&) = delete;
+  OpenInsideTest& operator=(const OpenInsideTest&) = delete;
+
+  std::string Path(const std::string& strName) const { return m_szTop + ("/" + strName); }
+
+  // What the file says, or the reason why it is not opened, as a number.
+  std::string Read(const std::string& strName) {
+    const int nFd = m_pFolder->Open(Path(strName).c_str());
+    if (nFd < 0) return std::to_string(errno);
+    char szText[32] = "";
+    EXPECT_LT(0, read(nFd, szText, sizeof(szText) - 1));
+    EXPECT_NE(0, fcntl(nFd, F_GETFD) & FD_CLOEXEC);
+    close(nFd);
+    return szText;
+  }
+
+  char m_szTop[32] = "/tmp/OpenInsideXXXXXX";
+  std::unique_ptr<COpenInside> m_pFolder;
+};
+
+TEST_F(OpenInsideTest, OpensWhatIsReallyBelowTheFolder) {
+  std::filesystem::create_symlink("in/sub", Path("link"));
+  EXPECT_EQ("in/file", Read("in/file"));
+  EXPECT_EQ("in/sub/file", Read("in/sub/file"));
+  EXPECT_EQ("in/file", Read("in2/../in/file"));
+  EXPECT_EQ("in/sub/file", Read("link/file"));
+}
+
+TEST_F(OpenInsideTest, RefusesWhatIsReallyOutside) {
+  std::filesystem::create_symlink("../file", Path("in/link"));
+  std::filesystem::create_symlink(Path("in2"), Path("in/folder"));
+  const std::string strRefused = std::to_string(ENOENT);
+  for (const char* pszName : {"file", "in/../file", "in2/file", "in/link", "in/folder/file"}) {
+    EXPECT_EQ(strRefused, Read(pszName)) << pszName;
+  }
+}
+
+TEST_F(OpenInsideTest, RefusesWhatIsNoRegularFile) {
+  ASSERT_EQ(0, mkfifo(Path("in/pipe").c_str(), 0600));
+  std::filesystem::create_symlink("/dev/zero", Path("in/device"));
+  const std::string strRefused = std::to_string(ENOENT);
+  for (const char* pszName : {"in", "in/sub", "in/pipe", "in/device", "in/nothing"}) {
+    EXPECT_EQ(strRefused, Read(pszName)) << pszName;
+  }
+}
+
+TEST_F(OpenInsideTest, GivesTheSystemsReason) {
+  EXPECT_EQ(std::to_string(ENOTDIR), Read("in/file/name"));
+  EXPECT_EQ(std::to_string(ENAMETOOLONG), Read("in/" + std::string(300, 'x')));
+}
+
+TEST_F(OpenInsideTest, OpensNothingBelowAFolderThatIsNotThere) {
+  for (const std::string& strFolder : {std::string(), Path("nothing")}) {
+    COpenInside none(strFolder.c_str());
+    EXPECT_FALSE(none.IsFor(strFolder.c_str()));
+    EXPECT_EQ(-1, none.Open(Path("in/file").c_str()));
+    EXPECT_EQ(ENOENT, errno);
+  }
+}
+
+TEST_F(OpenInsideTest, KnowsItsFolderByTheGivenPath) {
+  EXPECT_TRUE(m_pFolder->IsFor(Path("in").c_str()));
+  EXPECT_FALSE(m_pFolder->IsFor(Path("in2").c_str()));
+}
+
+TEST_F(OpenInsideTest, NoticesAtOnceThatAFileMovesOut) {
+  EXPECT_EQ("in/file", Read("in/file"));
+  usleep(20000);  // the file system's clock is a coarse one
+  std::filesystem::rename(Path("in/file"), Path("moved"));
+  std::filesystem::create_symlink("../moved", Path("in/file"));
+  EXPECT_EQ(std::to_string(ENOENT), Read("in/file"));
+  EXPECT_EQ(std::to_string(ENOENT), Read("moved"));
+}
+
+TEST_F(OpenInsideTest, NoticesAtOnceThatANameLeadsToAnotherFile) {
+  EXPECT_EQ("in/sub/file", Read("in/sub/file"));
+  std::filesystem::rename(Path("in/sub"), Path("in/old"));
+  std::filesystem::create_symlink("../in2", Path("in/sub"));
+  EXPECT_EQ(std::to_string(ENOENT), Read("in/sub/file"));
+  EXPECT_EQ("in/sub/file", Read("in/old/file"));
+}
+
+TEST_F(OpenInsideTest, NoticesSoonThatAFileMovesOutWithItsFolder) {
+  EXPECT_EQ("in/sub/file", Read("in/sub/file"));
+  std::filesystem::rename(Path("in/sub"), Path("moved"));
+  std::filesystem::create_symlink("../moved", Path("in/sub"));
+  sleep(2);
+  EXPECT_EQ(std::to_string(ENOENT), Read("in/sub/file"));
+}
+
+TEST_F(OpenInsideTest, LeavesNoDescriptorOpenForWhatItRefuses) {
+  const int nNext = open("/dev/null", O_RDONLY);
+  close(nNext);
+  Read("in");
+  Read("file");
+  const int nLater = open("/dev/null", O_RDONLY);
+  close(nLater);
+  EXPECT_EQ(nNext, nLater);
+}
+
+}  // namespace
