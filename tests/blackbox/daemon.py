@@ -155,6 +155,7 @@ class Daemon:
     def start(self):
         self.spawn()
         wait_until(self._serves, "the daemon on port 80")
+        self._threads = self.count("task")
         self.mark()
         return self
 
@@ -177,8 +178,9 @@ class Daemon:
         return len(os.listdir(f"/proc/{self.process.pid}/{what}"))
 
     def count_idle_descriptors(self):
-        """Descriptors once the daemon has closed the connections of all clients that left."""
+        """Descriptors once all clients' connections are closed and restarted threads have ended."""
         wait_until(lambda: not _has_connections(), "the connections to close")
+        wait_until(lambda: self.count("task") == self._threads, "the restarted threads to end")
         return self.count("fd")
 
     def pause(self):
