@@ -1,23 +1,24 @@
 #include "CBB/WebCtrl/JsonReply.h"
 
-#include <iterator>
+#include <algorithm>
+#include <cstring>
 
 #include "CBB/Util/NetTool.h"
 #include "CBB/WebCtrl/MaskSvrAddr.h"
 
 namespace {
 
-constexpr size_t kUsualReply = 512;
+constexpr size_t kUsualReply = 1000;
 
 // A chunk's first line: its size, as a hexadecimal number in capitals.
-void AppendSize(std::string& strOut, size_t nSize) {
-  char szLine[2 * sizeof(nSize)];
-  char* p = std::end(szLine);
+std::string SizeLine(size_t nSize) {
+  char szLine[] = "0000000000000000\r\n";
+  char* p = szLine + 16;
   do {
     *--p = "0123456789ABCDEF"[nSize % 16];
     nSize /= 16;
   } while (nSize != 0);
-  strOut.append(p, static_cast<size_t>(std::end(szLine) - p)).append("\r\n");
+  return p;
 }
 
 }  // namespace
@@ -46,9 +47,12 @@ void CJsonReply::Piece(std::initializer_list<std::string_view> texts) {
   // which took longer than all else that a long reply of short chunks needs.
   size_t nSize = 0;
   for (const std::string_view text : texts) nSize += text.size();
-  AppendSize(m_strChunks, nSize);
-  for (const std::string_view text : texts) m_strChunks += text;
-  m_strChunks += "\r\n";
+  const std::string strLine = SizeLine(nSize);
+  const size_t nBegin = m_strChunks.size();
+  m_strChunks.resize(nBegin + strLine.size() + nSize + 2);
+  char* p = std::copy(strLine.begin(), strLine.end(), &m_strChunks[nBegin]);
+  for (const std::string_view text : texts) p = std::copy(text.begin(), text.end(), p);
+  memcpy(p, "\r\n", 2);
   m_bBegun = true;
 }
 
