@@ -2,6 +2,7 @@
 # bench.sh [--slices N] [--seconds S] [--spread]: how fast the daemon is, as ratios in one run: the
 # conversions beside the C library's, then requests beside the floor's and other servers', then
 # instructions per request. Builds what it measures. The machine should have nothing else to do.
+# Ends with 1 when the conversions miss a mark or a reply was not the expected one.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -14,6 +15,8 @@ build() {
 cd "$root"
 mkdir -p build
 build >build/bench.log 2>&1 || fail "the build failed: $(tail -n 20 build/bench.log)"
-build/bench/bin/encoding_bench 2>&1 | sed -n '/ours us/,$p'
-/usr/bin/python3 bench/speed/run.py "$@"
-exec /usr/bin/python3 bench/speed/run.py --instructions
+status=0
+build/bench/bin/encoding_bench 2>&1 | sed -n '/ours us/,$p' || status=1
+/usr/bin/python3 bench/speed/run.py "$@" || status=1
+/usr/bin/python3 bench/speed/run.py --instructions || status=1
+exit "$status"
