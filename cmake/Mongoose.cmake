@@ -24,7 +24,9 @@ add_library(mongoose STATIC ${CMAKE_CURRENT_LIST_DIR}/MongooseBuild.c)
 set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/MongooseBuild.c
                             PROPERTIES OBJECT_DEPENDS ${MONGOOSE_DIR}/mongoose.c)
 target_include_directories(mongoose SYSTEM PUBLIC ${MONGOOSE_DIR})
-# PUBLIC: the switches change the library's own types, so every user must see the same ones.
+# PUBLIC: the switches change the library's own types, so every user must see the same ones. What the
+# pages do not use is not there at all: whoever reaches the port must not list folders, start programs
+# that lie beside the pages, or hold connections under another protocol.
 target_compile_definitions(
   mongoose
   PUBLIC MG_ENABLE_HTTP_SSI=1

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "CBB/Util/DebugPrint.h"
+#include "CBB/Util/LocalTime.h"
 
 namespace {
 
@@ -30,13 +31,6 @@ __attribute__((format(printf, 3, 4))) void PrintError(const char* pszCaller, int
   va_end(args);
   DebugPrint(kErrorLevel, "\033[31m\033[1m[%-16s]<ERROR@%s, L%d>:%s\n\033[0m", "Logger", pszCaller,
              nLine, szMessage);
-}
-
-tm LocalNow() {
-  const time_t now = time(nullptr);
-  tm local{};
-  localtime_r(&now, &local);
-  return local;
 }
 
 // Writes "verb path" as a shell command. A path of harmless characters stands as it is; any other

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "CBB/Util/LocalTime.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/JsonReply.h"
 #include "CBB/WebCtrl/Trace.h"
@@ -122,12 +123,10 @@ int CWebCtrl::getBaseInfoFromNet(stBaseInfo& rec) {
 
 void CWebCtrl::get_BaseInfo(mg_connection* pConn, http_message* /*pMsg*/) {
   const CFunTrace trace;
-  const time_t now = time(nullptr);
-  tm local{};
-  localtime_r(&now, &local);
+  const tm now = LocalNow();
   stBaseInfo rec{};
   const int nRet = getBaseInfoFromNet(rec);
-  strftime(rec.strFD_CurTime, sizeof(rec.strFD_CurTime), "%Y-%m-%d %H:%M:%S", &local);
+  strftime(rec.strFD_CurTime, sizeof(rec.strFD_CurTime), "%Y-%m-%d %H:%M:%S", &now);
   ReplyFields(pConn, kBaseJson, rec, nRet == 0);
 }
 

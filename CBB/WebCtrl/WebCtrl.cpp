@@ -87,6 +87,7 @@ void* CWebCtrl::DetectSvcEntry(void* pSelf) {
 
 void CWebCtrl::DetectSvc() {
   const unsigned long ulThread = pthread_self();
+  // Deliberate: the logger is not initialised, and says so here.
   Logger::Instance().log("<@%s, L%d>CWebCtrl::DetectSvc, tid=%lu\n", __func__, kLogLine, ulThread);
   DebugPrint(4, "\033[35m\033[1m[LOG  ]<@%s, L%d>:CWebCtrl::DetectSvc, tid=%lu\n\033[0m", __func__,
              kLogLine, ulThread);

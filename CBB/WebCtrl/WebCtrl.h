@@ -63,7 +63,8 @@ class CWebCtrl {
   const char* WebRoot() const { return m_szWebRoot; }
   CSessions& Sessions() { return m_sessions; }
 
-  // Routes one whole request; called by the HTTP event handler only.
+  // Routes one whole request; called by the HTTP event handler only. Deliberate: the spelling, here
+  // and in what it prints.
   void DoHttpRequeset(mg_connection* pConn, http_message* pMsg);
 
   // Handlers: each answers pConn before it returns, except where an unanswered path is part of the

@@ -126,7 +126,10 @@ class Output:
 
 
 class Daemon:
-    """One process. start() returns when it serves; spawn() at once, for starts that fail."""
+    """One process. start() returns when it serves; spawn() at once, for starts that fail.
+
+    env changes its environment; None takes a variable away.
+    """
 
     def __init__(self, folder, name="webctrl", web_root="web_root", env=None):
         self.folder = str(folder)
@@ -136,7 +139,8 @@ class Daemon:
         if web_root:
             fill_web_root(os.path.join(self.folder, web_root))
         self.ifconfig_log = os.path.join(self.folder, "ifconfig.log")
-        self._env = {**os.environ, "IFCONFIG_LOG": self.ifconfig_log, "TZ": "CST-8", **(env or {})}
+        env = {**os.environ, "IFCONFIG_LOG": self.ifconfig_log, "TZ": "CST-8", **(env or {})}
+        self._env = {name: value for name, value in env.items() if value is not None}
         self.process = None
 
     def spawn(self):

@@ -49,6 +49,15 @@ def _mount(source, target, flags, kind=None):
     _check(_LIBC.mount(source, target.encode(), kind, flags, None), f"mount on {target}")
 
 
+def cover(target, source):
+    """Lets the file `source` be seen in the place of `target`, inside the namespace."""
+    _mount(os.fspath(source), target, _MS_BIND)
+
+
+def uncover(target):
+    _check(_LIBC.umount2(target.encode(), _MNT_DETACH), f"unmount {target}")
+
+
 def _ip(*words):
     try:
         subprocess.run(("ip", *words), check=True, capture_output=True, text=True)

@@ -75,6 +75,24 @@ def test_folder_without_index_is_not_listed(rig):
     assert fetch(rig, "/secrets/").head.startswith(b"HTTP/1.1 501 ")
 
 
+@pytest.mark.parametrize("name", ["program.cgi", "program.php"])
+def test_program_among_the_pages_is_not_run(rig, name):
+    path = os.path.join(rig.daemon.folder, "web_root", name)
+    with open(path, "w", encoding="ascii") as file:
+        file.write("#!/bin/sh\ntouch ran\n")
+    os.chmod(path, 0o755)
+    assert fetch(rig, f"/{name}").head.startswith(b"HTTP/1.1 501 ")
+    assert not os.path.exists(os.path.join(rig.daemon.folder, "web_root", "ran"))
+
+
+def test_request_for_another_protocol_is_answered_like_any(rig):
+    rig.device.play()
+    upgrade = "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+    with Client() as client:
+        client.send(get("/page.css", upgrade + "Sec-WebSocket-Key: AAAAAAAAAAAAAAAAAAAAAA==\r\n"))
+        assert client.read_reply().body == b"body { color: page }"
+
+
 @pytest.mark.parametrize(
     "uri",
     [

@@ -124,6 +124,7 @@ FORMS = {
     ],
     "/set_MirrorInfo": [
         ("full", "strFD_UpDown=1&strFD_LeftRight=0", mirror(0, 1)),
+        ("full, the other way round", "strFD_UpDown=0&strFD_LeftRight=1", mirror(1, 0)),
         ("both", "strFD_UpDown=1-0&strFD_LeftRight=1-0", mirror(1, 1)),
         ("only the piece before the dash", "strFD_UpDown=0-1&strFD_LeftRight=1-0", mirror(1, 0)),
         ("above 1 is 1", "strFD_UpDown=2&strFD_LeftRight=300", mirror(1, 1)),

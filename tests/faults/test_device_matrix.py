@@ -80,8 +80,10 @@ ROWS = [
     ("silent", EVERY, FAILED, "", LEFT),
     ("lost", EVERY, FAILED, "", TAKEN),
     ("delay:300", EVERY, GOOD, _FROM, RESTARTED),
+    ("delay:4000", ("query", "set"), GOOD, _FROM, RESTARTED),
     ("delay:6000", ("query", "login", "export", "set"), FAILED, "", TAKEN),
-    ("delay:6000", ("import",), GOOD, _FROM, RESTARTED),
+    ("delay:9000", ("import",), GOOD, _FROM, RESTARTED),
+    ("delay:11000", ("import",), FAILED, "", TAKEN),
     # The answer to the first of two messages comes in time for the second.
     ("delay:6000", ("gb28181 query",), FOREIGN, _FROM, None),
     ("delay:6000", ("gb28181 set",), GOOD, _FROM, RESTARTED),

@@ -10,7 +10,7 @@ import netns
 import pytest
 from device import ACCEPTED, HOST, PORT, SILENCE, answer
 from http_client import Client, get, post
-from daemon import fill_web_root
+from daemon import Daemon, fill_web_root
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
 GOOD = b'{ "strLanguage": "CN", "result": 1 }'
@@ -185,3 +185,14 @@ def test_silence_is_not_shortened_by_a_signal(rig):
     assert ask(get("/get_LangInfo")).body == FAILED
     rig.device.play(LANGUAGE)
     assert ask(get("/get_LangInfo")).body == GOOD
+
+
+def test_executable_whose_path_cannot_be_read_is_an_error(tmp_path):
+    daemon = Daemon(tmp_path / "daemon")
+    without_proc = 'mount -t tmpfs none /proc && exec "$0"'
+    done = subprocess.run(
+        ["unshare", "--mount", "sh", "-c", without_proc, daemon.program],
+        cwd=daemon.folder, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
+    )
+    assert (done.returncode, done.stderr) == (255, "")
+    assert done.stdout == "CWebCtrl::Init, ip:127.0.0.1, port:6000.\n***Error***\n"

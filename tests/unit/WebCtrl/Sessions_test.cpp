@@ -118,7 +118,7 @@ TEST(CheckSession, TakesAClockSetBackForAFreshSession) {
   EXPECT_EQ(kRefuse, Check(sessions, StyleRequest(Id('a')), INT32_MAX));
 }
 
-TEST(CheckSession, TouchesOnlyTheOldestOfEqualIdentifiers) {
+TEST(CheckSession, RemovesOnlyTheOldestOfEqualIdentifiers) {
   CSessions sessions;
   sessions.AddSession(Id('a').c_str(), kNow);
   sessions.AddSession(Id('a').c_str(), kNow + 1000);
@@ -126,6 +126,17 @@ TEST(CheckSession, TouchesOnlyTheOldestOfEqualIdentifiers) {
   EXPECT_EQ(kRefuse, Check(sessions, StyleRequest(Id('a')), kNow + 1801));
   EXPECT_EQ(1U, sessions.Count());
   EXPECT_EQ(kPass, Check(sessions, StyleRequest(Id('a')), kNow + 2800));
+}
+
+TEST(CheckSession, RenewsOnlyTheOldestOfEqualIdentifiers) {
+  CSessions sessions;
+  sessions.AddSession(Id('a').c_str(), kNow);
+  sessions.AddSession(Id('a').c_str(), kNow);
+  EXPECT_EQ(kPass, Check(sessions, StyleRequest(Id('a')), kNow + 1000));
+  EXPECT_EQ(kRefuse, Check(sessions, StyleRequest(Id('a')), kNow + 1000 + 1801));
+  EXPECT_EQ(1U, sessions.Count());
+  EXPECT_EQ(kRefuse, Check(sessions, StyleRequest(Id('a')), kNow + 1801));
+  EXPECT_EQ(0U, sessions.Count());
 }
 
 TEST(AddSession, KeepsTheNewestFive) {

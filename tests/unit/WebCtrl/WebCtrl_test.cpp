@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
@@ -11,6 +12,8 @@
 #include "tests/unit/control/NetSpace.h"
 
 namespace {
+
+std::vector<std::string> g_commands;  // that the service gave to the shell
 
 constexpr char kNeedsNetSpace[] = "no private network namespace";
 
@@ -115,6 +118,7 @@ TEST(CWebCtrl, LaterExchangesGoToALaterAddress) {
 
 TEST(CWebCtrl, SecondStartOnlySaysSo) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    g_commands.clear();
     // Its server thread serves until the process ends.
     CWebCtrl& webCtrl = CWebCtrl::Instance();
     EXPECT_EQ(0, webCtrl.Start("/"));
@@ -124,6 +128,7 @@ TEST(CWebCtrl, SecondStartOnlySaysSo) {
     EXPECT_THAT(strPrinted, testing::HasSubstr("CWebCtrl::Start, is already started.\n"));
     EXPECT_STREQ("/", webCtrl.WebRoot());
     EXPECT_TRUE(webCtrl.IsStarted());
+    EXPECT_THAT(g_commands, testing::ElementsAre("/sbin/ifconfig lo 127.0.0.1"));
   });
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
@@ -155,3 +160,12 @@ TEST(CWebCtrl, KeepsTheFirst127CharactersOfTheWebRootAndStartsAgainAfterAFailure
 }
 
 }  // namespace
+
+// Linked in place of system (--wrap). What the tests' network runs, is run.
+extern "C" int __real_system(const char* pszCommand);
+extern "C" int __wrap_system(const char* pszCommand);
+int __wrap_system(const char* pszCommand) {
+  if (strncmp(pszCommand, "/sbin/", 6) != 0) return __real_system(pszCommand);
+  g_commands.emplace_back(pszCommand);
+  return 0;
+}

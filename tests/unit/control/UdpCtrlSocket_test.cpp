@@ -76,7 +76,7 @@ TEST_F(UdpCtrlSocketTest, AcceptsTheRightPortOfAnotherHost) {
   EXPECT_EQ(kGotData + Peers("127.0.0.2", m_device.Port()) + ",len[9].\n", m_strPrinted);
 }
 
-TEST_F(UdpCtrlSocketTest, RefusesAnotherPortOfTheRightHost) {
+TEST_F(UdpCtrlSocketTest, RefusesAnotherPort) {
   const CFakeDevice other;
   m_device.SendFrom("127.0.0.2", other.Port(), "stranger");
   EXPECT_EQ(-1, Receive(100));

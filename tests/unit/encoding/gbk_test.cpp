@@ -80,19 +80,6 @@ TEST(GbkString, ConvertsCharacters) {
   }
 }
 
-// ASCII is taken in blocks of eight: a character of two bytes at every place of a block.
-TEST(GbkString, ConvertsTwoByteCharactersAtEveryOffset) {
-  for (size_t nAt = 0; nAt <= 20; ++nAt) {
-    std::string text = "abcdefghijklmnopqrst";
-    std::vector<uint32_t> expected(text.begin(), text.end());
-    text.insert(nAt, "\xD6\xD0");
-    expected.insert(expected.begin() + static_cast<ptrdiff_t>(nAt), 0x4E2D);
-    const stDecoded decoded = FromGbk(text);
-    EXPECT_EQ(1, decoded.nRet) << nAt;
-    EXPECT_EQ(expected, decoded.codes) << nAt;
-  }
-}
-
 TEST(GbkString, StopsAtEveryCapacity) {
   const std::string text = "0123456789abcdef<\xD6\xD0\xB9\xFA name=\"\xB3\xB5\xC1\xBE\">0123456789";
   const stDecoded whole = FromGbk(text);
