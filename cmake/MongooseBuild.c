@@ -17,3 +17,41 @@
 #define MBUF_SIZE_MAX_HEADROOM 8192
 
 #include <mongoose.c>
+
+#include "MongooseBuild.h"
+
+static ptrdiff_t ChunksLength(char* pBuf, size_t nLen) {
+  char* pData;
+  size_t nAt = 0, nChunk, nData = 1;
+  while (nData != 0) {
+    nChunk = mg_http_parse_chunk(pBuf + nAt, nLen - nAt, &pData, &nData);
+    if (nChunk == 0) return kRequestNotWhole;
+    nAt += nChunk;
+  }
+  return (ptrdiff_t)nAt;
+}
+
+ptrdiff_t FirstRequestLength(const struct mbuf* pReceived) {
+  const size_t nToTheEnd = ~(size_t)0;
+  struct http_message msg;
+  const int nHead = mg_parse_http(pReceived->buf, (int)pReceived->len, &msg, 1);
+  const struct mg_str* pEncoding;
+  if (nHead < 0) return kRequestBroken;
+  if ((nHead == 0 ? pReceived->len : (size_t)nHead) >= MG_MAX_HTTP_REQUEST_SIZE)
+    return kRequestBroken;
+  if (nHead == 0) return kRequestNotWhole;
+  pEncoding = mg_get_http_header(&msg, "Transfer-Encoding");
+  if (pEncoding != NULL && mg_vcasecmp(pEncoding, "chunked") == 0) {
+    const ptrdiff_t nBody = ChunksLength(pReceived->buf + nHead, pReceived->len - (size_t)nHead);
+    return nBody == kRequestNotWhole ? kRequestNotWhole : nHead + nBody;
+  }
+  if (msg.message.len == nToTheEnd && msg.body.len == nToTheEnd)
+    return pEncoding == NULL ? kRequestToTheEnd : kRequestBroken;
+  if (msg.message.len < (size_t)nHead) return kRequestBroken; /* its length is negative */
+  return msg.message.len <= pReceived->len ? (ptrdiff_t)msg.message.len : kRequestNotWhole;
+}
+
+int IsSendingFile(const struct mg_connection* pConn) {
+  const struct mg_http_proto_data* pData = (const struct mg_http_proto_data*)pConn->proto_data;
+  return pData != NULL && pData->file.fp != NULL;
+}

@@ -82,7 +82,7 @@ CScriptedNet::CScriptedNet(void (*pfnHandler)(mg_connection*, int, void*)) {
   m_pListener = mg_bind(&m_mgr, "80", pfnHandler);
   Require(m_pListener != nullptr);
   ResumeReceiving(m_mgr);
-  mg_set_protocol_http_websocket(m_pListener);
+  ServeHttp(m_pListener);
 }
 
 CScriptedNet::~CScriptedNet() {

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 
@@ -51,4 +53,10 @@ void CapDescriptors() {
   if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur <= FD_SETSIZE) return;
   limit.rlim_cur = FD_SETSIZE;
   setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+int DescriptorLimit() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return INT_MAX;
+  return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, INT_MAX));
 }

@@ -11,5 +11,8 @@
 // and of a pipe that cannot be opened again, changes for every process that shares it.
 void GuardStdStreams();
 
+// How many descriptors the process may have: its limit, or as many as a number holds.
+int DescriptorLimit();
+
 // Keeps the numbers of descriptors below what select takes: further ones cannot be opened.
 void CapDescriptors();

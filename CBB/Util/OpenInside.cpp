@@ -12,34 +12,35 @@
 
 #include "CBB/Util/TextCopy.h"
 
-COpenInside::COpenInside(const char* pszFolder) {
-  CopyText(m_szGiven, sizeof(m_szGiven), pszFolder);
-  if (realpath(pszFolder, m_szReal) == nullptr) m_szReal[0] = '\0';
-}
-
-bool COpenInside::IsFor(const char* pszFolder) const {
-  return m_szReal[0] != '\0' && strcmp(m_szGiven, pszFolder) == 0;
-}
-
-int COpenInside::Open(const char* pszPath) {
+int COpenInside::Open(const char* pszFolder, const char* pszPath) {
   // Not waiting for a pipe's writer: it is refused below.
   const int nFd = open(pszPath, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (nFd < 0 || MayBeOpened(nFd)) return nFd;
+  if (nFd < 0) return -1;
+  LookAtFolder(pszFolder);
+  if (MayBeOpened(nFd)) return nFd;
   close(nFd);
   errno = ENOENT;
   return -1;
 }
 
+void COpenInside::LookAtFolder(const char* pszFolder) {
+  const time_t now = time(nullptr);
+  if (now == m_second && strcmp(m_szGiven, pszFolder) == 0) return;
+  m_second = now;
+  CopyText(m_szGiven, sizeof(m_szGiven), pszFolder);
+  if (realpath(m_szGiven, m_szReal) == nullptr) m_szReal[0] = '\0';
+  for (stSeen& seen : m_seen) seen = {};
+}
+
 bool COpenInside::MayBeOpened(int nFd) {
   struct stat st {};
   if (fstat(nFd, &st) != 0 || !S_ISREG(st.st_mode)) return false;
-  const time_t now = time(nullptr);
   stSeen& seen = m_seen[st.st_ino % std::size(m_seen)];
-  if (seen.second == now && seen.ino == st.st_ino && seen.dev == st.st_dev &&
-      seen.changed.tv_sec == st.st_ctim.tv_sec && seen.changed.tv_nsec == st.st_ctim.tv_nsec)
+  if (seen.ino == st.st_ino && seen.dev == st.st_dev && seen.changed.tv_sec == st.st_ctim.tv_sec &&
+      seen.changed.tv_nsec == st.st_ctim.tv_nsec)
     return true;
   if (!IsBelow(nFd)) return false;
-  seen = {st.st_dev, st.st_ino, st.st_ctim, now};
+  seen = {st.st_dev, st.st_ino, st.st_ctim};
   return true;
 }
 

@@ -4,38 +4,32 @@
 #include <sys/stat.h>
 
 #include <climits>
-#include <string_view>
+#include <ctime>
 
 // An object belongs to one thread. Nothing here throws.
 class COpenInside {
  public:
-  // Finds out where the folder really is. In one that is not there, nothing is opened.
-  explicit COpenInside(const char* pszFolder);
-
-  // Whether this is the folder that the object was made for, and it was there. Never for a path of
-  // more than 127 characters.
-  bool IsFor(const char* pszFolder) const;
-
   // Opens the regular file at pszPath for reading and returns its descriptor, which the caller
-  // closes and no other program inherits. Where the file really is must be below the folder; a file
-  // that was there less than a second ago passes, as long as it is the same one, unchanged. Else
-  // returns -1 with errno: the system's reason, or ENOENT for what must not be opened. Does not
-  // wait.
-  int Open(const char* pszPath);
+  // closes and no other program inherits. The place where the file really is must be below the one
+  // where pszFolder really is. Both are looked at anew in every second of the clock; a file that
+  // was there passes for the rest of one, as long as it is the same one, unchanged. Else returns -1
+  // with errno: the system's reason, or ENOENT for what must not be opened. Does not wait.
+  int Open(const char* pszFolder, const char* pszPath);
 
  private:
-  // A file in one state, which was below the folder in one second of the clock.
+  // A file in one state. Asking where it is takes as long as the rest of opening it.
   struct stSeen {
     dev_t dev;
     ino_t ino;
     timespec changed;
-    time_t second;
   };
 
+  void LookAtFolder(const char* pszFolder);
   bool MayBeOpened(int nFd);
   bool IsBelow(int nFd) const;
 
-  char m_szGiven[128];
-  char m_szReal[PATH_MAX];
-  stSeen m_seen[32] = {};  // asking where a file is takes as long as the rest of opening it
+  char m_szGiven[PATH_MAX] = "";
+  char m_szReal[PATH_MAX] = "";  // empty: not there, so nothing is below it
+  time_t m_second = -1;          // of the last look at the folder
+  stSeen m_seen[32] = {};        // below it, in that second
 };

@@ -6,9 +6,9 @@
 #include <memory>
 
 #include "CBB/Util/DebugPrint.h"
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/JsonReply.h"
-#include "CBB/WebCtrl/Trace.h"
 #include "control/XmlText.h"
 #include "encoding/unicode_utf-8.h"
 

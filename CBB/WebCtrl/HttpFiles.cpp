@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "CBB/Util/OpenInside.h"
+#include "CBB/Util/ReserveMemory.h"
 #include "CBB/WebCtrl/HttpLoop.h"
 
 namespace {
@@ -18,14 +19,6 @@ struct {
   char szPath[MG_MAX_PATH];
   cs_stat_t stat;
 } g_known;
-
-// The document root. Where it really is, is found out once; again when it was not there.
-COpenInside& Root() {
-  static COpenInside root("");
-  const char* pszRoot = HttpOptions().document_root;
-  if (!root.IsFor(pszRoot)) root = COpenInside(pszRoot);
-  return root;
-}
 
 // Pages are read by the character, all else in pieces, for which a buffer is one copy more.
 bool IsPage(const char* pszPath) { return strcasestr(pszPath, ".shtm") != nullptr; }
@@ -45,10 +38,16 @@ int mg_stat(const char* pszPath, cs_stat_t* pStat) {
 }
 
 FILE* mg_fopen(const char* pszPath, const char* /*pszMode*/) {
-  const int nFd = Root().Open(pszPath);
-  FILE* const pStream = nFd < 0 ? nullptr : fdopen(nFd, "rb");
-  if (pStream != nullptr && !IsPage(pszPath)) setvbuf(pStream, nullptr, _IONBF, 0);
-  if (pStream == nullptr && nFd >= 0) close(nFd);
+  static COpenInside s_files;
+  const int nFd = s_files.Open(HttpOptions().document_root, pszPath);
+  if (nFd < 0) return nullptr;
+  FILE* const pStream = fdopen(nFd, "rb");
+  if (pStream == nullptr) {
+    close(nFd);
+    NoteMemoryShortage();  // or the page around it would go out without it
+  } else if (!IsPage(pszPath)) {
+    setvbuf(pStream, nullptr, _IONBF, 0);
+  }
   return pStream;
 }
 

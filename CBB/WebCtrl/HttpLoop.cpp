@@ -2,7 +2,6 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
@@ -12,9 +11,11 @@
 #include <cstring>
 #include <new>
 
+#include "CBB/Util/Descriptors.h"
 #include "CBB/Util/Print.h"
 #include "CBB/Util/ReserveMemory.h"
 #include "CBB/WebCtrl/WebCtrl.h"
+#include "cmake/MongooseBuild.h"
 
 namespace {
 
@@ -22,7 +23,14 @@ constexpr const char* kPort = "80";
 constexpr int kPollMs = 1000;
 constexpr size_t kMaxRequestBytes = 1U << 20;
 constexpr size_t kMaxUnreadBytes = 1U << 20;
-constexpr rlim_t kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
+constexpr int kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
+
+// What is noted of a connection in the flags that the library leaves alone.
+constexpr unsigned long kUnseen = MG_F_USER_1;   // more may have arrived than was looked at
+constexpr unsigned long kEnded = MG_F_USER_2;    // the client has sent all that it will
+constexpr unsigned long kClosing = MG_F_USER_3;  // the last reply closes the connection
+
+mg_event_handler_t g_pfnLibrary;  // the library's own handler of the protocol
 
 // What the include calls of the pages print.
 struct {
@@ -35,46 +43,11 @@ void PrintSetting(mg_connection* pConn, const char* pszName) {
   if (strcmp(pszName, "setting2") == 0) mg_printf_html_escape(pConn, "%s", g_settings.setting2);
 }
 
-// How long the first request in the received bytes says it is. One whose body ends with the
-// connection takes all of them, if it has ended, and else has no end.
-size_t AnnouncedLength(const mbuf& received, bool bEnded) {
-  constexpr size_t kToTheEnd = ~static_cast<size_t>(0);
-  http_message msg;
-  if (mg_parse_http(received.buf, static_cast<int>(received.len), &msg, 1) <= 0) return 0;
-  const bool bToTheEnd = msg.message.len == kToTheEnd && msg.body.len == kToTheEnd;
-  return bToTheEnd && bEnded ? received.len : msg.message.len;
-}
-
-// Whether the client ended the connection in order. One that broke, or that was closed here, ends
-// no body.
-bool IsEndedByClient(const mg_connection& conn) { return (conn.flags & MG_F_SEND_AND_CLOSE) != 0; }
-
-// Cuts the body to the request's own, or returns false when the received bytes do not hold it all.
-// The library hands over what follows as well, takes a negative Content-Length for a whole request
-// and, when a connection closes, delivers what had arrived until then.
-bool TakeBody(const mg_connection& conn, http_message& msg) {
-  const mbuf& received = conn.recv_mbuf;
-  size_t nWhole = msg.message.len;
-  if ((conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) {
-    if (mg_get_http_header(&msg, "Transfer-Encoding") != nullptr) return false;
-    nWhole = AnnouncedLength(received, IsEndedByClient(conn));
-  }
-  const size_t nHead = static_cast<size_t>(msg.body.p - received.buf);
-  if (nWhole < nHead || nWhole > received.len) return false;
-  msg.body.len = nWhole - nHead;
-  return true;
-}
-
 // A client that asks on and on without reading the replies must not fill the memory.
-bool IsUnread(const mg_connection& conn) { return conn.send_mbuf.len > kMaxUnreadBytes; }
-
 void HandleRequest(mg_connection* pConn, http_message* pMsg) {
-  if (IsUnread(*pConn) || !TakeBody(*pConn, *pMsg)) {
-    pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
-    pMsg->message.len = pConn->recv_mbuf.len;  // or the library would look at the same bytes again
-    return;
-  }
-  CWebCtrl::Instance().DoHttpRequeset(pConn, pMsg);
+  const bool bUnread = pConn->send_mbuf.len > kMaxUnreadBytes;
+  if (bUnread) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
+  if (!bUnread) CWebCtrl::Instance().DoHttpRequeset(pConn, pMsg);
 }
 
 // When the connection last had traffic, in steps of one event: many clients fit into a second of
@@ -90,11 +63,42 @@ bool IsIdler(const mg_connection& one, const mg_connection& other) {
                                reinterpret_cast<uintptr_t>(other.user_data)) < 0;
 }
 
-// Replies go out without waiting for acknowledgements; accepted sockets inherit it.
-void SetListenerLimits(mg_connection* pListener) {
-  const int nOn = 1;
-  setsockopt(pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
-  pListener->recv_mbuf_limit = kMaxRequestBytes;
+// Shows the library the first of the received requests, once it is whole, and no other: it would
+// carry out all that have arrived before any other client has a turn, take those behind a body in
+// chunks for a part of it, and begin the next reply before a file is sent.
+void ServeNext(mg_connection* pConn) {
+  mbuf& received = pConn->recv_mbuf;
+  if ((pConn->flags & (kUnseen | MG_F_CLOSE_IMMEDIATELY)) != kUnseen || IsSendingFile(pConn))
+    return;
+  const ptrdiff_t nLength = FirstRequestLength(&received);
+  if (nLength == kRequestBroken) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
+  const size_t nBehind = nLength > 0 ? received.len - static_cast<size_t>(nLength) : 0;
+  if (nBehind == 0) pConn->flags &= ~kUnseen;
+  if (nLength == kRequestToTheEnd) g_pfnLibrary(pConn, MG_EV_RECV, nullptr);  // for later
+  if (nLength <= 0) return;
+  received.len = static_cast<size_t>(nLength);
+  g_pfnLibrary(pConn, MG_EV_RECV, nullptr);
+  memmove(received.buf, received.buf + nLength, nBehind);
+  received.len = nBehind;
+}
+
+// Stands between the connection and the library's handler of the protocol.
+void HttpProtocol(mg_connection* pConn, int nEvent, void* pData) {
+  const bool bReceived = nEvent == MG_EV_RECV, bClosed = nEvent == MG_EV_CLOSE;
+  const bool bWasClosing = (pConn->flags & MG_F_SEND_AND_CLOSE) != 0;
+  const bool bEnded = (pConn->flags & (kEnded | kClosing)) == kEnded;
+  // The library takes all that is left for a request, but only one such may end with its
+  // connection.
+  if (bClosed && (!bEnded || FirstRequestLength(&pConn->recv_mbuf) != kRequestToTheEnd))
+    pConn->recv_mbuf.len = 0;
+  if (bReceived) pConn->flags |= kUnseen;
+  (bReceived ? &HttpEvent : g_pfnLibrary)(pConn, nEvent, pData);
+  if (bReceived || nEvent == MG_EV_POLL) ServeNext(pConn);
+  if (!bWasClosing && (pConn->flags & MG_F_SEND_AND_CLOSE) != 0) pConn->flags |= kClosing;
+  if ((pConn->flags & kClosing) != 0) pConn->recv_mbuf.len = 0;
+  // A file that has become shorter meanwhile never ends.
+  const bool bStuck = IsSendingFile(pConn) && pConn->send_mbuf.len == 0;
+  if (nEvent == MG_EV_POLL && bStuck) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
 }
 
 }  // namespace
@@ -118,33 +122,51 @@ void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
   if (IsMemoryShort() && pConn->listener != nullptr) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
 }
 
-void ResumeReceiving(mg_mgr& mgr) {
+void ServeHttp(mg_connection* pListener) {
+  const int nOn = 1;
+  setsockopt(pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
+  setsockopt(pListener->sock, SOL_SOCKET, SO_OOBINLINE, &nOn, sizeof(nOn));
+  pListener->recv_mbuf_limit = kMaxRequestBytes;
+  mg_set_protocol_http_websocket(pListener);
+  g_pfnLibrary = pListener->proto_handler;
+  pListener->proto_handler = &HttpProtocol;
+}
+
+bool ResumeReceiving(mg_mgr& mgr) {
+  constexpr unsigned long kEnds = MG_F_SEND_AND_CLOSE | MG_F_CLOSE_IMMEDIATELY | kClosing;
+  bool bAtOnce = false;
   for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
+    const bool bSending = IsSendingFile(p), bUnseen = (p->flags & kUnseen) != 0;
+    // Not one that is closed for lack of memory: of that, too, the library receives nothing more.
+    if ((p->flags & kEnds) == MG_F_SEND_AND_CLOSE) p->flags |= kEnded;
     p->recv_mbuf_limit = kMaxRequestBytes;
+    if ((p->flags & kEnded) != 0) {
+      p->recv_mbuf_limit = 0;  // at its end a socket is always ready
+      p->flags &= ~MG_F_SEND_AND_CLOSE;
+      if (!bSending && !bUnseen) p->flags |= MG_F_SEND_AND_CLOSE;
+    }
     if (p->recv_mbuf.len >= kMaxRequestBytes) p->flags |= MG_F_CLOSE_IMMEDIATELY;
+    const bool bSent = (p->flags & MG_F_SEND_AND_CLOSE) != 0 && p->send_mbuf.len == 0;
+    bAtOnce |= bSent || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0 || (bUnseen && !bSending);
   }
+  return bAtOnce;
 }
 
 int ConnectionLimit() {
-  rlimit limit{};
-  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return kMaxConnections;
   // Each has its socket and, at times, a file.
-  const rlim_t nLeft = std::max(limit.rlim_cur, kOtherDescriptors + 2) - kOtherDescriptors;
-  return static_cast<int>(std::min<rlim_t>(nLeft / 2, kMaxConnections));
+  return std::clamp((DescriptorLimit() - kOtherDescriptors) / 2, 1, kMaxConnections);
 }
 
 void CloseIdleConnections(mg_mgr& mgr, int nLimit) {
-  int nOpen = 0;
-  for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
-    if (p->listener != nullptr && (p->flags & MG_F_CLOSE_IMMEDIATELY) == 0) ++nOpen;
-  }
-  for (; nOpen > nLimit; --nOpen) {
+  for (;;) {
+    int nOpen = 0;
     mg_connection* pIdlest = nullptr;
     for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
       if (p->listener == nullptr || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0) continue;
+      ++nOpen;
       if (pIdlest == nullptr || IsIdler(*p, *pIdlest)) pIdlest = p;
     }
-    if (pIdlest == nullptr) return;
+    if (nOpen <= nLimit) return;
     pIdlest->flags |= MG_F_CLOSE_IMMEDIATELY;
   }
 }
@@ -158,8 +180,7 @@ int RunHttpLoop(const char* pszWebRoot) {
     fprintf(stderr, "Cannot bind to %s\n", kPort);
     return -1;
   }
-  SetListenerLimits(pListener);
-  mg_set_protocol_http_websocket(pListener);
+  ServeHttp(pListener);
   HttpOptions().document_root = pszWebRoot;
   struct stat st {};
   if (stat(pszWebRoot, &st) != 0) {
@@ -171,10 +192,9 @@ int RunHttpLoop(const char* pszWebRoot) {
   for (int nWaitMs = kPollMs;;) {
     FlushPrinted();
     mg_mgr_poll(&mgr, nWaitMs);
-    ResumeReceiving(mgr);
     const bool bShort = TakeMemoryShortage();
     if (bShort) puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
     CloseIdleConnections(mgr, bShort ? 0 : nLimit);
-    nWaitMs = bShort ? 0 : kPollMs;  // what is closed gives its memory back without waiting
+    nWaitMs = ResumeReceiving(mgr) ? 0 : kPollMs;
   }
 }

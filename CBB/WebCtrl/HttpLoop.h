@@ -21,10 +21,16 @@ int RunHttpLoop(const char* pszWebRoot);
 // short, the connection is closed and what was to be sent is dropped.
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData);
 
+// Makes the listener's connections speak HTTP, one request of each at a time. The limits of the
+// listener's socket are theirs, too.
+void ServeHttp(mg_connection* pListener);
+
 // Lets every connection receive again: one that has received takes no more in the same poll, else a
-// client that sends without a pause would be the only one served. Closes those whose request is
-// longer than the service takes. Called between two polls.
-void ResumeReceiving(mg_mgr& mgr);
+// client that sends without a pause would be the only one served. Keeps those open whose client has
+// sent its last request and waits for replies, and closes those whose request is longer than the
+// service takes. Returns whether the next poll has work without waiting for the network. Called
+// between two polls.
+bool ResumeReceiving(mg_mgr& mgr);
 
 // How many connections may be open at a time: kMaxConnections, or what the process's limit of
 // descriptors leaves, but one at least.

@@ -4,10 +4,10 @@
 
 #include <ctime>
 
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/FormReader.h"
 #include "CBB/WebCtrl/JsonReply.h"
-#include "CBB/WebCtrl/Trace.h"
 
 namespace {
 

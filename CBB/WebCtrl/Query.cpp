@@ -4,9 +4,9 @@
 #include <ctime>
 
 #include "CBB/Util/LocalTime.h"
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/JsonReply.h"
-#include "CBB/WebCtrl/Trace.h"
 
 namespace {
 

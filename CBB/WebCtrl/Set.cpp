@@ -5,11 +5,11 @@
 #include <cstring>
 
 #include "CBB/Util/NetTool.h"
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/FormReader.h"
 #include "CBB/WebCtrl/JsonReply.h"
 #include "CBB/WebCtrl/MaskSvrAddr.h"
-#include "CBB/WebCtrl/Trace.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The live status: one query, one long reply of nested objects.
 #include "CBB/Util/NetTool.h"
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/JsonReply.h"
 #include "CBB/WebCtrl/MaskSvrAddr.h"
-#include "CBB/WebCtrl/Trace.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 // access point's.
 #include <cstring>
 
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/Exchange.h"
 #include "CBB/WebCtrl/FormReader.h"
 #include "CBB/WebCtrl/JsonReply.h"
-#include "CBB/WebCtrl/Trace.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 """A thousand clients that say nothing, or half of something, keep nobody from being served."""
 
 import contextlib
+import os
 import resource
 import socket
 import struct
@@ -102,3 +103,27 @@ def test_service_sleeps_when_all_places_are_taken(rig):
         begin = cpu_ticks(rig.daemon)
         time.sleep(2)
         assert cpu_ticks(rig.daemon) - begin < 50, "of 200 that a busy loop takes"
+
+
+def urgent(sock):
+    sock.send(b"x", socket.MSG_OOB)
+
+
+def ended(sock):
+    sock.shutdown(socket.SHUT_WR)
+
+
+@pytest.mark.parametrize("trick", [urgent, ended])
+def test_service_sleeps_beside_a_client_that_does_not_read_and(rig, trick):
+    rig.device.play()
+    with open(os.path.join(rig.daemon.folder, "web_root", "huge.bin"), "wb") as file:
+        file.truncate(32 << 20)
+    with socket.create_connection(("127.0.0.1", 80)) as sock:
+        sock.sendall(get("/huge.bin"))
+        time.sleep(0.5)
+        trick(sock)
+        time.sleep(0.5)
+        begin = cpu_ticks(rig.daemon)
+        time.sleep(2)
+        assert cpu_ticks(rig.daemon) - begin < 50, "of 200 that a busy loop takes"
+        served(rig)

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string>
 
 namespace {
@@ -23,7 +22,6 @@ class OpenInsideTest : public testing::Test {
     for (const char* pszName : {"in/file", "in/sub/file", "in2/file", "file"}) {
       std::ofstream(Path(pszName)) << pszName;
     }
-    m_pFolder = std::make_unique<COpenInside>(Path("in").c_str());
   }
   ~OpenInsideTest() override { std::filesystem::remove_all(m_szTop); }
   OpenInsideTest(const OpenInsideTest&) = delete;
@@ -33,7 +31,7 @@ class OpenInsideTest : public testing::Test {
 
   // What the file says, or the reason why it is not opened, as a number.
   std::string Read(const std::string& strName) {
-    const int nFd = m_pFolder->Open(Path(strName).c_str());
+    const int nFd = m_files.Open(Path("in").c_str(), Path(strName).c_str());
     if (nFd < 0) return std::to_string(errno);
     char szText[32] = "";
     EXPECT_LT(0, read(nFd, szText, sizeof(szText) - 1));
@@ -43,7 +41,7 @@ class OpenInsideTest : public testing::Test {
   }
 
   char m_szTop[32] = "/tmp/OpenInsideXXXXXX";
-  std::unique_ptr<COpenInside> m_pFolder;
+  COpenInside m_files;
 };
 
 TEST_F(OpenInsideTest, OpensWhatIsReallyBelowTheFolder) {
@@ -78,17 +76,39 @@ TEST_F(OpenInsideTest, GivesTheSystemsReason) {
 }
 
 TEST_F(OpenInsideTest, OpensNothingBelowAFolderThatIsNotThere) {
-  for (const std::string& strFolder : {std::string(), Path("nothing")}) {
-    COpenInside none(strFolder.c_str());
-    EXPECT_FALSE(none.IsFor(strFolder.c_str()));
-    EXPECT_EQ(-1, none.Open(Path("in/file").c_str()));
+  for (const std::string& strFolder : {std::string(), Path("nothing"), std::string(5000, 'x')}) {
+    COpenInside none;
+    EXPECT_EQ(-1, none.Open(strFolder.c_str(), Path("in/file").c_str()));
     EXPECT_EQ(ENOENT, errno);
   }
 }
 
-TEST_F(OpenInsideTest, KnowsItsFolderByTheGivenPath) {
-  EXPECT_TRUE(m_pFolder->IsFor(Path("in").c_str()));
-  EXPECT_FALSE(m_pFolder->IsFor(Path("in2").c_str()));
+TEST_F(OpenInsideTest, KeepsTwoFoldersApart) {
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ("in/file", Read("in/file"));
+    EXPECT_EQ(-1, m_files.Open(Path("in2").c_str(), Path("in/file").c_str()));
+    const int nFd = m_files.Open(Path("in2").c_str(), Path("in2/file").c_str());
+    EXPECT_LE(0, nFd);
+    close(nFd);
+    EXPECT_EQ(std::to_string(ENOENT), Read("in2/file"));
+  }
+}
+
+TEST_F(OpenInsideTest, FollowsAFolderThatIsALink) {
+  const std::string strLink = Path("link");
+  std::filesystem::create_symlink("in", strLink);
+  const auto isOpened = [&](const char* pszPath) {
+    const int nFd = m_files.Open(strLink.c_str(), Path(pszPath).c_str());
+    if (nFd >= 0) close(nFd);
+    return nFd >= 0;
+  };
+  EXPECT_TRUE(isOpened("link/file"));
+  EXPECT_FALSE(isOpened("in2/file"));
+  std::filesystem::remove(strLink);
+  std::filesystem::create_symlink("in2", strLink);
+  sleep(2);
+  EXPECT_TRUE(isOpened("link/file"));
+  EXPECT_FALSE(isOpened("in/file"));
 }
 
 TEST_F(OpenInsideTest, NoticesAtOnceThatAFileMovesOut) {

@@ -16,10 +16,14 @@ CHttpConn::CHttpConn() {
   m_conn.sock = INVALID_SOCKET;
   m_conn.recv_mbuf_limit = ~static_cast<size_t>(0);
   m_conn.handler = m_listener.handler = &HttpEvent;
-  mg_set_protocol_http_websocket(&m_conn);
+  m_listener.sock = INVALID_SOCKET;
+  ServeHttp(&m_listener);
+  m_conn.proto_handler = m_listener.proto_handler;
+  m_mgr.active_connections = &m_conn;
 }
 
 CHttpConn::~CHttpConn() {
+  m_mgr.active_connections = nullptr;
   if (m_conn.proto_data != nullptr) m_conn.proto_data_destructor(m_conn.proto_data);
   if (m_pPages != nullptr) munmap(m_pPages, m_nPages);
   mbuf_free(&m_conn.send_mbuf);
@@ -48,6 +52,15 @@ void CHttpConn::Arrive(std::string_view bytes) {
 void CHttpConn::Deliver() {
   int nBytes = static_cast<int>(m_conn.recv_mbuf.len);
   m_conn.proto_handler(&m_conn, MG_EV_RECV, &nBytes);
+  while (!IsClosing() && Poll()) continue;
+}
+
+bool CHttpConn::Poll() {
+  const size_t nLeft = m_conn.recv_mbuf.len;
+  const bool bMore = ResumeReceiving(m_mgr);
+  time_t now = 0;
+  if (bMore) m_conn.proto_handler(&m_conn, MG_EV_POLL, &now);
+  return bMore && m_conn.recv_mbuf.len != nLeft;
 }
 
 void CHttpConn::Receive(std::string_view bytes) {
@@ -57,6 +70,7 @@ void CHttpConn::Receive(std::string_view bytes) {
 
 void CHttpConn::Close() {
   m_conn.flags |= MG_F_SEND_AND_CLOSE;
+  ResumeReceiving(m_mgr);
   Break();
 }
 

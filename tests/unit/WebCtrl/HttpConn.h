@@ -11,7 +11,7 @@
 
 class CHttpConn {
  public:
-  // A connection that was accepted by a listener of the event handler HttpEvent.
+  // A connection that was accepted by a listener as the service makes it.
   CHttpConn();
   ~CHttpConn();
   CHttpConn(const CHttpConn&) = delete;
@@ -19,9 +19,13 @@ class CHttpConn {
 
   mg_connection* Get() { return &m_conn; }
 
-  // Receive in two steps: the bytes are there; the library is told.
+  // Receive in two steps: the bytes are there; the library is told, until it wants to wait.
   void Arrive(std::string_view bytes);
   void Deliver();
+
+  // A poll that brings nothing, if one is wanted without waiting. Returns whether it took a
+  // request.
+  bool Poll();
 
   // Bytes arrive; the client goes away in order; the connection breaks, or the service closes it.
   void Receive(std::string_view bytes);

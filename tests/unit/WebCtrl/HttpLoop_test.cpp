@@ -85,6 +85,49 @@ TEST(HttpEvent, ClosesOnNegativeContentLength) {
   }
 }
 
+TEST(HttpEvent, AnswersOneRequestInAPoll) {
+  CHttpConn conn;
+  conn.Arrive(std::string(kGet) + kGet + kGet);
+  conn.Get()->proto_handler(conn.Get(), MG_EV_RECV, nullptr);
+  for (size_t nReplies = 1; nReplies <= 3; ++nReplies) {
+    EXPECT_EQ(nReplies, CountReplies(conn.Sent()));
+    EXPECT_EQ(nReplies < 3, conn.Poll());
+  }
+}
+
+TEST(HttpEvent, ClosesOnAHeadOf8KiBEvenWhenItComesAtOnce) {
+  for (const size_t nHead : {8191U, 8192U, 12000U}) {
+    std::string strHead = "GET /get_cpu_usage HTTP/1.1\r\nX: ";
+    strHead += std::string(nHead - strHead.size() - 4, 'x') + "\r\n\r\n";
+    CHttpConn conn;
+    conn.Receive(strHead);
+    EXPECT_EQ(nHead > 8191, conn.IsClosing()) << nHead;
+    EXPECT_EQ(nHead > 8191, conn.Sent().empty()) << nHead;
+  }
+}
+
+TEST(HttpEvent, TakesNoLackOfMemoryForTheEndOfABody) {
+  CHttpConn conn;
+  conn.Receive(PostHead("") + "a=1");
+  CloseIdleConnections(*conn.Get()->mgr, 0);
+  conn.Close();
+  EXPECT_EQ("", conn.Sent());
+}
+
+TEST(HttpEvent, KeepsAConnectionThatTheClientHasEndedUntilAllIsAnswered) {
+  CHttpConn conn;
+  conn.Arrive(std::string(kGet) + kGet + kGet + "GET /");
+  conn.Get()->proto_handler(conn.Get(), MG_EV_RECV, nullptr);
+  conn.Get()->flags |= MG_F_SEND_AND_CLOSE;
+  for (size_t nReplies = 1; nReplies <= 3; ++nReplies) {
+    EXPECT_EQ(nReplies, CountReplies(conn.Sent()));
+    EXPECT_EQ(nReplies < 3, conn.Poll());
+    EXPECT_EQ(0U, conn.Get()->recv_mbuf_limit);
+  }
+  EXPECT_FALSE(conn.Poll());
+  EXPECT_NE(0U, conn.Get()->flags & MG_F_SEND_AND_CLOSE);
+}
+
 TEST(HttpEvent, ClosesOnAClientThatNeverReads) {
   constexpr size_t kMiB = 1024 * 1024;
   CHttpConn conn;
@@ -101,7 +144,8 @@ TEST(HttpEvent, ClosesOnAClientThatNeverReads) {
 
 TEST(HttpEvent, TakesNoMoreFromAClientInTheSamePoll) {
   CHttpConn conn;
-  conn.Receive("GET /");
+  conn.Arrive("GET /");
+  conn.Get()->proto_handler(conn.Get(), MG_EV_RECV, nullptr);
   EXPECT_EQ(0U, conn.Get()->recv_mbuf_limit);
   EXPECT_FALSE(conn.IsClosing());
 }

@@ -1,0 +1,158 @@
+"""Several requests on one connection, sent without waiting for the replies."""
+
+import os
+import socket
+import struct
+import time
+
+import pytest
+from daemon import wait_until
+from device import REFUSED, SILENCE, answer, change
+from http_client import Client, get, post
+
+LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
+SHOWS_CHINESE = b'{ "strLanguage": "CN", "result": 1 }'
+LARGE = b"0123456789abcdef" * 16384
+STYLE = b"body { color: page }"
+
+
+@pytest.fixture
+def client(rig):
+    rig.device.play()
+    with Client() as client:
+        yield client
+
+
+def test_files_are_sent_one_behind_the_other(client):
+    for _ in range(20):
+        client.send(get("/large.bin") + get("/page.css") + get("/large.bin"))
+        assert [client.read_reply().body for _ in range(3)] == [LARGE, STYLE, LARGE]
+    assert client.pending() == b""
+
+
+def test_request_that_arrives_while_a_file_is_sent_waits_for_its_end(client):
+    client.send(get("/large.bin"))
+    time.sleep(0.1)  # the file does not fit into what the connection holds
+    client.send(get("/page.css"))
+    assert [client.read_reply().body for _ in range(2)] == [LARGE, STYLE]
+
+
+def test_thirty_files_asked_for_at_once_all_come(client):
+    client.send(get("/page.css") * 30)
+    assert [client.read_reply().body for _ in range(30)] == [STYLE] * 30
+
+
+def test_client_that_has_ended_gets_all_replies(client):
+    client.send(get("/large.bin") + get("/page.css") * 3)
+    client.end_of_requests()
+    assert [client.read_reply().body for _ in range(4)] == [LARGE, STYLE, STYLE, STYLE]
+    assert client.read_to_end() == b""
+
+
+def test_others_have_their_turn_between_the_requests(rig):
+    rig.device.play(SILENCE, LANGUAGE, LANGUAGE)
+    with Client() as many, Client() as other:
+        many.send(get("/get_LangInfo") * 3)
+        wait_until(lambda: len(rig.device.requests) == 1, "the first request")
+        other.send(get("/page.css"))
+        assert other.read_reply().body == STYLE
+        assert len(rig.device.requests) <= 2, "all of them went first"
+        for shown in (b'{ "strLanguage": "EN", "result": 0 }', SHOWS_CHINESE, SHOWS_CHINESE):
+            assert many.read_reply().body == shown
+
+
+def test_requests_of_a_client_that_broke_off_are_forgotten(rig):
+    rig.device.play(SILENCE, otherwise=REFUSED)
+    sock = socket.create_connection(("127.0.0.1", 80))
+    sock.sendall(post("/set_LangInfo", "strLanguage=CN") * 5)
+    wait_until(lambda: len(rig.device.requests) == 1, "the first request")
+    sock.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+    sock.close()
+    with Client() as other:
+        for _ in range(2):
+            other.send(get("/page.css"))
+            assert other.read_reply().body == STYLE
+    assert len(rig.device.requests) <= 2, "one more may have been begun"
+
+
+CHUNKED = b"POST /set_DeviceNo HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n"
+BODIES = [
+    ("in one chunk", b"15\r\nstrFD_DeviceNo=123456\r\n0\r\n\r\n"),
+    ("in two chunks", b"f\r\nstrFD_DeviceNo=\r\n6\r\n123456\r\n0\r\n\r\n"),
+]
+NUMBER = change('<stBaseInfo strFD_DeviceNo="123456"/>')
+
+
+@pytest.mark.parametrize("sentence, body", BODIES, ids=[row[0] for row in BODIES])
+@pytest.mark.parametrize("pieces", [1, 2, 1000])
+def test_body_in_chunks_ends_where_it_ends(rig, client, sentence, body, pieces):
+    """Also when the network cuts it anywhere; the request behind it is one of its own."""
+    rig.device.play(REFUSED)
+    data = CHUNKED + body + get("/page.css")
+    size = max(1, len(data) // pieces)
+    for at in range(0, len(data), size):
+        client.send(data[at : at + size])
+        if pieces > 1:
+            time.sleep(0.0005)
+    assert client.read_reply().body == b'{"result": 1 }'
+    assert client.read_reply().body == STYLE
+    assert rig.device.requests == [NUMBER]
+
+
+def test_end_of_chunks_inside_a_chunk_is_data(rig, client):
+    rig.device.play(REFUSED)
+    client.send(CHUNKED + b"5\r\n0\r\n\r\n\r\n")
+    time.sleep(0.1)
+    assert rig.device.requests == [], "half a body was carried out"
+    client.send(b"10\r\nstrFD_DeviceNo=1\r\n0\r\n\r\n")
+    assert client.read_reply().body == b'{"result": 1 }'
+    assert len(rig.device.requests) == 1
+
+
+def test_nothing_behind_a_reply_that_closes_is_carried_out(rig):
+    rig.device.play()
+    endless = b"POST /set_DeviceNo HTTP/1.1\r\n\r\nstrFD_DeviceNo=123"
+    for behind in (endless, post("/set_DeviceNo", "strFD_DeviceNo=123")):
+        with Client() as client:
+            client.send(get("/nothing.css") + behind)
+            assert client.read_reply().head.startswith(b"HTTP/1.1 404 ")
+            assert client.is_closed()
+    rig.get("/get_LangInfo", LANGUAGE)
+    assert len(rig.device.requests) == 1
+
+
+def test_body_that_ends_with_the_connection_is_carried_out(rig):
+    rig.device.play(REFUSED)
+    with Client() as client:
+        client.send(get("/page.css") + b"POST /set_DeviceNo HTTP/1.1\r\n\r\nstrFD_DeviceNo=123456")
+        assert client.read_reply().body == STYLE
+        client.end_of_requests()
+        client.read_to_end()
+    wait_until(lambda: rig.device.requests == [NUMBER], "the set")
+
+
+def test_reply_that_ends_with_the_connection_ends_at_once(rig):
+    """Ten of them within the second that the service sleeps at most when nothing happens."""
+    rig.device.play()
+    begin = time.monotonic()
+    for _ in range(10):
+        for uri in ("/nothing.css", "/both.shtml"):
+            with Client() as client:
+                client.send(get(uri))
+                client.read_to_end()
+    assert time.monotonic() - begin < 10, "a second each"
+
+
+def test_file_that_is_cut_while_it_is_sent_closes_the_connection(rig):
+    path = os.path.join(rig.daemon.folder, "web_root", "shrinking.bin")
+    with open(path, "wb") as file:
+        file.truncate(32 << 20)
+    rig.device.play()
+    with Client() as client:
+        client.send(get("/shrinking.bin"))
+        time.sleep(0.1)
+        os.truncate(path, 100000)
+        head, _, body = client.read_to_end().partition(b"\r\n\r\n")
+        assert head.startswith(b"HTTP/1.1 200 ") and len(body) < 32 << 20
+    os.remove(path)
+    assert rig.get("/get_LangInfo", LANGUAGE).body == SHOWS_CHINESE
