@@ -1,18 +1,20 @@
 /* What the HTTP library knows of a connection and does not tell. Also read as C. */
 #pragma once
 
-#include <mongoose.h>
 #include <stddef.h> /* NOLINT: also C */
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
+struct mbuf;
+struct mg_connection;
+
 /* What FirstRequestLength returns instead of a length. */
 enum {
   kRequestNotWhole = 0,
-  kRequestBroken = -1, /* or with a head of MG_MAX_HTTP_REQUEST_SIZE bytes or more */
-  kRequestToTheEnd = -2 /* its body ends with the connection */
+  kRequestBroken = -1,   /* or with a head of MG_MAX_HTTP_REQUEST_SIZE bytes or more */
+  kRequestToTheEnd = -2, /* its body ends with the connection */
 };
 
 /* The length of the first request in the received bytes, head and body, once it is there as a

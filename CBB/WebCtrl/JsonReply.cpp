@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr size_t kUsualReply = 1000;
-
 // A chunk's first line: its size, as a hexadecimal number in capitals.
 std::string SizeLine(size_t nSize) {
   char szLine[] = "0000000000000000\r\n";
@@ -25,7 +23,7 @@ std::string SizeLine(size_t nSize) {
 
 CJsonReply::CJsonReply(mg_connection* pConn, const char* pszHeader) : m_pConn(pConn) {
   mg_printf(m_pConn, "%s", pszHeader);
-  m_strChunks.reserve(kUsualReply);
+  m_strChunks.reserve(1000);  // most replies are shorter
 }
 
 void CJsonReply::Add(const char* pszKey, const char* pszText) {

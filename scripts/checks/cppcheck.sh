@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# What cppcheck says about the product's sources and tools, less cppcheck.suppressions. Needs a configured build/release.
+# What cppcheck says about the product's sources and tools, less cppcheck.suppressions. Needs a
+# configured build/release.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 

@@ -34,7 +34,8 @@ def pytest_cmdline_main(config):
     ]
     for session in sessions:
         print(session.communicate()[0].decode(errors="replace"), end="", flush=True)
-    return max(session.returncode for session in sessions)
+    codes = {session.returncode for session in sessions}
+    return 1 if codes - {pytest.ExitCode.OK, _EXIT_SKIPPED} else max(codes)
 
 
 def pytest_configure(config):

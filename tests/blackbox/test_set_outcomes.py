@@ -104,6 +104,7 @@ def test_sessions_outlive_a_restart(rig):
     request = b"POST /cmp_UserSecurity HTTP/1.1\r\nReferer: login.html\r\nContent-Length: 0\r\n\r\n"
     session = rig.ask(request, UNUSABLE).body[15:47].decode()
     rig.post("/set_LangInfo", "strLanguage=CN", ACCEPTED)
+    rig.daemon.stderr.expect(BIND_FAILED[:-1])
     assert (
         rig.ask(get(f"/page.css?time=1&SessionID={session}"), head=None).body
         == b"body { color: page }"

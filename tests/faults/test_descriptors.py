@@ -59,8 +59,8 @@ def test_limit_reached(spoilt, device, limit, places):
     works(device)
 
 
-def test_descriptors_of_the_parent_are_no_trouble(spoilt, device):
-    """More than select takes are open when the daemon starts: it says so and does no harm."""
+def test_limit_of_the_parent_is_lowered_to_what_select_takes(spoilt, device):
+    """It may have more than select takes; the daemon allows itself no more."""
     limit = 2100
     if limit > resource.getrlimit(resource.RLIMIT_NOFILE)[1]:
         pytest.skip("the machine's own limit is lower")

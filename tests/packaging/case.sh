@@ -191,10 +191,12 @@ expect_bounded_log() {
   done
 }
 
+no_script() { ! pgrep -f S90webctrl >/dev/null; }
+
 expect_stop() {
   inside /etc/init.d/S90webctrl stop
   silent || fail "still there after a stop"
-  ! pgrep -f S90webctrl >/dev/null || fail "the script has left a process"
+  wait_until "the end of the script's processes" no_script
   ! inside /etc/init.d/S90webctrl status >/dev/null || fail "status says it runs"
 }
 
@@ -212,6 +214,8 @@ case_recorder() {
   grep -q "ended with status 137" "$top/var/log/webctrl.log" || fail "its death is not in the log"
   many_requests
   expect_bounded_log
+  inside /etc/init.d/S90webctrl restart
+  expect_new_service "after a restart"
   expect_stop
   unpack_archive
   mv "$top/var/log" "$top/var/no-log"

@@ -37,6 +37,21 @@ make_upgrade() {
     -B "$work/upgrade" >"$work/upgrade.log" 2>&1 || fail "no upgrade, see $work/upgrade.log"
 }
 
+# The .deb for ARM has the archive's files, and needs nothing that is not on every ARM.
+check_arm_deb() {
+  local deb=("$root"/build/armhf/packages/webctrl_*_armhf.deb)
+  rm -rf "$work/arm"
+  mkdir -p "$work/arm/deb" "$work/arm/tar"
+  dpkg-deb -x "${deb[0]}" "$work/arm/deb"
+  tar -C "$work/arm/tar" -xf "$root"/build/armhf/packages/webctrl-*-linux-armhf.tar.gz
+  diff -r "$work/arm/deb/opt" "$work/arm/tar/opt" || fail "the ARM packages differ"
+  [ "$(dpkg-deb -f "${deb[0]}" Architecture Depends)" = $'Architecture: armhf\nDepends: net-tools' ] ||
+    fail "the ARM .deb needs other things: $(dpkg-deb -f "${deb[0]}" Architecture Depends)"
+  for file in lib/systemd/system/webctrl.service etc/init.d/webctrl; do
+    [ -f "$work/arm/deb/$file" ] || fail "the ARM .deb has no $file"
+  done
+}
+
 run_case() {
   local status=0
   say "$1"
@@ -53,6 +68,7 @@ make_bare_debian
 make_upgrade
 groff -mandoc -ww -z -Tutf8 "$root/packaging/webctrl.8" 2>&1 | tee "$work/man.log"
 [ ! -s "$work/man.log" ] || fail "the manual page has faults"
+check_arm_deb
 failed=
 for name in systemd sysvinit recorder; do
   run_case "$name" || failed+=" $name"

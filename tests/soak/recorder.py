@@ -57,7 +57,9 @@ class Recorder:
             self._held = None
             state.put("last_late", number)
             state.add("late")
+            # Not followed by the true one, which the next exchange could meet.
             self._main.sendto(late, source)
+            return
         if count % _WRONG_EVERY == 0:
             self._spoil(reply, source, count // _WRONG_EVERY)
         else:
