@@ -26,9 +26,10 @@ constexpr size_t kMaxUnreadBytes = 1U << 20;
 constexpr int kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
 
 // What is noted of a connection in the flags that the library leaves alone.
-constexpr unsigned long kUnseen = MG_F_USER_1;   // more may have arrived than was looked at
-constexpr unsigned long kEnded = MG_F_USER_2;    // the client has sent all that it will
-constexpr unsigned long kClosing = MG_F_USER_3;  // the last reply closes the connection
+constexpr unsigned long kUnseen = MG_F_USER_1;         // more may have arrived than was looked at
+constexpr unsigned long kEnded = MG_F_USER_2;          // the client has sent all that it will
+constexpr unsigned long kClosing = MG_F_USER_3;        // the last reply closes the connection
+constexpr unsigned long kFinal = MG_F_SEND_AND_CLOSE;  // the library's own: closed once all is sent
 
 mg_event_handler_t g_pfnLibrary;  // the library's own handler of the protocol
 
@@ -85,7 +86,7 @@ void ServeNext(mg_connection* pConn) {
 // Stands between the connection and the library's handler of the protocol.
 void HttpProtocol(mg_connection* pConn, int nEvent, void* pData) {
   const bool bReceived = nEvent == MG_EV_RECV, bClosed = nEvent == MG_EV_CLOSE;
-  const bool bWasClosing = (pConn->flags & MG_F_SEND_AND_CLOSE) != 0;
+  const bool bWasFinal = (pConn->flags & kFinal) != 0;
   const bool bEnded = (pConn->flags & (kEnded | kClosing)) == kEnded;
   // The library takes all that is left for a request, but only one such may end with its
   // connection.
@@ -94,7 +95,7 @@ void HttpProtocol(mg_connection* pConn, int nEvent, void* pData) {
   if (bReceived) pConn->flags |= kUnseen;
   (bReceived ? &HttpEvent : g_pfnLibrary)(pConn, nEvent, pData);
   if (bReceived || nEvent == MG_EV_POLL) ServeNext(pConn);
-  if (!bWasClosing && (pConn->flags & MG_F_SEND_AND_CLOSE) != 0) pConn->flags |= kClosing;
+  if (!bWasFinal && (pConn->flags & kFinal) != 0) pConn->flags |= kClosing;
   if ((pConn->flags & kClosing) != 0) pConn->recv_mbuf.len = 0;
   // A file that has become shorter meanwhile never ends.
   const bool bStuck = IsSendingFile(pConn) && pConn->send_mbuf.len == 0;
@@ -133,20 +134,19 @@ void ServeHttp(mg_connection* pListener) {
 }
 
 bool ResumeReceiving(mg_mgr& mgr) {
-  constexpr unsigned long kEnds = MG_F_SEND_AND_CLOSE | MG_F_CLOSE_IMMEDIATELY | kClosing;
   bool bAtOnce = false;
   for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
     const bool bSending = IsSendingFile(p), bUnseen = (p->flags & kUnseen) != 0;
     // Not one that is closed for lack of memory: of that, too, the library receives nothing more.
-    if ((p->flags & kEnds) == MG_F_SEND_AND_CLOSE) p->flags |= kEnded;
+    if ((p->flags & (kFinal | MG_F_CLOSE_IMMEDIATELY | kClosing)) == kFinal) p->flags |= kEnded;
     p->recv_mbuf_limit = kMaxRequestBytes;
     if ((p->flags & kEnded) != 0) {
       p->recv_mbuf_limit = 0;  // at its end a socket is always ready
-      p->flags &= ~MG_F_SEND_AND_CLOSE;
-      if (!bSending && !bUnseen) p->flags |= MG_F_SEND_AND_CLOSE;
+      p->flags &= ~kFinal;
+      if (!bSending && !bUnseen) p->flags |= kFinal;
     }
     if (p->recv_mbuf.len >= kMaxRequestBytes) p->flags |= MG_F_CLOSE_IMMEDIATELY;
-    const bool bSent = (p->flags & MG_F_SEND_AND_CLOSE) != 0 && p->send_mbuf.len == 0;
+    const bool bSent = (p->flags & kFinal) != 0 && p->send_mbuf.len == 0;
     bAtOnce |= bSent || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0 || (bUnseen && !bSending);
   }
   return bAtOnce;
