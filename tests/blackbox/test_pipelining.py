@@ -3,6 +3,7 @@
 import os
 import socket
 import struct
+import threading
 import time
 
 import pytest
@@ -50,15 +51,23 @@ def test_client_that_has_ended_gets_all_replies(client):
 
 
 def test_others_have_their_turn_between_the_requests(rig):
-    rig.device.play(SILENCE, LANGUAGE, LANGUAGE)
+    served = threading.Event()
+    in_time = []
+
+    def hold(device, source):
+        in_time.append(served.wait(4))
+        device.send(LANGUAGE, source)
+
+    rig.device.play(SILENCE, LANGUAGE, LANGUAGE, LANGUAGE, hold)
     with Client() as many, Client() as other:
-        many.send(get("/get_LangInfo") * 3)
+        many.send(get("/get_LangInfo") * 5)
         wait_until(lambda: len(rig.device.requests) == 1, "the first request")
         other.send(get("/page.css"))
         assert other.read_reply().body == STYLE
-        assert len(rig.device.requests) <= 2, "all of them went first"
-        for shown in (b'{ "strLanguage": "EN", "result": 0 }', SHOWS_CHINESE, SHOWS_CHINESE):
-            assert many.read_reply().body == shown
+        served.set()
+        shown = [many.read_reply().body for _ in range(5)]
+    assert shown == [b'{ "strLanguage": "EN", "result": 0 }'] + [SHOWS_CHINESE] * 4
+    assert in_time == [True], "all of them went first"
 
 
 def test_requests_of_a_client_that_broke_off_are_forgotten(rig):
