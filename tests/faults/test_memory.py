@@ -34,6 +34,7 @@ REQUESTS = {
     "conditional file": (get("/page.css", "If-Modified-Since: Mon, 20 May 2024 08:30:00 GMT\r\n"), []),
     "folder": (get("/"), []),
     "includes": (get("/both.shtml"), []),
+    "page within a page": (get("/outer.shtml"), []),
     "no file": (get("/nothing.css"), []),
     "two in one": (get("/page.css") + get("/get_cpu_usage"), []),
 }
@@ -45,6 +46,8 @@ def short(tmp_path_factory):
     folder = tmp_path_factory.mktemp("short")
     shim = Shim(folder / "shim")
     daemon = SpoiltDaemon(folder / "daemon", env=shim.env).start()
+    with open(folder / "daemon/web_root/outer.shtml", "w", encoding="ascii") as file:
+        file.write('[<!--#include file="page.css" -->]')
     yield daemon, shim
     daemon.stop()
 

@@ -11,7 +11,7 @@ import netns
 import pytest
 from device import ACCEPTED, HOST, PORT, SILENCE, answer
 from http_client import Client, get, post
-from daemon import Daemon, fill_web_root
+from daemon import Daemon, fill_web_root, wait_until
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
 GOOD = b'{ "strLanguage": "CN", "result": 1 }'
@@ -139,6 +139,21 @@ def test_trouble(rig, trouble, step, body, lines, pages):
     assert ask(get("/get_LangInfo")).body == GOOD
     assert ask(get("/page.css")).body == b"body { color: page }"
     rig.daemon.stderr.expect()
+
+
+def test_web_root_is_a_link_that_is_turned(rig):
+    root = os.path.join(rig.daemon.folder, "web_root")
+    os.rename(root, root + "-1")
+    shutil.copytree(root + "-1", root + "-2")
+    with open(root + "-2/page.css", "w", encoding="ascii") as file:
+        file.write("another")
+    try:
+        for version, body in (("1", b"body { color: page }"), ("2", b"another")) * 2:
+            os.symlink("web_root-" + version, root)
+            wait_until(lambda: ask(get("/page.css")).body == body, "the other pages")
+            os.remove(root)
+    finally:
+        os.rename(root + "-1", root)
 
 
 def test_set_on_a_taken_port_reaches_nobody(rig):
