@@ -20,12 +20,36 @@
 
 #include "MongooseBuild.h"
 
+/* More than a request of the pages could need: each look at a body goes through all of its chunks.
+ */
+enum { kMostChunks = 1000, kMostSizeDigits = 6 };
+
+static size_t HexDigit(char cDigit) {
+  return (size_t)(cDigit <= '9' ? cDigit - '0' : (cDigit | 0x20) - 'a' + 10);
+}
+
+/* Whether what the library does not take for a chunk can still become one. */
+static int MayBecomeChunk(const char* pBuf, size_t nLen) {
+  size_t nAt = 0, nData = 0;
+  for (; nAt < nLen && isxdigit((unsigned char)pBuf[nAt]); ++nAt) {
+    if (nAt == kMostSizeDigits) return 0;
+    nData = nData * 16 + HexDigit(pBuf[nAt]);
+  }
+  if (nAt == nLen) return 1;
+  if (nAt == 0 || pBuf[nAt] != '\r' || (nAt + 1 < nLen && pBuf[nAt + 1] != '\n')) return 0;
+  nAt += 2 + nData;
+  return nAt >= nLen || (pBuf[nAt] == '\r' && nAt + 1 == nLen);
+}
+
 static ptrdiff_t ChunksLength(char* pBuf, size_t nLen) {
   char* pData;
   size_t nAt = 0, nChunk, nData = 1;
+  int nChunks = 0;
   while (nData != 0) {
     nChunk = mg_http_parse_chunk(pBuf + nAt, nLen - nAt, &pData, &nData);
-    if (nChunk == 0) return kRequestNotWhole;
+    if (nChunk == 0)
+      return MayBecomeChunk(pBuf + nAt, nLen - nAt) ? kRequestNotWhole : kRequestBroken;
+    if (++nChunks > kMostChunks) return kRequestBroken;
     nAt += nChunk;
   }
   return (ptrdiff_t)nAt;
@@ -43,11 +67,11 @@ ptrdiff_t FirstRequestLength(const struct mbuf* pReceived) {
   pEncoding = mg_get_http_header(&msg, "Transfer-Encoding");
   if (pEncoding != NULL && mg_vcasecmp(pEncoding, "chunked") == 0) {
     const ptrdiff_t nBody = ChunksLength(pReceived->buf + nHead, pReceived->len - (size_t)nHead);
-    return nBody == kRequestNotWhole ? kRequestNotWhole : nHead + nBody;
+    return nBody > 0 ? nHead + nBody : nBody;
   }
   if (msg.message.len == nToTheEnd && msg.body.len == nToTheEnd)
     return pEncoding == NULL ? kRequestToTheEnd : kRequestBroken;
-  if (msg.message.len < (size_t)nHead) return kRequestBroken; /* its length is negative */
+  if (msg.body.len > nToTheEnd / 2) return kRequestBroken; /* its length is negative */
   return msg.message.len <= pReceived->len ? (ptrdiff_t)msg.message.len : kRequestNotWhole;
 }
 

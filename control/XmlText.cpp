@@ -24,7 +24,6 @@ class CDepthProbe : private TiXmlDocument {
 
  private:
   const char* Step(const char* p);
-  const char* StepNode(const char* p);
   const char* OpenElement(const char* p);
   const char* CloseElement(const char* p);
   void LearnEncoding(TiXmlNode& node);
@@ -52,10 +51,6 @@ const char* CDepthProbe::Step(const char* p) {
     return text.Parse(p, nullptr, m_encoding);
   }
   if (m_nDepth > 0 && p[1] == '/') return CloseElement(p);
-  return StepNode(p);
-}
-
-const char* CDepthProbe::StepNode(const char* p) {
   const std::unique_ptr<TiXmlNode> pNode(Identify(p, m_encoding));
   if (!pNode) return nullptr;
   if (pNode->ToElement()) return OpenElement(p);
@@ -137,16 +132,6 @@ bool IsPlainAndFlat(const char* pszText) {
   return true;
 }
 
-// True when the text has few enough places where an element can begin at all.
-bool HasFewElements(const char* pszText) {
-  int nPlaces = 0;
-  for (const char* p = strchr(pszText, '<'); p && nPlaces <= kXmlDepthMax; p = strchr(p + 1, '<')) {
-    const unsigned char c = static_cast<unsigned char>(p[1]);
-    if (c >= 127 || c == '_' || isalpha(c)) nPlaces++;
-  }
-  return nPlaces <= kXmlDepthMax;
-}
-
 }  // namespace
 
 int ParseXml(TiXmlDocument& doc, const char* pszText) {
@@ -160,7 +145,7 @@ int ParseXml(TiXmlDocument& doc, const char* pszText) {
   if (!pCopy) return -1;
   memcpy(pCopy.get(), pszText, nLen);
   memset(pCopy.get() + nLen, 0, kPadding);
-  if (!HasFewElements(pCopy.get()) && !IsPlainAndFlat(pCopy.get())) {
+  if (!IsPlainAndFlat(pCopy.get())) {
     CDepthProbe probe;
     if (probe.IsTooDeep(pCopy.get())) return -1;
   }

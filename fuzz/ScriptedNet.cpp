@@ -102,8 +102,9 @@ void CScriptedNet::Connect() {
 
 void CScriptedNet::Poll() {
   mg_mgr_poll(&m_mgr, 0);
-  ResumeReceiving(m_mgr);
+  ServeWaiting(m_mgr);
   CloseIdleConnections(m_mgr);
+  ResumeReceiving(m_mgr);
 }
 
 void CScriptedNet::Receive(std::string_view piece) {

@@ -23,6 +23,7 @@ constexpr const char* kPort = "80";
 constexpr int kPollMs = 1000;
 constexpr size_t kMaxRequestBytes = 1U << 20;
 constexpr size_t kMaxUnreadBytes = 1U << 20;
+constexpr int kNewcomersFirst = 3;     // polls with other events, between two turns
 constexpr int kOtherDescriptors = 16;  // streams, listener, exchange, the newest connection
 
 // What is noted of a connection in the flags that the library leaves alone.
@@ -31,17 +32,17 @@ constexpr unsigned long kEnded = MG_F_USER_2;          // the client has sent al
 constexpr unsigned long kClosing = MG_F_USER_3;        // the last reply closes the connection
 constexpr unsigned long kFinal = MG_F_SEND_AND_CLOSE;  // the library's own: closed once all is sent
 
+constexpr int kTurn = 99;  // an event of our own: the next request of a connection may be served
+
 mg_event_handler_t g_pfnLibrary;  // the library's own handler of the protocol
 
 // What the include calls of the pages print.
-struct {
-  char setting1[100];
-  char setting2[100];
-} g_settings = {"value1", "value2"};
+char setting1[100] = "value1";
+char setting2[100] = "value2";
 
 void PrintSetting(mg_connection* pConn, const char* pszName) {
-  if (strcmp(pszName, "setting1") == 0) mg_printf_html_escape(pConn, "%s", g_settings.setting1);
-  if (strcmp(pszName, "setting2") == 0) mg_printf_html_escape(pConn, "%s", g_settings.setting2);
+  if (strcmp(pszName, "setting1") == 0) mg_printf_html_escape(pConn, "%s", setting1);
+  if (strcmp(pszName, "setting2") == 0) mg_printf_html_escape(pConn, "%s", setting2);
 }
 
 // A client that asks on and on without reading the replies must not fill the memory.
@@ -51,12 +52,9 @@ void HandleRequest(mg_connection* pConn, http_message* pMsg) {
   if (!bUnread) CWebCtrl::Instance().DoHttpRequeset(pConn, pMsg);
 }
 
-// When the connection last had traffic, in steps of one event: many clients fit into a second of
-// the library's clock, which the system's time moves, too.
-void NoteTraffic(mg_connection* pConn) {
-  static uintptr_t s_nEvents = 0;
-  pConn->user_data = reinterpret_cast<void*>(++s_nEvents);
-}
+// A connection's user data tell when it last had traffic, in steps of one event: many clients fit
+// into a second of the library's clock, which the system's time moves, too.
+uintptr_t g_nEvents;
 
 // Whether one connection's traffic is older than another's; the number of events may wrap.
 bool IsIdler(const mg_connection& one, const mg_connection& other) {
@@ -72,9 +70,9 @@ void ServeNext(mg_connection* pConn) {
   if ((pConn->flags & (kUnseen | MG_F_CLOSE_IMMEDIATELY)) != kUnseen || IsSendingFile(pConn))
     return;
   const ptrdiff_t nLength = FirstRequestLength(&received);
-  if (nLength == kRequestBroken) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
   const size_t nBehind = nLength > 0 ? received.len - static_cast<size_t>(nLength) : 0;
   if (nBehind == 0) pConn->flags &= ~kUnseen;
+  if (nLength == kRequestBroken) pConn->flags |= kFinal;
   if (nLength == kRequestToTheEnd) g_pfnLibrary(pConn, MG_EV_RECV, nullptr);  // for later
   if (nLength <= 0) return;
   received.len = static_cast<size_t>(nLength);
@@ -83,20 +81,25 @@ void ServeNext(mg_connection* pConn) {
   received.len = nBehind;
 }
 
-// Stands between the connection and the library's handler of the protocol.
+// Stands between the connection and the library's handler of the protocol. Around it kFinal tells
+// that the client has ended; within, that the service closes the connection behind its reply.
 void HttpProtocol(mg_connection* pConn, int nEvent, void* pData) {
   const bool bReceived = nEvent == MG_EV_RECV, bClosed = nEvent == MG_EV_CLOSE;
-  const bool bWasFinal = (pConn->flags & kFinal) != 0;
   const bool bEnded = (pConn->flags & (kEnded | kClosing)) == kEnded;
+  const unsigned long ulFinal = pConn->flags & kFinal;
+  pConn->flags &= ~kFinal;
   // The library takes all that is left for a request, but only one such may end with its
   // connection.
   if (bClosed && (!bEnded || FirstRequestLength(&pConn->recv_mbuf) != kRequestToTheEnd))
     pConn->recv_mbuf.len = 0;
-  if (bReceived) pConn->flags |= kUnseen;
+  if (bReceived && (pConn->flags & kClosing) == 0) pConn->flags |= kUnseen;
   (bReceived ? &HttpEvent : g_pfnLibrary)(pConn, nEvent, pData);
-  if (bReceived || nEvent == MG_EV_POLL) ServeNext(pConn);
-  if (!bWasFinal && (pConn->flags & kFinal) != 0) pConn->flags |= kClosing;
-  if ((pConn->flags & kClosing) != 0) pConn->recv_mbuf.len = 0;
+  if (bReceived || nEvent == kTurn) ServeNext(pConn);
+  if ((pConn->flags & (kFinal | kClosing)) != 0) {
+    pConn->flags = (pConn->flags & ~(kFinal | kUnseen)) | kClosing;
+    pConn->recv_mbuf.len = 0;
+  }
+  pConn->flags |= ulFinal;
   // A file that has become shorter meanwhile never ends.
   const bool bStuck = IsSendingFile(pConn) && pConn->send_mbuf.len == 0;
   if (nEvent == MG_EV_POLL && bStuck) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
@@ -111,7 +114,7 @@ mg_serve_http_opts& HttpOptions() {
 
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
   const bool bTraffic = nEvent == MG_EV_ACCEPT || nEvent == MG_EV_RECV || nEvent == MG_EV_SEND;
-  if (bTraffic) NoteTraffic(pConn);
+  if (bTraffic) pConn->user_data = reinterpret_cast<void*>(++g_nEvents);
   try {
     if (nEvent == MG_EV_RECV) pConn->recv_mbuf_limit = 0;  // until the others have had their turn
     if (nEvent == MG_EV_HTTP_REQUEST) HandleRequest(pConn, static_cast<http_message*>(pData));
@@ -133,21 +136,29 @@ void ServeHttp(mg_connection* pListener) {
   pListener->proto_handler = &HttpProtocol;
 }
 
+void ServeWaiting(mg_mgr& mgr) {
+  for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
+    if ((p->flags & kUnseen) == 0) continue;
+    HttpProtocol(p, kTurn, nullptr);
+    if (p->recv_mbuf.len == 0 && p->recv_mbuf.size > MG_TCP_IO_SIZE) mbuf_trim(&p->recv_mbuf);
+  }
+}
+
 bool ResumeReceiving(mg_mgr& mgr) {
   bool bAtOnce = false;
   for (mg_connection* p = mgr.active_connections; p != nullptr; p = p->next) {
     const bool bSending = IsSendingFile(p), bUnseen = (p->flags & kUnseen) != 0;
+    const bool bSent = p->send_mbuf.len == 0;
     // Not one that is closed for lack of memory: of that, too, the library receives nothing more.
-    if ((p->flags & (kFinal | MG_F_CLOSE_IMMEDIATELY | kClosing)) == kFinal) p->flags |= kEnded;
-    p->recv_mbuf_limit = kMaxRequestBytes;
-    if ((p->flags & kEnded) != 0) {
-      p->recv_mbuf_limit = 0;  // at its end a socket is always ready
-      p->flags &= ~kFinal;
-      if (!bSending && !bUnseen) p->flags |= kFinal;
-    }
+    if ((p->flags & (kFinal | MG_F_CLOSE_IMMEDIATELY)) == kFinal) p->flags |= kEnded;
+    const bool bEnded = (p->flags & kEnded) != 0;
+    p->recv_mbuf_limit = bEnded ? 0 : kMaxRequestBytes;  // at its end a socket is always ready
     if (p->recv_mbuf.len >= kMaxRequestBytes) p->flags |= MG_F_CLOSE_IMMEDIATELY;
-    const bool bSent = (p->flags & kFinal) != 0 && p->send_mbuf.len == 0;
-    bAtOnce |= bSent || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0 || (bUnseen && !bSending);
+    p->flags &= ~kFinal;
+    const bool bLast = (bEnded || (p->flags & kClosing) != 0) && bSent && !bSending && !bUnseen;
+    if (bLast) p->flags |= kFinal;
+    bAtOnce |= bLast || (p->flags & MG_F_CLOSE_IMMEDIATELY) != 0 || (bUnseen && !bSending) ||
+               (bSending && bSent);
   }
   return bAtOnce;
 }
@@ -189,9 +200,13 @@ int RunHttpLoop(const char* pszWebRoot) {
   }
   printf("Starting web server on port %s\n", kPort);
   const int nLimit = ConnectionLimit();
+  int nPolls = 0;  // since those that wait had their turn: newcomers go first, within bounds
   for (int nWaitMs = kPollMs;;) {
     FlushPrinted();
-    mg_mgr_poll(&mgr, nWaitMs);
+    if (mg_mgr_poll(&mgr, nWaitMs) == 0 || ++nPolls > kNewcomersFirst) {
+      ServeWaiting(mgr);
+      nPolls = 0;
+    }
     const bool bShort = TakeMemoryShortage();
     if (bShort) puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
     CloseIdleConnections(mgr, bShort ? 0 : nLimit);

@@ -25,6 +25,10 @@ void HttpEvent(mg_connection* pConn, int nEvent, void* pData);
 // listener's socket are theirs, too.
 void ServeHttp(mg_connection* pListener);
 
+// Serves the next request of each connection that has more than one, where the reply before is
+// complete. Called between two polls.
+void ServeWaiting(mg_mgr& mgr);
+
 // Lets every connection receive again: one that has received takes no more in the same poll, else a
 // client that sends without a pause would be the only one served. Keeps those open whose client has
 // sent its last request and waits for replies, and closes those whose request is longer than the

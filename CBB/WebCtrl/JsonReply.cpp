@@ -51,7 +51,6 @@ void CJsonReply::Piece(std::initializer_list<std::string_view> texts) {
   char* p = std::copy(strLine.begin(), strLine.end(), &m_strChunks[nBegin]);
   for (const std::string_view text : texts) p = std::copy(text.begin(), text.end(), p);
   memcpy(p, "\r\n", 2);
-  m_bBegun = true;
 }
 
 void CJsonReply::Result(bool bOk) {

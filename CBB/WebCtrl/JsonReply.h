@@ -46,11 +46,10 @@ class CJsonReply {
   void End();
 
  private:
-  const char* Lead() const { return m_bBegun ? ", " : "{ "; }
+  const char* Lead() const { return m_strChunks.empty() ? "{ " : ", "; }
 
   mg_connection* m_pConn;
   std::string m_strChunks;  // all pieces so far, framed
-  bool m_bBegun = false;
 };
 
 // The whole reply of a set endpoint: `{"result": 1 }` for success, else 0.

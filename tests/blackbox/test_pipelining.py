@@ -1,5 +1,6 @@
 """Several requests on one connection, sent without waiting for the replies."""
 
+import contextlib
 import os
 import socket
 import struct
@@ -128,6 +129,66 @@ def test_nothing_behind_a_reply_that_closes_is_carried_out(rig):
             assert client.is_closed()
     rig.get("/get_LangInfo", LANGUAGE)
     assert len(rig.device.requests) == 1
+
+
+def test_what_arrives_later_behind_a_reply_that_closes_is_not_carried_out(rig):
+    """Above all not a request inside the body of another, where the first segment ends."""
+    rig.device.play()
+    inner = post("/set_DeviceNo", "strFD_DeviceNo=123")
+    start = get("/nothing.css") + b"POST /set_LangInfo HTTP/1.1\r\nContent-Length: 30000\r\n\r\n"
+    for segment in (16384, 8192, 1460):
+        with Client() as client:
+            client.send(start.ljust(segment, b"x") + inner * 100)
+            with contextlib.suppress(ConnectionError):
+                client.read_to_end()
+    rig.get("/get_LangInfo", LANGUAGE)
+    assert len(rig.device.requests) == 1
+
+
+def test_request_behind_a_file_that_closes_is_not_carried_out(rig):
+    path = os.path.join(rig.daemon.folder, "web_root", "medium.bin")
+    with open(path, "wb") as file:
+        file.write(LARGE[:20000])
+    rig.device.play()
+    for _ in range(20):
+        with Client() as client:
+            client.send(get("/medium.bin", "Connection: close\r\n") + post("/set_DeviceNo", "strFD_DeviceNo=123"))
+            client.end_of_requests()
+            assert client.read_to_end().partition(b"\r\n\r\n")[2] == LARGE[:20000]
+    rig.get("/get_LangInfo", LANGUAGE)
+    assert len(rig.device.requests) == 1
+
+
+@pytest.mark.parametrize("rest", [b"\r\n\r\n", b"\0", b"GET\r\n\r\n"])
+def test_reply_comes_although_what_follows_is_broken(rig, rest):
+    rig.device.play(REFUSED)
+    with Client() as client:
+        client.send(post("/set_DeviceNo", "strFD_DeviceNo=123456") + rest)
+        assert client.read_reply().body == b'{"result": 1 }'
+        assert client.read_to_end() == b""
+    assert rig.device.requests == [NUMBER]
+
+
+BROKEN_CHUNKS = [
+    b"zz\r\n",
+    b"\r\n",
+    b"1;x=y\r\na\r\n",
+    b"1234567\r\n",
+    b"1\nx",
+    b"1\r\naX",
+    b"1\r\na\rX",
+    b"1\r\na\r\n0\r\nTrailer: x\r\n\r\n",
+    b"1\r\nx\r\n" * 1001,
+]
+
+
+@pytest.mark.parametrize("chunks", BROKEN_CHUNKS, ids=[repr(c[:24]) for c in BROKEN_CHUNKS])
+def test_chunks_that_are_none_close_the_connection(rig, chunks):
+    rig.device.play()
+    with Client() as client:
+        client.send(CHUNKED + chunks)
+        assert client.read_to_end() == b""
+    assert rig.device.requests == []
 
 
 def test_body_that_ends_with_the_connection_is_carried_out(rig):

@@ -103,7 +103,9 @@ def test_allocations_fail_from_the_nth_on(short, device, family, count):
         assert daemon.is_alive()
         if reply is not None and reply != good:
             # An exchange or a conversion that could not be made: the endpoint says so.
-            assert reply.endswith((b"0\r\n\r\n", b"Not Found", b"Open failed"))
+            # Of two requests the first may have its answer before the memory for the second is gone.
+            first = family == "two in one" and good.startswith(reply)
+            assert reply.endswith((b"0\r\n\r\n", b"Not Found", b"Open failed")) or first
             failed_results += 1
         assert reply_to(get("/page.css")).endswith(b"body { color: page }")
     assert after > 2

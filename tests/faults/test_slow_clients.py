@@ -113,13 +113,26 @@ def ended(sock):
     sock.shutdown(socket.SHUT_WR)
 
 
-@pytest.mark.parametrize("trick", [urgent, ended])
+def closed_behind_its_replies(sock):
+    with contextlib.suppress(BlockingIOError):
+        sock.setblocking(False)
+        for _ in range(30):
+            sock.send(b"G /get_cpu_usage 1\n\n" * 1000)
+            time.sleep(0.02)
+    sock.setblocking(True)
+    sock.settimeout(10)
+    sock.send(get("/nothing.css"))
+    ended(sock)
+
+
+@pytest.mark.parametrize("trick", [urgent, ended, closed_behind_its_replies])
 def test_service_sleeps_beside_a_client_that_does_not_read_and(rig, trick):
     rig.device.play()
     with open(os.path.join(rig.daemon.folder, "web_root", "huge.bin"), "wb") as file:
         file.truncate(32 << 20)
     with socket.create_connection(("127.0.0.1", 80)) as sock:
-        sock.sendall(get("/huge.bin"))
+        if trick is not closed_behind_its_replies:
+            sock.sendall(get("/huge.bin"))
         time.sleep(0.5)
         trick(sock)
         time.sleep(0.5)

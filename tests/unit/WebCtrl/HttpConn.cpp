@@ -58,8 +58,7 @@ void CHttpConn::Deliver() {
 bool CHttpConn::Poll() {
   const size_t nLeft = m_conn.recv_mbuf.len;
   const bool bMore = ResumeReceiving(m_mgr);
-  time_t now = 0;
-  if (bMore) m_conn.proto_handler(&m_conn, MG_EV_POLL, &now);
+  if (bMore) ServeWaiting(m_mgr);
   return bMore && m_conn.recv_mbuf.len != nLeft;
 }
 

@@ -33,7 +33,9 @@ class CHttpConn {
   void Break();
 
   std::string Sent() const { return {m_conn.send_mbuf.buf, m_conn.send_mbuf.len}; }
-  bool IsClosing() const { return (m_conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0; }
+  bool IsClosing() const {
+    return (m_conn.flags & (MG_F_CLOSE_IMMEDIATELY | MG_F_SEND_AND_CLOSE)) != 0;
+  }
 
  private:
   void ReplaceReceived(std::string_view bytes);

@@ -125,6 +125,8 @@ TEST(HttpEvent, KeepsAConnectionThatTheClientHasEndedUntilAllIsAnswered) {
     EXPECT_EQ(0U, conn.Get()->recv_mbuf_limit);
   }
   EXPECT_FALSE(conn.Poll());
+  mbuf_remove(&conn.Get()->send_mbuf, conn.Get()->send_mbuf.len);
+  EXPECT_FALSE(conn.Poll());
   EXPECT_NE(0U, conn.Get()->flags & MG_F_SEND_AND_CLOSE);
 }
 
