@@ -43,10 +43,10 @@ static int MayBecomeChunk(const char* pBuf, size_t nLen) {
 
 static ptrdiff_t ChunksLength(char* pBuf, size_t nLen) {
   char* pData;
-  size_t nAt = 0, nChunk, nData = 1;
+  size_t nAt = 0, nData = 1;
   int nChunks = 0;
   while (nData != 0) {
-    nChunk = mg_http_parse_chunk(pBuf + nAt, nLen - nAt, &pData, &nData);
+    const size_t nChunk = mg_http_parse_chunk(pBuf + nAt, nLen - nAt, &pData, &nData);
     if (nChunk == 0)
       return MayBecomeChunk(pBuf + nAt, nLen - nAt) ? kRequestNotWhole : kRequestBroken;
     if (++nChunks > kMostChunks) return kRequestBroken;
