@@ -20,8 +20,7 @@
 
 #include "MongooseBuild.h"
 
-/* More than a request of the pages could need: each look at a body goes through all of its chunks.
- */
+/* More than the pages could need: each look at a body goes through all of its chunks. */
 enum { kMostChunks = 1000, kMostSizeDigits = 6 };
 
 static size_t HexDigit(char cDigit) {

@@ -200,13 +200,11 @@ int RunHttpLoop(const char* pszWebRoot) {
   }
   printf("Starting web server on port %s\n", kPort);
   const int nLimit = ConnectionLimit();
-  int nPolls = 0;  // since those that wait had their turn: newcomers go first, within bounds
+  int nBefore = 0;  // polls since somebody waits for his turn: newcomers go first, within bounds
   for (int nWaitMs = kPollMs;;) {
     FlushPrinted();
-    if (mg_mgr_poll(&mgr, nWaitMs) == 0 || ++nPolls > kNewcomersFirst) {
-      ServeWaiting(mgr);
-      nPolls = 0;
-    }
+    nBefore = nWaitMs == 0 && nBefore <= kNewcomersFirst ? nBefore + 1 : 0;
+    if (mg_mgr_poll(&mgr, nWaitMs) == 0 || nBefore > kNewcomersFirst) ServeWaiting(mgr);
     const bool bShort = TakeMemoryShortage();
     if (bShort) puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
     CloseIdleConnections(mgr, bShort ? 0 : nLimit);

@@ -59,7 +59,7 @@ def test_others_have_their_turn_between_the_requests(rig):
         in_time.append(served.wait(4))
         device.send(LANGUAGE, source)
 
-    rig.device.play(SILENCE, LANGUAGE, LANGUAGE, LANGUAGE, hold)
+    rig.device.play(SILENCE, hold, LANGUAGE, LANGUAGE, LANGUAGE)
     with Client() as many, Client() as other:
         many.send(get("/get_LangInfo") * 5)
         wait_until(lambda: len(rig.device.requests) == 1, "the first request")
