@@ -56,7 +56,7 @@ def test_paths_of_the_tree_exist(document):
 
 
 def words_of_the_sources():
-    kinds = ["*.cpp", "*.h", "*.xml", "*.cmake", "*.py"]
+    kinds = ["*.c", "*.cpp", "*.h", "*.xml", "*.cmake", "*.py"]
     listing = subprocess.run(
         ["git", "ls-files", "-co", "--exclude-standard", *kinds],
         cwd=ROOT, check=True, capture_output=True, text=True,
