@@ -30,6 +30,6 @@ class COpenInside {
 
   char m_szGiven[PATH_MAX] = "";
   char m_szReal[PATH_MAX] = "";  // empty: not there, so nothing is below it
-  time_t m_second = -1;          // of the last look at the folder
+  time_t m_second = 0;           // of the last look at the folder
   stSeen m_seen[32] = {};        // below it, in that second
 };
