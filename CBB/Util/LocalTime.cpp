@@ -1,9 +1,12 @@
 #include "CBB/Util/LocalTime.h"
 
 tm LocalNow() {
+  thread_local time_t s_zoneAt = -1;
   const time_t now = time(nullptr);
+  // Or the zone would stay the one of the first call. Looking for it takes longer than the rest.
+  if (now != s_zoneAt) tzset();
+  s_zoneAt = now;
   tm local{};
-  tzset();  // or the zone would stay the one of the first call
   localtime_r(&now, &local);
   return local;
 }

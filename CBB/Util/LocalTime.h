@@ -4,5 +4,5 @@
 #include <ctime>
 
 // The current time of the system's clock and zone. A zone that is set while the program runs counts
-// from then on. Any thread.
+// from the next second on. Any thread.
 tm LocalNow();

@@ -7,7 +7,7 @@ import time
 
 import netns
 import pytest
-from daemon import Daemon
+from daemon import Daemon, wait_for_next_second
 from device import answer
 
 BASE = answer('<stBaseInfo strFD_DeviceNo="1"/>')
@@ -39,6 +39,7 @@ def test_clock_that_is_shown_follows_the_zone(rig, zone):
     for second, hours_ahead in enumerate((8, 3, -5)):
         zone_file(zone, hours_ahead)
         os.utime(zone, (second, second))  # the C library looks at whole seconds
+        wait_for_next_second()
         body = rig.get("/get_BaseInfo", BASE).body.decode()
         shown = re.search(r'"strFD_CurTime": "(\d{4}-\d\d-\d\d \d\d):', body)[1]
         now = time.time() + hours_ahead * 3600
