@@ -111,7 +111,7 @@ export class Rig {
       viewport: size, locale: language === 'zh' ? 'zh-CN' : 'en-GB',
       colorScheme: dark ? 'dark' : 'light', acceptDownloads: true,
     });
-    context.setDefaultTimeout(30000);
+    context.setDefaultTimeout(60000);
     await context.addInitScript((chosen) => {
       if (!localStorage['language.chosen']) localStorage['language.chosen'] = chosen;
     }, language);
