@@ -3,7 +3,7 @@
 #
 # The one list of everything that comes from outside. What is there already is not touched and
 # needs neither root nor a network. Debian 12's packages by apt-get, the HTTP library's sources by
-# fetch-mongoose.sh, the browser tests' node modules by npm from their lock file.
+# fetch-mongoose.sh, the node modules of tests/ui by npm from their lock file.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -15,11 +15,10 @@ packages_for() {
     build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev ca-certificates ;;
     # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
     run) echo net-tools iproute2 ;;
-    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; the last three
-    # hold docs/openapi.yaml to its schema.
+    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; the last two hold
+    # docs/openapi.yaml to its schema, which comes with the node modules.
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
-      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema \
-      openapi-specification ;;
+      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema ;;
     # A font for the Chinese screenshots.
     ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
@@ -94,7 +93,7 @@ install_node_modules() {
   [ -f "$dir/package-lock.json" ] || return 0
   sum=$(sha256sum <"$dir/package-lock.json")
   [ "$(cat "$dir/node_modules/.installed" 2>/dev/null)" != "$sum" ] || return 0
-  say "installing the browser tests' node modules"
+  say "installing the node modules"
   rm -rf "$new"
   mkdir -p "$new"
   cp "$dir/package.json" "$dir/package-lock.json" "$new"
