@@ -73,7 +73,8 @@ void ServeNext(mg_connection* pConn) {
   const size_t nBehind = nLength > 0 ? received.len - static_cast<size_t>(nLength) : 0;
   if (nBehind == 0) pConn->flags &= ~kUnseen;
   if (nLength == kRequestBroken) pConn->flags |= kFinal;
-  if (nLength == kRequestToTheEnd) g_pfnLibrary(pConn, MG_EV_RECV, nullptr);  // for later
+  // The library must have met the request before it can take the end of its body.
+  if (nLength == kRequestToTheEnd) g_pfnLibrary(pConn, MG_EV_RECV, nullptr);
   if (nLength <= 0) return;
   received.len = static_cast<size_t>(nLength);
   g_pfnLibrary(pConn, MG_EV_RECV, nullptr);
@@ -88,8 +89,7 @@ void HttpProtocol(mg_connection* pConn, int nEvent, void* pData) {
   const bool bEnded = (pConn->flags & (kEnded | kClosing)) == kEnded;
   const unsigned long ulFinal = pConn->flags & kFinal;
   pConn->flags &= ~kFinal;
-  // The library takes all that is left for a request, but only one such may end with its
-  // connection.
+  // The library takes whatever is left for a request; only a body may end with its connection.
   if (bClosed && (!bEnded || FirstRequestLength(&pConn->recv_mbuf) != kRequestToTheEnd))
     pConn->recv_mbuf.len = 0;
   if (bReceived && (pConn->flags & kClosing) == 0) pConn->flags |= kUnseen;
