@@ -25,6 +25,15 @@ def client(rig):
         yield client
 
 
+def nothing_was_asked(rig):
+    """The daemon is through with what came before when it answers another client."""
+    with Client() as other:
+        for _ in range(2):
+            other.send(get("/page.css"))
+            assert other.read_reply().body == STYLE
+    assert rig.device.requests == []
+
+
 def test_files_are_sent_one_behind_the_other(client):
     for _ in range(20):
         client.send(get("/large.bin") + get("/page.css") + get("/large.bin"))
@@ -32,11 +41,16 @@ def test_files_are_sent_one_behind_the_other(client):
     assert client.pending() == b""
 
 
-def test_request_that_arrives_while_a_file_is_sent_waits_for_its_end(client):
-    client.send(get("/large.bin"))
-    time.sleep(0.1)  # the file does not fit into what the connection holds
+def test_request_that_arrives_while_a_file_is_sent_waits_for_its_end(rig, client):
+    path = os.path.join(rig.daemon.folder, "web_root", "huge.bin")
+    with open(path, "wb") as file:
+        file.write(LARGE * 64)  # more than a connection holds that nobody reads
+    client.send(get("/huge.bin"))
+    time.sleep(0.2)
     client.send(get("/page.css"))
-    assert [client.read_reply().body for _ in range(2)] == [LARGE, STYLE]
+    time.sleep(0.2)
+    assert [client.read_reply().body for _ in range(2)] == [LARGE * 64, STYLE]
+    os.remove(path)
 
 
 def test_thirty_files_asked_for_at_once_all_come(client):
@@ -126,9 +140,8 @@ def test_nothing_behind_a_reply_that_closes_is_carried_out(rig):
         with Client() as client:
             client.send(get("/nothing.css") + behind)
             assert client.read_reply().head.startswith(b"HTTP/1.1 404 ")
-            assert client.is_closed()
-    rig.get("/get_LangInfo", LANGUAGE)
-    assert len(rig.device.requests) == 1
+            assert client.read_to_end() == b""
+    nothing_was_asked(rig)
 
 
 def test_what_arrives_later_behind_a_reply_that_closes_is_not_carried_out(rig):
@@ -141,8 +154,7 @@ def test_what_arrives_later_behind_a_reply_that_closes_is_not_carried_out(rig):
             client.send(start.ljust(segment, b"x") + inner * 100)
             with contextlib.suppress(ConnectionError):
                 client.read_to_end()
-    rig.get("/get_LangInfo", LANGUAGE)
-    assert len(rig.device.requests) == 1
+    nothing_was_asked(rig)
 
 
 def test_request_behind_a_file_that_closes_is_not_carried_out(rig):
@@ -155,8 +167,7 @@ def test_request_behind_a_file_that_closes_is_not_carried_out(rig):
             client.send(get("/medium.bin", "Connection: close\r\n") + post("/set_DeviceNo", "strFD_DeviceNo=123"))
             client.end_of_requests()
             assert client.read_to_end().partition(b"\r\n\r\n")[2] == LARGE[:20000]
-    rig.get("/get_LangInfo", LANGUAGE)
-    assert len(rig.device.requests) == 1
+    nothing_was_asked(rig)
 
 
 @pytest.mark.parametrize("rest", [b"\r\n\r\n", b"\0", b"GET\r\n\r\n"])

@@ -106,6 +106,18 @@ TEST(HttpEvent, ClosesOnAHeadOf8KiBEvenWhenItComesAtOnce) {
   }
 }
 
+TEST(HttpEvent, SendsAReplyBeforeItClosesOnWhatIsBrokenBehind) {
+  for (const char* pszBroken : {"\r\n\r\n", "GET\r\n\r\n", "\x01"}) {
+    CHttpConn conn;
+    conn.Receive(std::string(kGet) + pszBroken);
+    EXPECT_EQ(1U, CountReplies(conn.Sent()));
+    EXPECT_FALSE(conn.IsClosing());
+    mbuf_remove(&conn.Get()->send_mbuf, conn.Get()->send_mbuf.len);
+    ResumeReceiving(*conn.Get()->mgr);
+    EXPECT_TRUE(conn.IsClosing());
+  }
+}
+
 TEST(HttpEvent, TakesNoLackOfMemoryForTheEndOfABody) {
   CHttpConn conn;
   conn.Receive(PostHead("") + "a=1");
