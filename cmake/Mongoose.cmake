@@ -1,5 +1,6 @@
-# mongoose: the HTTP library as a static library of its own, from -DMONGOOSE_DIR= (a copy of the
-# 6 series from 6.16 on) or from .deps/mongoose, where scripts/fetch-mongoose.sh puts it.
+# mongoose: what whoever includes the HTTP library's header must see, from -DMONGOOSE_DIR= (a copy of
+# the 6 series from 6.16 on) or from .deps/mongoose, where scripts/fetch-mongoose.sh puts it. CBB/Http
+# builds it.
 set(MONGOOSE_DIR ${CMAKE_SOURCE_DIR}/.deps/mongoose CACHE PATH
     "Folder with mongoose.c and mongoose.h, 6.16 or a later one of the 6 series")
 
@@ -20,16 +21,15 @@ if(NOT MONGOOSE_VERSION MATCHES "^6\\." OR MONGOOSE_VERSION VERSION_LESS 6.16)
       "protocols off differently, so that they would stay on.")
 endif()
 
-add_library(mongoose STATIC ${CMAKE_CURRENT_LIST_DIR}/MongooseBuild.c)
-set_source_files_properties(${CMAKE_CURRENT_LIST_DIR}/MongooseBuild.c
-                            PROPERTIES OBJECT_DEPENDS ${MONGOOSE_DIR}/mongoose.c)
-target_include_directories(mongoose SYSTEM PUBLIC ${MONGOOSE_DIR})
-# PUBLIC: the switches change the library's own types, so every user must see the same ones. What the
+add_library(mongoose INTERFACE)
+target_include_directories(mongoose SYSTEM INTERFACE ${MONGOOSE_DIR})
+# The switches change the library's own types, so every user must see the same ones. What the
 # pages do not use is not there at all: whoever reaches the port must not list folders, start programs
 # that lie beside the pages, or hold connections under another protocol.
 target_compile_definitions(
   mongoose
-  PUBLIC MG_ENABLE_HTTP_SSI=1
+  INTERFACE
+         MG_ENABLE_HTTP_SSI=1
          MG_ENABLE_HTTP_SSI_EXEC=0
          MG_ENABLE_MQTT=0
          MG_ENABLE_COAP=0
@@ -42,19 +42,10 @@ target_compile_definitions(
          MG_ENABLE_DIRECTORY_LISTING=0
          # The library's types hold sizes of files: 64 bits for whoever passes them.
          _FILE_OFFSET_BITS=64
-         # A browser with long cookies and a long Referer fits.
-         MG_MAX_HTTP_REQUEST_SIZE=8192
+         # Field lines of a request, and one.
+         MG_MAX_HTTP_HEADERS=101
          # One segment a poll (the default) lets delayed acknowledgements stall longer replies.
          MG_TCP_IO_SIZE=16384
          MG_MAX_HTTP_SEND_MBUF=16384
-         # Two such paths a level of nested includes; MongooseBuild.c says why so short.
+         # Two such paths a level of nested includes; CBB/Http/Library.c says why so short.
          MG_MAX_PATH=1024)
-# Its memory and its files go through functions of ours: CBB/Util/ReserveMemory, and HttpFiles of
-# CBB/WebCtrl, which links itself to it.
-target_link_libraries(mongoose PUBLIC util)
-target_compile_definitions(
-  mongoose PRIVATE MG_USER_FILE_FUNCTIONS MG_MALLOC=ReserveMalloc MG_CALLOC=ReserveCalloc
-                   MG_REALLOC=ReserveRealloc MG_FREE=ReserveFree)
-# -fwrapv: it counts the seconds of a request's date in an int, which any date from 2038 on exceeds.
-target_compile_options(mongoose PRIVATE -w -fwrapv
-                                        -include ${CMAKE_SOURCE_DIR}/CBB/Util/ReserveMemory.h)

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <string>
 
+#include "CBB/Http/Files.h"
 #include "CBB/Util/DebugPrint.h"
 #include "CBB/Util/Print.h"
 #include "CBB/WebCtrl/HttpLoop.h"
@@ -56,20 +57,6 @@ constexpr CRoute kRoutes[] = {
     {"/import_CfgFile", &CWebCtrl::import_CfgFile},
 };
 
-// Serves the URI as a file below the document root.
-void ServeFile(mg_connection* pConn, http_message* pMsg) {
-  // Who goes away gets no more; the library would forget, open, the file that it is still sending.
-  if ((pConn->flags & MG_F_CLOSE_IMMEDIATELY) != 0) return;
-  // The library reads this date as terminated text, which the received bytes are not.
-  std::string strDate;
-  if (mg_str* pDate = mg_get_http_header(pMsg, "If-Modified-Since")) {
-    strDate.assign(pDate->p, pDate->len);
-    pDate->p = strDate.c_str();
-  }
-  ForgetFiles();
-  mg_serve_http(pConn, pMsg, HttpOptions());
-}
-
 }  // namespace
 
 void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
@@ -89,7 +76,7 @@ void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
     }
   }
   printf("------------others-------mg_serve_http.\n");
-  ServeFile(pConn, pMsg);
+  ServeFile(pConn, pMsg, HttpOptions());
 }
 
 // Deliberate: the value is a random number, not a measurement.

@@ -6,7 +6,8 @@
 #include <cstring>
 #include <string>
 
-#include "CBB/Util/Descriptors.h"
+#include "CBB/Http/Descriptors.h"
+#include "CBB/Http/Server.h"
 #include "CBB/Util/Print.h"
 #include "CBB/Util/Thread.h"
 #include "CBB/WebCtrl/WebCtrl.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr size_t kMaxPath = 128;
 constexpr size_t kMaxWebRoot = 126;
+constexpr int kWantedDescriptors = kMaxConnections + 100;
 
 // The folder of the executable with its closing '/', in pszFolder (256 zeroed bytes). Returns -1
 // for a path of more than 127 characters or one that cannot be read.
@@ -30,7 +32,7 @@ int OwnFolder(char* pszFolder) {
 
 int main() {
   GuardStdStreams();
-  CapDescriptors();
+  RaiseDescriptorLimit(kWantedDescriptors);
   PrepareThreadStop();
   CWebCtrl& webCtrl = CWebCtrl::Instance();
   webCtrl.Init("127.0.0.1", 6000);

@@ -1,4 +1,4 @@
-#include "CBB/Util/ReserveMemory.h"
+#include "CBB/Http/LibraryMemory.h"
 
 #include <atomic>
 #include <cstdlib>

@@ -1,8 +1,7 @@
-#include "CBB/Util/Descriptors.h"
+#include "CBB/Http/Descriptors.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/select.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +11,8 @@
 #include <cstdio>
 
 namespace {
+
+constexpr int kFirstClient = 32;
 
 void OpenClosedStreams() {
   int nFd = STDIN_FILENO;
@@ -48,15 +49,23 @@ void GuardStdStreams() {
   GuardOutput(STDERR_FILENO);
 }
 
-void CapDescriptors() {
-  rlimit limit{};
-  if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur <= FD_SETSIZE) return;
-  limit.rlim_cur = FD_SETSIZE;
-  setrlimit(RLIMIT_NOFILE, &limit);
-}
-
 int DescriptorLimit() {
   rlimit limit{};
   if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return INT_MAX;
   return static_cast<int>(std::min<rlim_t>(limit.rlim_cur, INT_MAX));
+}
+
+void RaiseDescriptorLimit(int nWanted) {
+  rlimit limit{};
+  const auto wanted = static_cast<rlim_t>(nWanted);
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return;
+  limit.rlim_cur = std::min(limit.rlim_max, wanted);
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+int MoveUp(int nFd) {
+  if (nFd < 0 || nFd >= kFirstClient) return nFd;
+  const int nMoved = fcntl(nFd, F_DUPFD_CLOEXEC, kFirstClient);
+  close(nFd);
+  return nMoved;
 }

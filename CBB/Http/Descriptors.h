@@ -1,5 +1,5 @@
-// A process's descriptors, put in order before it opens any of its own. Called from main, before
-// any thread exists.
+// A process's descriptors, put in order before it opens any of its own. The first
+// three are called from main, before any thread exists.
 #pragma once
 
 // Makes the standard streams safe to write to, whoever holds their other ends:
@@ -14,5 +14,10 @@ void GuardStdStreams();
 // How many descriptors the process may have: its limit, or as many as a number holds.
 int DescriptorLimit();
 
-// Keeps the numbers of descriptors below what select takes: further ones cannot be opened.
-void CapDescriptors();
+// Raises the process's limit of descriptors to nWanted, as far as it may.
+void RaiseDescriptorLimit(int nWanted);
+
+// Moves an open descriptor of a client, its socket or its file, above the lowest numbers and
+// returns its new number, -1 when there is none left; -1 stays -1. The lowest numbers stay free for
+// the exchange with the device, which waits in select: that takes no number from FD_SETSIZE on.
+int MoveUp(int nFd);

@@ -1,4 +1,4 @@
-#include "CBB/Util/OpenInside.h"
+#include "CBB/Http/OpenInside.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,0 +1,242 @@
+#include "CBB/Http/Connection.h"
+
+#include <sys/socket.h>
+#include <sys/uio.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include "CBB/Http/LibraryMemory.h"
+#include "CBB/Http/Refusals.h"
+#include "CBB/Http/Server.h"
+
+namespace {
+
+constexpr uint64_t kPartMs = 2000;        // for a client to read the last reply
+constexpr size_t kMostAtOnce = 1U << 20;  // sent before others have their turn
+
+std::string_view Text(const mbuf& buffer) { return {buffer.buf, buffer.len}; }
+
+// A reply to HEAD ends with its head, however many the endpoint gives.
+void CutBody(mbuf& sent, size_t nFrom) {
+  const size_t nHead = Text(sent).find("\r\n\r\n", nFrom);
+  if (nHead != std::string_view::npos) sent.len = nHead + 4;
+}
+
+}  // namespace
+
+CConnection::CConnection(CServer& server, mg_connection& conn, uint64_t nNowMs, uint64_t nUse)
+    : m_server(server), m_conn(conn), m_nAcceptMs(nNowMs), m_nLastUse(nUse) {}
+
+CConnection& CConnection::Of(const mg_connection& conn) {
+  return *static_cast<CConnection*>(conn.user_data);
+}
+
+size_t CConnection::Held() const {
+  return m_conn.recv_mbuf.size + m_conn.send_mbuf.size + m_request.Held();
+}
+
+bool CConnection::WantsBytes() const {
+  if (m_bEnded || m_state == State::kClosed) return false;
+  if (m_state == State::kLastReply) return true;
+  return m_state == State::kReading && m_request.State() == Reading::kPartial;
+}
+
+void CConnection::OnReadable() {
+  if (!WantsBytes()) {
+    m_server.Events().Want(m_conn, false, !AllSent(), true);
+  } else if (m_state == State::kLastReply) {
+    Drop();
+  } else {
+    m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len + MG_TCP_IO_SIZE;
+    mg_if_can_recv_cb(&m_conn);
+  }
+}
+
+// Others have their turn before more of this client's bytes are received.
+void CConnection::OnReceived() {
+  m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len;
+  Advance();
+}
+
+void CConnection::OnWritable() { Send(); }
+
+void CConnection::OnEndOfStream() {
+  m_bEnded = true;
+  m_server.Events().Want(m_conn, false, !AllSent(), true);
+  if (m_state == State::kReading || m_state == State::kAnswering) {
+    m_state = State::kHungUp;
+    if (!bQueued) Advance();
+  } else if (m_nPartMs != 0) {
+    Close();
+  }
+}
+
+// Looks at what has arrived, once nothing of an earlier reply is left.
+void CConnection::Advance() {
+  if (m_state == State::kReading || m_state == State::kHungUp) {
+    if (m_request.State() == Reading::kPartial) {
+      if (m_request.Held() == 0) ForgetReceived(EmptyLines(Text(m_conn.recv_mbuf)));
+      m_request.Read(Text(m_conn.recv_mbuf));
+    }
+  }
+  Act(NextTurn(m_state, m_request, AllSent()));
+}
+
+void CConnection::Act(stTurn turn) {
+  switch (turn.action) {
+    case stTurn::kNothing:
+      break;
+    case stTurn::kWait:
+      Watch();
+      break;
+    case stTurn::kContinue:
+      Continue();
+      break;
+    case stTurn::kServe:
+      m_bServed = true;
+      m_nLastUse = m_server.NextUse();
+      m_server.Enqueue(*this);
+      break;
+    case stTurn::kRefuse:
+      Refuse(turn.nStatus);
+      break;
+    case stTurn::kPart:
+      Part();
+      break;
+    case stTurn::kClose:
+      Close();
+      break;
+  }
+}
+
+void CConnection::Continue() {
+  Watch();
+  if (m_bContinued) return;
+  m_bContinued = true;
+  mg_printf(&m_conn, "HTTP/1.1 100 Continue\r\n\r\n");
+  Send();
+}
+
+void CConnection::Refuse(int nStatus) {
+  m_state = State::kLastReply;
+  m_request.Clear();
+  mbuf_free(&m_conn.recv_mbuf);
+  SendStatus(&m_conn, nStatus, false, true);
+  Send();
+}
+
+// A close while bytes arrive would reset the connection, and the client lose the reply.
+void CConnection::Part() {
+  if (m_bEnded) {
+    Close();
+  } else if (m_nPartMs == 0) {
+    m_nPartMs = m_server.NowMs() + kPartMs;
+    shutdown(m_conn.sock, SHUT_WR);
+    m_server.Parting(*this);
+    m_server.Events().Want(m_conn, true, false, true);
+  }
+}
+
+void CConnection::Close() {
+  m_state = State::kClosed;
+  m_conn.flags |= MG_F_CLOSE_IMMEDIATELY;
+}
+
+void CConnection::Drop() {
+  static char s_buffer[65536];
+  const ssize_t nGot = recv(m_conn.sock, s_buffer, sizeof(s_buffer), 0);
+  if (nGot == 0) OnEndOfStream();
+  if (nGot < 0 && errno != EAGAIN && errno != EINTR) Close();
+}
+
+void CConnection::ForgetReceived(size_t nSize) {
+  mbuf_remove(&m_conn.recv_mbuf, nSize);
+  mbuf_trim(&m_conn.recv_mbuf);
+}
+
+void CConnection::Serve() {
+  const size_t nLength = m_request.Length();
+  const bool bCloses = !m_request.KeepsOpen();
+  if (m_state == State::kReading) m_state = State::kAnswering;
+  Answer();
+  const bool bAnswered = !AllSent();
+  // The library ends a reply without a length so.
+  const bool bEnds = (m_conn.flags & MG_F_SEND_AND_CLOSE) != 0;
+  m_conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
+  m_request.Clear();
+  m_bContinued = false;
+  ForgetReceived(nLength);
+  if (bAnswered && (bCloses || bEnds)) {
+    m_state = State::kLastReply;
+    mbuf_free(&m_conn.recv_mbuf);
+  }
+  Send();
+}
+
+void CConnection::Answer() {
+  http_message& msg = m_server.Message();
+  m_request.Fill(m_conn.recv_mbuf.buf, msg);
+  try {
+    m_conn.handler(&m_conn, MG_EV_HTTP_REQUEST, &msg);
+  } catch (const std::bad_alloc&) {
+    NoteMemoryShortage();
+  }
+  if (m_request.IsHead()) CutBody(m_conn.send_mbuf, 0);
+}
+
+// Sends what the socket takes, within bounds. What is to be sent may have a gap when memory was
+// short: then no byte of it leaves.
+void CConnection::Send() {
+  size_t nTotal = 0;
+  while (!AllSent() && nTotal < kMostAtOnce) {
+    const ssize_t nSent = IsMemoryShort() ? -1 : SendSome();
+    if (nSent < 0) Close();
+    if (nSent <= 0) break;
+    nTotal += static_cast<size_t>(nSent);
+  }
+  if (m_state == State::kClosed) return;
+  Watch();
+  if (AllSent()) Sent();
+}
+
+void CConnection::Watch() { m_server.Events().Want(m_conn, WantsBytes(), !AllSent(), false); }
+
+// How many bytes have left: 0 when the socket takes none, -1 when the client is gone.
+ssize_t CConnection::SendSome() {
+  mbuf& head = m_conn.send_mbuf;
+  if (m_body.Left() == 0) {
+    const size_t nBefore = head.len;
+    mg_if_can_send_cb(&m_conn);
+    if ((m_conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) return -1;
+    return static_cast<ssize_t>(nBefore - head.len);
+  }
+  return head.len == 0 && m_body.HoldsFile() ? m_body.SendTo(m_conn.sock) : SendWithBody();
+}
+
+// The head and a text in one piece; the head before a file, which follows at once.
+ssize_t CConnection::SendWithBody() {
+  mbuf& head = m_conn.send_mbuf;
+  const bool bText = !m_body.HoldsFile();
+  iovec parts[2] = {{head.buf, head.len}, {nullptr, 0}};
+  if (bText) parts[1] = {const_cast<char*>(m_body.Text()), m_body.Left()};
+  msghdr message{};
+  message.msg_iov = parts;
+  message.msg_iovlen = bText ? 2 : 1;
+  const ssize_t nSent = sendmsg(m_conn.sock, &message, MSG_NOSIGNAL | (bText ? 0 : MSG_MORE));
+  if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
+  const size_t nHead = std::min(static_cast<size_t>(nSent), head.len);
+  mbuf_remove(&head, nHead);
+  mbuf_trim(&head);
+  m_body.Skip(static_cast<size_t>(nSent) - nHead);
+  return nSent;
+}
+
+void CConnection::Sent() {
+  m_body = CBody();
+  if (m_state == State::kAnswering) m_state = State::kReading;
+  Advance();
+}

@@ -1,0 +1,92 @@
+// One client's connection: its state, the request that arrives on it, the reply that leaves, and
+// its end. Turns.h draws the states; what may happen is decided there and nowhere else. An object
+// lives from the library's accept event to its close event and is owned by the library's record of
+// the connection. HTTP server thread only.
+#pragma once
+
+#include <mongoose.h>
+
+#include <cstdint>
+#include <utility>
+
+#include "CBB/Http/Body.h"
+#include "CBB/Http/Request.h"
+#include "CBB/Http/Turns.h"
+
+class CServer;
+
+class CConnection {
+ public:
+  CConnection(CServer& server, mg_connection& conn, uint64_t nNowMs, uint64_t nUse);
+  CConnection(const CConnection&) = delete;
+  CConnection& operator=(const CConnection&) = delete;
+
+  // The object of one of the library's connections that a server has accepted.
+  static CConnection& Of(const mg_connection& conn);
+
+  // What happens to it: the socket has bytes; the library has received some; the socket takes
+  // bytes; the client sends no more.
+  void OnReadable();
+  void OnReceived();
+  void OnWritable();
+  void OnEndOfStream();
+
+  // Its turn has come: hands the request over to the service's handler and sends the reply.
+  void Serve();
+
+  // Within the handler of a request: whether the client would go on using the connection.
+  bool KeepsOpen() const { return m_request.KeepsOpen(); }
+
+  // Within the handler of a request: what is to be sent behind what stands in the send buffer then.
+  void SetBody(CBody body) { m_body = std::move(body); }
+
+  // Takes it out of everything; the server closes it.
+  void Close();
+
+  // It has said all, and the client has had its time to read it.
+  bool IsLate(uint64_t nNowMs) const { return m_nPartMs != 0 && nNowMs >= m_nPartMs; }
+  uint64_t PartMs() const { return m_nPartMs; }
+
+  stPlace Place(uint64_t nNowMs) const { return {m_bServed, nNowMs - m_nAcceptMs, m_nLastUse}; }
+
+  // What it holds for its client: bytes of memory, open files.
+  size_t Held() const;
+  size_t HeldFiles() const { return m_body.HoldsFile() ? 1 : 0; }
+
+  mg_connection& Library() { return m_conn; }
+
+  // The server's queue of turns, and what it has counted of it.
+  CConnection* pNext = nullptr;
+  bool bQueued = false;
+  size_t nHeldCounted = 0;
+  size_t nFilesCounted = 0;
+
+ private:
+  bool AllSent() const { return m_conn.send_mbuf.len == 0 && m_body.Left() == 0; }
+  bool WantsBytes() const;
+  void Watch();
+  void Advance();
+  void Act(stTurn turn);
+  void Continue();
+  void Refuse(int nStatus);
+  void Part();
+  void Answer();
+  void ForgetReceived(size_t nSize);
+  void Drop();
+  void Send();
+  ssize_t SendSome();
+  ssize_t SendWithBody();
+  void Sent();
+
+  CServer& m_server;
+  mg_connection& m_conn;
+  State m_state = State::kReading;
+  CRequest m_request;
+  CBody m_body;
+  bool m_bContinued = false;  // the client was told to send the body of this request
+  bool m_bServed = false;
+  bool m_bEnded = false;  // the client sends no more
+  uint64_t m_nAcceptMs;
+  uint64_t m_nLastUse;
+  uint64_t m_nPartMs = 0;  // 0: not parting
+};

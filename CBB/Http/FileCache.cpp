@@ -1,0 +1,131 @@
+#include "CBB/Http/FileCache.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <utility>
+
+#include "CBB/Http/LibraryFiles.h"
+
+namespace {
+
+constexpr size_t kMaxFiles = 256;  // that are kept
+constexpr int kMostTries = 3;      // to read a file that changes meanwhile
+
+bool IsSame(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
+         one.st_ctim.tv_sec == other.st_ctim.tv_sec && one.st_ctim.tv_nsec == other.st_ctim.tv_nsec;
+}
+
+// As the HTTP library makes them, told apart by form.
+std::string MakeTag(const struct stat& stat, const char* pszForm) {
+  char szTag[64];
+  snprintf(szTag, sizeof(szTag), "\"%lx.%" PRId64 "%s\"", static_cast<unsigned long>(stat.st_mtime),
+           static_cast<int64_t>(stat.st_size), pszForm);
+  return szTag;
+}
+
+// All of a file; false when it is shorter than it was.
+bool ReadAll(int nFd, std::string& strText) {
+  for (size_t nAt = 0; nAt < strText.size();) {
+    const ssize_t nGot = pread(nFd, &strText[nAt], strText.size() - nAt, static_cast<off_t>(nAt));
+    if (nGot <= 0) return false;
+    nAt += static_cast<size_t>(nGot);
+  }
+  return true;
+}
+
+// Reads a form of one version: what it was before and after the reading is the same.
+bool ReadForm(int nFd, const char* pszForm, stForm& form) {
+  for (int i = 0; i < kMostTries; ++i) {
+    if (fstat(nFd, &form.stat) != 0) return false;
+    form.strTag = MakeTag(form.stat, pszForm);
+    form.pText = nullptr;
+    if (form.stat.st_size > static_cast<off_t>(kMaxCachedFile)) return true;
+    auto pText = std::make_shared<std::string>(static_cast<size_t>(form.stat.st_size), '\0');
+    struct stat after {};
+    if (!ReadAll(nFd, *pText) || fstat(nFd, &after) != 0 || !IsSame(form.stat, after)) continue;
+    form.pText = std::move(pText);
+    return true;
+  }
+  return false;
+}
+
+std::string PackedPath(const stFile& file) { return file.strPath + ".gz"; }
+
+bool IsNotOlder(const struct stat& packed, const struct stat& plain) {
+  return packed.st_mtime >= plain.st_mtime;
+}
+
+// A packed form is kept whole or not taken.
+void AddPacked(stFile& file) {
+  const int nFd = OpenForReading(PackedPath(file).c_str());
+  if (nFd < 0) return;
+  file.bHasPacked = ReadForm(nFd, "-gz", file.packed) && file.packed.pText != nullptr &&
+                    IsNotOlder(file.packed.stat, file.plain.stat);
+  if (!file.bHasPacked) file.packed.pText = nullptr;
+  close(nFd);
+}
+
+// Whether a form is still what was looked at; bThere: whether it was there at all.
+bool IsUnchanged(const std::string& strPath, const stForm& form, bool bThere) {
+  const int nFd = OpenForReading(strPath.c_str());
+  if (nFd < 0) return !bThere;
+  struct stat now {};
+  const bool bSame = fstat(nFd, &now) == 0 && IsSame(now, form.stat);
+  close(nFd);
+  return bSame;
+}
+
+}  // namespace
+
+size_t stFile::Bytes() const {
+  return (plain.pText ? plain.pText->size() : 0) + (packed.pText ? packed.pText->size() : 0);
+}
+
+const stFile* CFileCache::Find(std::string_view uri) {
+  const auto found = std::find_if(m_files.begin(), m_files.end(),
+                                  [&](const auto& pFile) { return pFile->strUri == uri; });
+  if (found == m_files.end()) return nullptr;
+  stFile& file = **found;
+  file.nUse = ++m_nUses;
+  const time_t now = time(nullptr);
+  if (file.second == now) return &file;
+  const bool bPacked = file.packed.stat.st_ino != 0;
+  if (IsUnchanged(file.strPath, file.plain, true) &&
+      IsUnchanged(PackedPath(file), file.packed, bPacked)) {
+    file.second = now;
+    return &file;
+  }
+  Remove(static_cast<size_t>(found - m_files.begin()));
+  return nullptr;
+}
+
+const stFile* CFileCache::Add(std::string strUri, std::string strPath, int nFd) {
+  auto pFile = std::make_unique<stFile>();
+  pFile->second = time(nullptr);
+  pFile->strUri = std::move(strUri);
+  pFile->strPath = std::move(strPath);
+  if (!ReadForm(nFd, "", pFile->plain)) return nullptr;
+  AddPacked(*pFile);
+  pFile->nUse = ++m_nUses;
+  m_pLast = std::move(pFile);
+  const stFile* const pAdded = m_pLast.get();
+  if (pAdded->strUri.empty() || pAdded->plain.pText == nullptr) return pAdded;
+  m_nBytes += pAdded->Bytes();
+  m_files.push_back(std::move(m_pLast));
+  while (m_nBytes > kMaxCacheBytes || m_files.size() > kMaxFiles) {
+    const auto oldest =
+        std::min_element(m_files.begin(), m_files.end(),
+                         [](const auto& a, const auto& b) { return a->nUse < b->nUse; });
+    Remove(static_cast<size_t>(oldest - m_files.begin()));
+  }
+  return pAdded;
+}
+
+void CFileCache::Remove(size_t nAt) {
+  m_nBytes -= m_files[nAt]->Bytes();
+  m_files.erase(m_files.begin() + static_cast<std::ptrdiff_t>(nAt));
+}

@@ -1,0 +1,59 @@
+// The files of the document root as they are sent: read once, and again when they have changed.
+// What was looked at in the same second of the clock counts as unchanged. HTTP server thread only.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstddef>
+#include <ctime>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The texts of all files together, and of one.
+constexpr size_t kMaxCacheBytes = 1U << 20;
+constexpr size_t kMaxCachedFile = 256U << 10;
+
+// One form of a file, plain or packed.
+struct stForm {
+  struct stat stat {};
+  std::string strTag;                        // entity tag, with its quotation marks
+  std::shared_ptr<const std::string> pText;  // null: too large to be kept
+};
+
+struct stFile {
+  std::string strUri;  // as it is asked for
+  std::string strPath;
+  stForm plain;
+  bool bHasPacked = false;  // a form packed by gzip lies beside it and is not older
+  stForm packed;
+  time_t second = 0;  // of the last look
+  uint64_t nUse = 0;
+
+  size_t Bytes() const;
+};
+
+class CFileCache {
+ public:
+  // The file of a URI that was added before, as it is in this second; null when it is not there, is
+  // not the same any more, or may not be opened. Valid until the next call.
+  const stFile* Find(std::string_view uri);
+
+  // Reads the file at strPath, which was opened as nFd (the caller's), with its packed form. Keeps
+  // it under strUri when it is small enough; others go for it, the longest unused first. An empty
+  // strUri is not kept. Returns null when the file changes all the time while it is read. Valid
+  // until the next call.
+  const stFile* Add(std::string strUri, std::string strPath, int nFd);
+
+  // The texts that are kept, in bytes.
+  size_t Bytes() const { return m_nBytes; }
+
+ private:
+  void Remove(size_t nAt);
+
+  std::vector<std::unique_ptr<stFile>> m_files;
+  std::unique_ptr<stFile> m_pLast;  // one that is not kept
+  size_t m_nBytes = 0;
+  uint64_t m_nUses = 0;
+};

@@ -1,0 +1,224 @@
+#include "CBB/Http/Files.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "CBB/Http/Conditions.h"
+#include "CBB/Http/Connection.h"
+#include "CBB/Http/Descriptors.h"
+#include "CBB/Http/FileCache.h"
+#include "CBB/Http/HeadRules.h"
+#include "CBB/Http/Library.h"
+#include "CBB/Http/LibraryFiles.h"
+#include "CBB/Http/MediaTypes.h"
+#include "CBB/Http/Refusals.h"
+
+namespace {
+
+constexpr char kAllow[] = "Allow: GET, HEAD, POST, OPTIONS\r\n";
+// What browsers are told of every file and page: ask each time, and believe the media type.
+constexpr char kPageFields[] = "Cache-Control: no-cache\r\nX-Content-Type-Options: nosniff";
+constexpr char kPageTypes[] = ".shtml=text/html; charset=utf-8,.shtm=text/html; charset=utf-8";
+// Files below this folder have a hash of their content in their names.
+constexpr std::string_view kVersioned = "/assets/";
+constexpr char kVersionedFields[] =
+    "Cache-Control: max-age=31536000, immutable\r\nX-Content-Type-Options: nosniff";
+
+CFileCache g_cache;
+
+struct stRequest {
+  mg_connection& conn;
+  http_message& msg;
+  std::string strUri;  // the library changes its own
+  bool bHead;
+  bool bKeepsOpen;
+};
+
+std::string_view Text(const mg_str& text) { return {text.p, text.len}; }
+
+// Nothing about it that the library would read in another way.
+bool IsPlainUri(std::string_view uri) {
+  return uri.size() > 1 && uri.front() == '/' && uri.back() != '/' &&
+         uri.find('%') == std::string_view::npos && uri.find("//") == std::string_view::npos &&
+         uri.find("/.") == std::string_view::npos;
+}
+
+// The date of now, made once a second.
+const char* Now() {
+  static time_t s_second = -1;
+  static char s_szDate[kHttpDateSize];
+  const time_t now = time(nullptr);
+  if (now != s_second) FormatHttpDate(s_second = now, s_szDate);
+  return s_szDate;
+}
+
+// The fields that tell where a part belongs.
+std::string RangeField(const stSelection& part, size_t nSize) {
+  if (part.nStatus == 416) return "Content-Range: bytes */" + std::to_string(nSize) + "\r\n";
+  if (part.nStatus != 206) return {};
+  return "Content-Range: bytes " + std::to_string(part.nAt) + "-" +
+         std::to_string(part.nAt + part.nSize - 1) + "/" + std::to_string(nSize) + "\r\n";
+}
+
+std::string FormFields(const stFile& file, bool bPacked) {
+  const char* const pszPacked = bPacked ? "Content-Encoding: gzip\r\n" : "";
+  const char* const pszVary = file.bHasPacked ? "Vary: Accept-Encoding\r\n" : "";
+  return std::string(pszPacked) + pszVary;
+}
+
+// The head as the library writes it, and behind it what it does not know of.
+void SendHead(const stRequest& request, const stFile& file, const stForm& form, bool bPacked,
+              const stSelection& part) {
+  char szModified[kHttpDateSize];
+  FormatHttpDate(form.stat.st_mtime, szModified);
+  const bool bSame = part.nStatus == 304;
+  std::string strHead = "HTTP/1.1 " + std::to_string(part.nStatus) + " ";
+  strHead.reserve(640);
+  strHead.append(ReasonPhrase(part.nStatus)).append("\r\nServer: Mongoose/" MG_VERSION "\r\n");
+  strHead.append("Date: ").append(Now()).append("\r\nLast-Modified: ").append(szModified);
+  if (!bSame) {
+    strHead.append("\r\nAccept-Ranges: bytes\r\nContent-Type: ");
+    strHead.append(MediaType(file.strPath));
+  }
+  strHead.append("\r\nConnection: ").append(request.bKeepsOpen ? "keep-alive\r\n" : "close\r\n");
+  if (!bSame) {
+    strHead.append("Content-Length: ").append(std::to_string(part.nSize)).append("\r\n");
+    strHead.append(RangeField(part, static_cast<size_t>(form.stat.st_size)));
+  }
+  strHead.append("Etag: ").append(form.strTag).append("\r\n");
+  strHead.append(bSame ? FormFields(file, false) : FormFields(file, bPacked));
+  const bool bVersioned = request.strUri.compare(0, kVersioned.size(), kVersioned) == 0;
+  strHead.append(bVersioned ? kVersionedFields : kPageFields).append("\r\n\r\n");
+  mg_send(&request.conn, strHead.data(), static_cast<int>(strHead.size()));
+}
+
+// nFd: the open file, which stays the caller's; -1 when its text is in memory.
+void SendFile(const stRequest& request, const stFile& file, int nFd) {
+  const bool bRange = !FieldValue(request.msg, "Range").empty();
+  const bool bPacked = file.bHasPacked && !bRange && AcceptsGzip(request.msg);
+  const stForm& form = bPacked ? file.packed : file.plain;
+  const auto nSize = static_cast<size_t>(form.stat.st_size);
+  const stSelection part = Select(request.msg, {form.strTag, form.stat.st_mtime, nSize});
+  if (part.nStatus == 412) {
+    SendStatus(&request.conn, part.nStatus, request.bKeepsOpen, !request.bHead);
+    return;
+  }
+  SendHead(request, file, form, bPacked, part);
+  if (request.bHead || part.nSize == 0) return;
+  CConnection& connection = CConnection::Of(request.conn);
+  if (form.pText != nullptr) {
+    connection.SetBody(CBody(form.pText, part.nAt, part.nSize));
+  } else {
+    connection.SetBody(CBody(MoveUp(dup(nFd)), static_cast<off_t>(part.nAt),
+                             static_cast<off_t>(part.nSize), form.stat.st_ctim));
+  }
+}
+
+// The library's messages about includes name files by their whole path.
+void HidePaths(mbuf& sent, const char* pszRoot) {
+  constexpr std::string_view kDeep = "SSI #include level is too deep";
+  constexpr std::string_view kLong = ": SSI tag is too large";
+  std::string strText(sent.buf, sent.len);
+  for (size_t nAt = strText.find(kDeep); nAt != std::string::npos;
+       nAt = strText.find(kDeep, nAt + 1)) {
+    const size_t nPath = nAt + kDeep.size();
+    const size_t nEnd = strText.find(')', nPath);
+    if (strText.compare(nPath, 2, " (") == 0 && nEnd != std::string::npos)
+      strText.erase(nPath, nEnd + 1 - nPath);
+  }
+  for (size_t nAt = strText.find(kLong); nAt != std::string::npos; nAt = strText.find(kLong, nAt)) {
+    const size_t nPath = std::min(strText.rfind(pszRoot, nAt), nAt);
+    strText.erase(nPath, nAt + 2 - nPath);
+    nAt = nPath;
+  }
+  sent.len = 0;
+  mbuf_append(&sent, strText.data(), strText.size());
+}
+
+// What the library has answered that is no file: a page with includes stays as it is; a redirect
+// gets its reason; of an error only the status is taken.
+void SendOther(const stRequest& request, const mg_serve_http_opts& opts) {
+  mbuf& sent = request.conn.send_mbuf;
+  const std::string strAnswer(sent.buf, sent.len);
+  const int nStatus =
+      atoi(strAnswer.substr(0, strAnswer.find("\r\n")).c_str() + sizeof("HTTP/1.1"));
+  if (nStatus == 200) {
+    HidePaths(sent, opts.document_root);
+    return;
+  }
+  request.conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
+  sent.len = 0;
+  if (nStatus == 301) {
+    const std::string strRest = strAnswer.substr(strAnswer.find("\r\n"));
+    mg_printf(&request.conn, "HTTP/1.1 %d %s", nStatus, ReasonPhrase(nStatus));
+    mg_send(&request.conn, strRest.data(), static_cast<int>(strRest.size()));
+  } else {
+    SendStatus(&request.conn, nStatus, request.bKeepsOpen, !request.bHead);
+  }
+}
+
+// The conditional fields and the range are judged here, by today's rules.
+void TakeAwayConditions(http_message& msg) {
+  for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
+    const std::string_view name = Text(msg.header_names[i]);
+    if (IsSameName(name.substr(0, 3), "If-") || IsSameName(name, "Range"))
+      msg.header_names[i] = mg_mk_str("-");
+  }
+}
+
+void ServeThroughLibrary(const stRequest& request, mg_serve_http_opts opts) {
+  http_message msg = request.msg;
+  TakeAwayConditions(msg);
+  opts.extra_headers = kPageFields;
+  opts.custom_mime_types = kPageTypes;
+  FILE* const pFile = LibraryServeFile(&request.conn, &msg, &opts);
+  const stOpened& opened = OpenedFile();
+  if (*opened.pszPath == '\0' || IsPage(opened.pszPath)) {
+    SendOther(request, opts);
+    return;
+  }
+  request.conn.send_mbuf.len = 0;
+  request.conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
+  const int nFd = pFile != nullptr ? fileno(pFile) : OpenForReading(opened.pszPath);
+  const stFile* const pRead =
+      g_cache.Add(IsPlainUri(request.strUri) ? request.strUri : "", opened.pszPath, nFd);
+  if (pRead != nullptr) {
+    SendFile(request, *pRead, nFd);
+  } else {
+    SendStatus(&request.conn, 503, request.bKeepsOpen, !request.bHead);
+  }
+  if (pFile != nullptr) {
+    fclose(pFile);
+  } else if (nFd >= 0) {
+    close(nFd);
+  }
+}
+
+}  // namespace
+
+void ServeFile(mg_connection* pConn, http_message* pMsg, const mg_serve_http_opts& opts) {
+  const std::string_view method = Text(pMsg->method);
+  const stRequest request = {*pConn, *pMsg, std::string(Text(pMsg->uri)), method == "HEAD",
+                             CConnection::Of(*pConn).KeepsOpen()};
+  if (method == "OPTIONS") {
+    SendStatus(pConn, 204, request.bKeepsOpen, false, kAllow);
+    return;
+  }
+  if (method != "GET" && method != "HEAD" && method != "POST") {
+    SendStatus(pConn, 501, request.bKeepsOpen, true);
+    return;
+  }
+  BeginFiles(opts.document_root);
+  const stFile* const pFile = IsPlainUri(request.strUri) ? g_cache.Find(request.strUri) : nullptr;
+  if (pFile != nullptr) {
+    SendFile(request, *pFile, -1);
+  } else {
+    ServeThroughLibrary(request, opts);
+  }
+}

@@ -1,0 +1,264 @@
+#include "CBB/Http/Server.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <ctime>
+#include <new>
+
+#include "CBB/Http/Descriptors.h"
+#include "CBB/Http/Library.h"
+#include "CBB/Http/LibraryMemory.h"
+
+namespace {
+
+// Streams, listener, poll object, an exchange, a file about to be sent, the newest client.
+constexpr int kOtherDescriptors = 12;
+constexpr uint64_t kRoundMs = 2;          // of requests, before newcomers are looked for
+constexpr uint64_t kAcceptPauseMs = 100;  // when a client could not be accepted
+
+uint64_t ClockMs() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1000 + static_cast<uint64_t>(now.tv_nsec) / 1000000;
+}
+
+}  // namespace
+
+void CServer::stQueue::Append(CConnection& conn) {
+  conn.pNext = nullptr;
+  (pLast != nullptr ? pLast->pNext : pFirst) = &conn;
+  pLast = &conn;
+}
+
+CConnection* CServer::stQueue::Take() {
+  CConnection* const pTaken = pFirst;
+  if (pTaken != nullptr) Remove(*pTaken);
+  return pTaken;
+}
+
+void CServer::stQueue::Remove(const CConnection& conn) {
+  CConnection* pBefore = nullptr;
+  for (CConnection* p = pFirst; p != nullptr; pBefore = p, p = p->pNext) {
+    if (p != &conn) continue;
+    (pBefore != nullptr ? pBefore->pNext : pFirst) = p->pNext;
+    if (pLast == p) pLast = pBefore;
+    return;
+  }
+}
+
+void CServer::stQueue::Join(stQueue& other) {
+  if (other.pFirst == nullptr) return;
+  (pLast != nullptr ? pLast->pNext : pFirst) = other.pFirst;
+  pLast = other.pLast;
+  other = {};
+}
+
+CServer::CServer(mg_event_handler_t pfnHandler) : m_pfnHandler(pfnHandler) {}
+
+int CServer::Bind(const char* pszAddress) {
+  m_events.InitManager(m_mgr);
+  m_pListener = mg_bind(&m_mgr, pszAddress, m_pfnHandler);
+  if (m_pListener == nullptr) return -1;
+  mg_set_protocol_http_websocket(m_pListener);
+  // Requests are read here, and handed on as the library would.
+  m_pListener->proto_handler = &OnEvent;
+  m_pListener->user_data = this;
+  const int nOn = 1;
+  setsockopt(m_pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
+  setsockopt(m_pListener->sock, SOL_SOCKET, SO_OOBINLINE, &nOn, sizeof(nOn));
+  m_nPlaces = std::clamp(DescriptorLimit() - kOtherDescriptors, 1, kMaxConnections);
+  m_parting.reserve(static_cast<size_t>(m_nPlaces) + 1);
+  m_nNowMs = ClockMs();
+  return 0;
+}
+
+void CServer::Close() { mg_mgr_free(&m_mgr); }
+
+int CServer::Port() const {
+  sockaddr_in address{};
+  socklen_t nSize = sizeof(address);
+  getsockname(m_pListener->sock, reinterpret_cast<sockaddr*>(&address), &nSize);
+  return ntohs(address.sin_port);
+}
+
+bool CServer::Poll(int nWaitMs) {
+  mg_mgr_poll(&m_mgr, WaitMs(nWaitMs));
+  m_nNowMs = ClockMs();
+  // Newcomers stand in front of those that have been served.
+  m_turns.Join(m_further);
+  ServeTurns();
+  CloseLate();
+  const bool bShort = TakeMemoryShortage();
+  if (bShort) CloseAll();
+  return bShort;
+}
+
+int CServer::WaitMs(int nWaitMs) const {
+  if (m_turns.pFirst != nullptr || m_further.pFirst != nullptr) return 0;
+  uint64_t nUntil = m_nNowMs + static_cast<uint64_t>(nWaitMs);
+  if (!m_parting.empty()) nUntil = std::min(nUntil, m_parting.front()->PartMs());
+  if (m_nAcceptMs != 0) nUntil = std::min(nUntil, m_nAcceptMs);
+  const uint64_t nNow = ClockMs();
+  return nUntil <= nNow ? 0 : static_cast<int>(nUntil - nNow);
+}
+
+void CServer::ServeTurns() {
+  const uint64_t nEnd = m_nNowMs + kRoundMs;
+  m_bServing = true;
+  while (CConnection* const pConn = m_turns.Take()) {
+    pConn->bQueued = false;
+    pConn->Serve();
+    m_nNowMs = ClockMs();
+    Settle(pConn->Library());
+    if (m_nNowMs >= nEnd || IsMemoryShort()) break;
+  }
+  m_bServing = false;
+}
+
+void CServer::Enqueue(CConnection& conn) {
+  if (conn.bQueued) return;
+  conn.bQueued = true;
+  (m_bServing ? m_further : m_turns).Append(conn);
+}
+
+void CServer::Parting(CConnection& conn) { m_parting.push_back(&conn); }
+
+// The library's events, in place of its own handler of the protocol, which would read requests.
+void CServer::OnEvent(mg_connection* pConn, int nEvent, void* pData) {
+  switch (nEvent) {
+    case MG_EV_ACCEPT:
+      static_cast<CServer*>(pConn->listener->user_data)->Open(*pConn);
+      break;
+    case MG_EV_RECV:
+      CConnection::Of(*pConn).OnReceived();
+      break;
+    case MG_EV_CLOSE:
+      if (pConn->listener != nullptr && pConn->user_data != nullptr)
+        static_cast<CServer*>(pConn->listener->user_data)->Forget(CConnection::Of(*pConn));
+      break;
+    case MG_EV_SEND:
+      break;
+    default:
+      pConn->handler(pConn, nEvent, pData);
+  }
+}
+
+void CServer::Open(mg_connection& conn) {
+  conn.user_data = new (std::nothrow) CConnection(*this, conn, m_nNowMs, NextUse());
+  if (conn.user_data == nullptr) {
+    NoteMemoryShortage();
+    conn.flags |= MG_F_CLOSE_IMMEDIATELY;
+    return;
+  }
+  ++m_nConnections;
+}
+
+void CServer::Forget(CConnection& conn) {
+  m_turns.Remove(conn);
+  m_further.Remove(conn);
+  m_parting.erase(std::remove(m_parting.begin(), m_parting.end(), &conn), m_parting.end());
+  m_nHeld -= conn.nHeldCounted;
+  m_nFiles -= conn.nFilesCounted;
+  --m_nConnections;
+  conn.Library().user_data = nullptr;
+  delete &conn;
+}
+
+void CServer::Accepted(mg_connection& conn) {
+  Settle(conn);
+  MakeRoom();
+}
+
+// Somebody goes for it, or the next try comes later: the listener would wake every poll.
+void CServer::CannotAccept() {
+  if (CloseFirst()) return;
+  m_events.Want(*m_pListener, false, false, true);
+  m_nAcceptMs = m_nNowMs + kAcceptPauseMs;
+}
+
+void CServer::Readable(mg_connection& conn) {
+  CConnection::Of(conn).OnReadable();
+  Settle(conn);
+}
+
+void CServer::Writable(mg_connection& conn) {
+  CConnection::Of(conn).OnWritable();
+  Settle(conn);
+}
+
+void CServer::EndOfStream(mg_connection& conn) { CConnection::Of(conn).OnEndOfStream(); }
+
+void CServer::Broken(mg_connection& conn) {
+  CConnection::Of(conn).Close();
+  Settle(conn);
+}
+
+// After everything that a connection does: closes it when it has ended, counts what it holds.
+void CServer::Settle(mg_connection& conn) {
+  if ((conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) {
+    LibraryClose(&conn);
+    return;
+  }
+  CConnection& own = CConnection::Of(conn);
+  m_nHeld += own.Held() - own.nHeldCounted;
+  own.nHeldCounted = own.Held();
+  m_nFiles += own.HeldFiles() - own.nFilesCounted;
+  own.nFilesCounted = own.HeldFiles();
+  LimitHeld();
+  MakeRoom();
+}
+
+void CServer::CloseLate() {
+  while (!m_parting.empty() && m_parting.front()->IsLate(m_nNowMs)) {
+    mg_connection& conn = m_parting.front()->Library();
+    conn.flags |= MG_F_CLOSE_IMMEDIATELY;
+    LibraryClose(&conn);
+  }
+  if (m_nAcceptMs == 0 || m_nNowMs < m_nAcceptMs) return;
+  m_nAcceptMs = 0;
+  m_events.Want(*m_pListener, true, false, true);
+}
+
+void CServer::MakeRoom() {
+  while (m_nConnections + m_nFiles > static_cast<size_t>(m_nPlaces) && CloseFirst()) continue;
+}
+
+// Calls pfnCall with every client, which may not close it.
+template <class F>
+void CServer::ForEach(F pfnCall) {
+  for (mg_connection* p = m_mgr.active_connections; p != nullptr; p = p->next) {
+    if (p->listener != nullptr && p->user_data != nullptr) pfnCall(CConnection::Of(*p));
+  }
+}
+
+// Closes the client that needs its place least. Returns false when there is none.
+bool CServer::CloseFirst() {
+  CConnection* pFirst = nullptr;
+  ForEach([&](CConnection& conn) {
+    if (pFirst == nullptr || GoesBefore(conn.Place(m_nNowMs), pFirst->Place(m_nNowMs)))
+      pFirst = &conn;
+  });
+  if (pFirst == nullptr) return false;
+  pFirst->Close();
+  LibraryClose(&pFirst->Library());
+  return true;
+}
+
+void CServer::LimitHeld() {
+  while (m_nHeld > kMaxHeldBytes) {
+    CConnection* pMost = nullptr;
+    ForEach([&](CConnection& conn) {
+      if (pMost == nullptr || conn.nHeldCounted > pMost->nHeldCounted) pMost = &conn;
+    });
+    pMost->Close();
+    LibraryClose(&pMost->Library());
+  }
+}
+
+void CServer::CloseAll() {
+  while (CloseFirst()) continue;
+}

@@ -1,0 +1,104 @@
+// The HTTP server: it binds, waits, gives each client its turn, and decides who must go when
+// clients hold too many places or too much memory. Everything runs on the thread that polls.
+#pragma once
+
+#include <mongoose.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "CBB/Http/Connection.h"
+#include "CBB/Http/Events.h"
+
+// Places for clients, as far as the process's limit of descriptors allows them.
+constexpr int kMaxConnections = 2000;
+
+// What all clients together may make the service hold: requests that are not whole, replies that
+// are not read. Beyond it the one that holds most is closed.
+constexpr size_t kMaxHeldBytes = 8U << 20;
+
+class CServer : private CWatcher {
+ public:
+  // pfnHandler is called with event 100 for each whole request, and with the library's events that
+  // come while it is being answered.
+  explicit CServer(mg_event_handler_t pfnHandler);
+  CServer(const CServer&) = delete;
+  CServer& operator=(const CServer&) = delete;
+
+  // Listens for HTTP clients on pszAddress, as in "80" or "127.0.0.1:8080". Called once. Returns 0,
+  // or -1 when the address cannot be had; the manager then stays as it is.
+  int Bind(const char* pszAddress);
+
+  // Waits at most nWaitMs for something to happen, and does what there is to do: one request of
+  // each client that has sent one. Returns early, for the caller's own work, when a request took
+  // long. Returns whether memory ran out, upon which all clients were disconnected.
+  bool Poll(int nWaitMs);
+
+  // Closes everything. Not called by a destructor: a failed server is left as it is.
+  void Close();
+
+  size_t Connections() const { return m_nConnections; }
+
+  // The port that it listens on.
+  int Port() const;
+
+  // For its connections.
+  CEvents& Events() { return m_events; }
+  http_message& Message() { return m_message; }
+  uint64_t NowMs() const { return m_nNowMs; }
+  uint64_t NextUse() { return ++m_nUses; }
+  void Enqueue(CConnection& conn);
+  void Parting(CConnection& conn);
+
+ private:
+  // Clients whose turn comes, the first in front.
+  struct stQueue {
+    CConnection* pFirst = nullptr;
+    CConnection* pLast = nullptr;
+
+    void Append(CConnection& conn);
+    CConnection* Take();
+    void Remove(const CConnection& conn);
+    void Join(stQueue& other);
+  };
+
+  static void OnEvent(mg_connection* pConn, int nEvent, void* pData);
+  void Open(mg_connection& conn);
+  void Forget(CConnection& conn);
+
+  void Accepted(mg_connection& conn) override;
+  void CannotAccept() override;
+  void Readable(mg_connection& conn) override;
+  void Writable(mg_connection& conn) override;
+  void EndOfStream(mg_connection& conn) override;
+  void Broken(mg_connection& conn) override;
+
+  void Look();
+  void Settle(mg_connection& conn);
+  void ServeTurns();
+  int WaitMs(int nWaitMs) const;
+  void CloseLate();
+  void MakeRoom();
+  void LimitHeld();
+  void CloseAll();
+  bool CloseFirst();
+  template <class F>
+  void ForEach(F pfnCall);
+
+  mg_event_handler_t m_pfnHandler;
+  CEvents m_events{*this};
+  mg_mgr m_mgr{};
+  mg_connection* m_pListener = nullptr;
+  http_message m_message{};
+  int m_nPlaces = 0;
+  size_t m_nConnections = 0;
+  size_t m_nFiles = 0;  // that clients are being sent
+  size_t m_nHeld = 0;
+  uint64_t m_nNowMs = 0;
+  uint64_t m_nUses = 0;
+  stQueue m_turns;    // of the clients that have a request now
+  stQueue m_further;  // and of those that have had their turn in this round
+  bool m_bServing = false;
+  uint64_t m_nAcceptMs = 0;             // when to listen again; 0 while listening
+  std::vector<CConnection*> m_parting;  // in the order in which their time ends
+};
