@@ -1,5 +1,7 @@
 #include "CBB/Http/LibraryMemory.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -66,3 +68,19 @@ void NoteMemoryShortage() { g_bShort = true; }
 bool IsMemoryShort() { return g_bShort; }
 
 bool TakeMemoryShortage() { return g_bShort.exchange(false); }
+
+// Left alone, the C library keeps what was once freed: large blocks come from the heap of a thread
+// after the first of their size has gone, and stay there.
+void PrepareMemory() {
+#ifdef __GLIBC__
+  constexpr int kLargeBlock = 128 << 10;
+  mallopt(M_MMAP_THRESHOLD, kLargeBlock);
+  mallopt(M_ARENA_MAX, 1);
+#endif
+}
+
+void ReturnMemory() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}

@@ -25,4 +25,11 @@ void NoteMemoryShortage();
 /* Whether memory was short since the last TakeMemoryShortage, which forgets it. */
 bool IsMemoryShort();
 bool TakeMemoryShortage();
+
+/* Lets the C library give memory back as soon as it can. Called from main, before any thread
+   exists. */
+void PrepareMemory();
+
+/* Gives the memory that is free now back to the system. */
+void ReturnMemory();
 #endif

@@ -18,6 +18,7 @@ namespace {
 // Streams, listener, poll object, an exchange, a file about to be sent, the newest client.
 constexpr int kOtherDescriptors = 12;
 constexpr uint64_t kRoundMs = 2;          // of requests, before newcomers are looked for
+constexpr size_t kMuchHeld = 1U << 20;    // that is given back once it is free
 constexpr uint64_t kAcceptPauseMs = 100;  // when a client could not be accepted
 
 uint64_t ClockMs() {
@@ -218,9 +219,18 @@ void CServer::CloseLate() {
     conn.flags |= MG_F_CLOSE_IMMEDIATELY;
     LibraryClose(&conn);
   }
+  ReturnHeld();
   if (m_nAcceptMs == 0 || m_nNowMs < m_nAcceptMs) return;
   m_nAcceptMs = 0;
   m_events.Want(*m_pListener, true, false, true);
+}
+
+// What a crowd of clients has held goes back to the system when they have gone.
+void CServer::ReturnHeld() {
+  m_nMostHeld = std::max(m_nMostHeld, m_nHeld);
+  if (m_nMostHeld < kMuchHeld || m_nHeld > m_nMostHeld / 4) return;
+  ReturnMemory();
+  m_nMostHeld = m_nHeld;
 }
 
 void CServer::MakeRoom() {

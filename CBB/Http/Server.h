@@ -78,6 +78,7 @@ class CServer : private CWatcher {
   void ServeTurns();
   int WaitMs(int nWaitMs) const;
   void CloseLate();
+  void ReturnHeld();
   void MakeRoom();
   void LimitHeld();
   void CloseAll();
@@ -94,6 +95,7 @@ class CServer : private CWatcher {
   size_t m_nConnections = 0;
   size_t m_nFiles = 0;  // that clients are being sent
   size_t m_nHeld = 0;
+  size_t m_nMostHeld = 0;  // since memory was given back
   uint64_t m_nNowMs = 0;
   uint64_t m_nUses = 0;
   stQueue m_turns;    // of the clients that have a request now

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "CBB/Http/Descriptors.h"
+#include "CBB/Http/LibraryMemory.h"
 #include "CBB/Http/Server.h"
 #include "CBB/Util/Print.h"
 #include "CBB/Util/Thread.h"
@@ -33,6 +34,7 @@ int OwnFolder(char* pszFolder) {
 int main() {
   GuardStdStreams();
   RaiseDescriptorLimit(kWantedDescriptors);
+  PrepareMemory();
   PrepareThreadStop();
   CWebCtrl& webCtrl = CWebCtrl::Instance();
   webCtrl.Init("127.0.0.1", 6000);
