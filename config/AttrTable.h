@@ -87,10 +87,11 @@ enum class Suffix { kExactlyTwo, kAtLeastTwo };
 int ItemIndex(const char* pszName, Suffix rule);
 
 // Walks the item elements under the section's container child into pItems[0 .. nItems - 1].
-// Returns 0 (also without a container or items, and at the first item beyond the last: it and the
-// later ones stay unread); -1 at an item with a malformed name, keeping what was stored before it.
+// Returns 0 (also without a container or items); 1 at the first item beyond the last, which ends
+// the import: it and all behind it, later containers included, stay unread; -1 at an item with a
+// malformed name, keeping what was stored before it.
 template <class R, size_t N>
-int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
+int WalkItems(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
                 R* pItems, int nItems, Suffix rule) {
   if (!pSection) return -1;
   const TiXmlElement* pItem = pSection->FirstChildElement(pszContainer);
@@ -98,7 +99,7 @@ int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CA
        pItem = pItem->NextSiblingElement()) {
     const int nIndex = ItemIndex(pItem->Value(), rule);
     if (nIndex < 0) return -1;
-    if (nIndex >= nItems) return 0;
+    if (nIndex >= nItems) return 1;
     if (Walk(pItem, rows, pItems[nIndex]) < 0) return -1;
   }
   return 0;
@@ -106,7 +107,14 @@ int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CA
 
 // The same for an array of items whose names end in "_" and one digit.
 template <class R, size_t N, size_t M>
-int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
-                R (&items)[M]) {
-  return WalkIndexed(pSection, pszContainer, rows, items, static_cast<int>(M), Suffix::kExactlyTwo);
+int WalkItems(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
+              R (&items)[M]) {
+  return WalkItems(pSection, pszContainer, rows, items, static_cast<int>(M), Suffix::kExactlyTwo);
+}
+
+// A section's last container, with the arguments of WalkItems. Returns the import's result: 0, also
+// at an item beyond the last, or -1.
+template <class... Args>
+int WalkIndexed(Args&&... args) {
+  return WalkItems(args...) < 0 ? -1 : 0;
 }

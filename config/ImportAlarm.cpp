@@ -29,9 +29,9 @@ constexpr CAttr<stAlarmLinkageEntry> kAlarmLinkageEntry[] = {
 
 int CConfig_Task::Import_stAlarmLinkage(TiXmlElement* pElem, stConfig* pDst) {
   stAlarmLinkage& rec = Dest(pDst).stAlarmLinkageInfo;
-  if (WalkIndexed(pElem, "stAlarmLinkageItem", kAlarmLinkageEntry, rec.stAlarmLinkageItem) < 0) {
-    return -1;
-  }
+  const int nRet =
+      WalkItems(pElem, "stAlarmLinkageItem", kAlarmLinkageEntry, rec.stAlarmLinkageItem);
+  if (nRet != 0) return nRet < 0 ? -1 : 0;
   return WalkIndexed(pElem, "stAlarmOutIO", kAlarmIOItem, rec.stAlarmOutIO);
 }
 

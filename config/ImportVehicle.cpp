@@ -49,9 +49,9 @@ int CConfig_Task::Import_stPower(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kPower, Dest(pDst).stPowerInfo);
 }
 
-// Takes as many whole bytes as the block holds; a text with other characters leaves it.
+// Takes whole bytes; a text with other characters, or of more bytes than the block has, leaves it.
 static int StoreReserveData(stReserve& rec, const char* pszText) {
-  const size_t nDigits = strnlen(pszText, sizeof(rec.ucReserveData) * 2) & ~size_t{1};
+  const size_t nDigits = strlen(pszText) & ~size_t{1};
   int nLen = sizeof(rec.ucReserveData);
   HexStrToBytes(pszText, static_cast<int>(nDigits), rec.ucReserveData, nLen);
   return 0;
@@ -92,6 +92,7 @@ constexpr CAttr<stTPeriodItem> kTPeriodItem[] = {
 int CConfig_Task::Import_stIpc(TiXmlElement* pElem, stConfig* pDst) {
   stIpc& rec = Dest(pDst).stIpcInfo;
   if (Walk(pElem, kIpc, rec) < 0) return -1;
-  if (WalkIndexed(pElem, "stChnIpc", kIpcItem, rec.stChnIpc) < 0) return -1;
+  const int nRet = WalkItems(pElem, "stChnIpc", kIpcItem, rec.stChnIpc);
+  if (nRet != 0) return nRet < 0 ? -1 : 0;
   return WalkIndexed(pElem, "stFunTPeriod", kTPeriodItem, rec.stFunTPeriod);
 }
