@@ -24,5 +24,6 @@ int HexStrToUInt(const char* pszHex, int nCount, uint32_t& uiValue);
 // Converts nHexLen hexadecimal digits to bytes, two digits each; the missing last digit of an odd
 // length counts as 0. nOutLen gives the room in pOut and receives the number of bytes written.
 // Returns 0; -1 when the room is too small or a character is no hexadecimal digit, with nothing
-// written.
+// written. Deliberate: an odd length needs room for its last byte as well. Half the length rounded
+// down would let it pass and write one byte beyond the room.
 int HexStrToBytes(const char* pszHex, int nHexLen, uint8_t* pOut, int& nOutLen);
