@@ -8,12 +8,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "CBB/Util/OtherFun.h"
 #include "CBB/Util/TextCopy.h"
-
-int TextToInt(const char* pszText) {
-  return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
-}
 
 float TextToFloat(const char* pszText) {
   const double dValue = atof(pszText);

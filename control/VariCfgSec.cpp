@@ -2,12 +2,12 @@
 
 #include <cassert>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "CBB/Util/OtherFun.h"
 #include "CBB/Util/Print.h"
 #include "control/XmlText.h"
 
@@ -60,7 +60,7 @@ int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nR
   if (sock.RecvDataFromHost(pReply.get(), nReplyLen, nTimeoutSec)) return -1;
   char szResult[kResultSize] = "";
   if (GetParaAttr(pReply.get(), kResult, szResult, sizeof(szResult))) return -1;
-  nResult = atoi(szResult);
+  nResult = TextToInt(szResult);
   return 0;
 }
 

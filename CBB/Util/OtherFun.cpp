@@ -1,5 +1,6 @@
 #include "CBB/Util/OtherFun.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -58,6 +59,10 @@ int IsDecStr(const char* pszText) {
   while (*p)
     if (!IsDigit(*p++)) return 0;
   return 1;
+}
+
+int TextToInt(const char* pszText) {
+  return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
 }
 
 int HexStrToUInt(const char* pszHex, int nCount, uint32_t& uiValue) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <vector>
 
@@ -63,6 +64,30 @@ TEST(IsDecStr, PassesDigitsBehindAnOptionalMinus) {
   };
   for (const CTextCase& row : kCases)
     EXPECT_EQ(row.nExpected, IsDecStr(row.pszText)) << (row.pszText ? row.pszText : "null");
+}
+
+TEST(TextToInt, ReadsTheLeadingNumber) {
+  const CTextCase kCases[] = {{"0", 0},
+                              {"12", 12},
+                              {"-12", -12},
+                              {"+12", 12},
+                              {" \t\n12", 12},
+                              {"12abc", 12},
+                              {"abc", 0},
+                              {"", 0},
+                              {"--1", 0},
+                              {"0x10", 0},
+                              {"2147483647", INT_MAX},
+                              {"2147483648", INT_MIN},
+                              {"-2147483648", INT_MIN},
+                              {"-2147483649", INT_MAX},
+                              {"4294967295", -1},
+                              {"4294967297", 1},
+                              {"9223372036854775807", -1},
+                              {"9223372036854775808", -1},
+                              {"-9223372036854775809", 0}};
+  for (const CTextCase& row : kCases)
+    EXPECT_EQ(row.nExpected, TextToInt(row.pszText)) << row.pszText;
 }
 
 TEST(HexStrToUInt, ReadsExactlyTheGivenCountModulo2To32) {
