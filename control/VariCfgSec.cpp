@@ -34,6 +34,24 @@ int ActionCode(const char* pszAction) {
   return nCode;
 }
 
+// The check of a parsed message, with CheckMessage's results.
+int FindRoot(TiXmlDocument& doc, TiXmlElement*& pRoot) {
+  TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
+  if (!pFound) return -2;
+  // Deliberate: the lines name the classifier, whoever asks for the check.
+  const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
+  if (!pAttr) {
+    printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
+    return -1;
+  }
+  if (strcmp(pAttr->Name(), kAction) != 0) {
+    printf("CWebCtrl::GetParaCmdType, first attribute name is not Action.\n");
+    return -1;
+  }
+  pRoot = pFound;
+  return 0;
+}
+
 }  // namespace
 
 int GetParaInfoByCmd(const char* pszDevIp, uint16_t usDevPort, const char* pszRequest, char* pReply,
@@ -65,21 +83,7 @@ int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nR
 }
 
 int CheckMessage(const char* pszText, TiXmlDocument& doc, TiXmlElement*& pRoot) {
-  if (ParseXml(doc, pszText)) return -2;
-  TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
-  if (!pFound) return -2;
-  // Deliberate: the lines name the classifier, whoever asks for the check.
-  const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
-  if (!pAttr) {
-    printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
-    return -1;
-  }
-  if (strcmp(pAttr->Name(), kAction) != 0) {
-    printf("CWebCtrl::GetParaCmdType, first attribute name is not Action.\n");
-    return -1;
-  }
-  pRoot = pFound;
-  return 0;
+  return ParseXml(doc, pszText) ? -2 : FindRoot(doc, pRoot);
 }
 
 int CheckRoot(const char* pszText) {
@@ -87,7 +91,9 @@ int CheckRoot(const char* pszText) {
   TiXmlDocument doc;
   TiXmlElement* pRoot = nullptr;
   const int nRet = CheckMessage(strTag.c_str(), doc, pRoot);
-  return nRet == -2 ? CheckMessage(pszText, doc, pRoot) : nRet;
+  if (nRet != -2) return nRet;
+  if (ParseXml(doc, pszText)) ParseXml(doc, OutermostXml(pszText).c_str());
+  return FindRoot(doc, pRoot);
 }
 
 int GetParaSection(const char* pszReply, TiXmlDocument& doc, TiXmlElement*& pSection) {

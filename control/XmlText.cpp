@@ -15,14 +15,18 @@ constexpr size_t kPadding = 8;
 bool HasUtf8Mark(const char* pszText) { return !strncmp(pszText, "\xEF\xBB\xBF", 3); }
 
 // Measures nesting with the parser's own lexical functions, so that both see the same tags in
-// every encoding. Only elements are taken apart here, in a loop; the rest cannot nest.
+// every encoding. Only elements are taken apart here, in a loop; the rest cannot nest. Good for one
+// text.
 class CDepthProbe : private TiXmlDocument {
  public:
   // True when the parser would go deeper than kXmlDepthMax. Where the parser stops with an error,
   // the measuring may stop too.
   bool IsTooDeep(const char* pszText);
+  // The text without what is inside of its outermost elements.
+  std::string Outermost(const char* pszText);
 
  private:
+  const char* Begin(const char* pszText);
   const char* Step(const char* p);
   const char* OpenElement(const char* p);
   const char* CloseElement(const char* p);
@@ -33,15 +37,33 @@ class CDepthProbe : private TiXmlDocument {
   int m_nDeepest = 0;
 };
 
-bool CDepthProbe::IsTooDeep(const char* pszText) {
+const char* CDepthProbe::Begin(const char* pszText) {
   if (HasUtf8Mark(pszText)) m_encoding = TIXML_ENCODING_UTF8;
-  const char* p = SkipWhiteSpace(pszText, m_encoding);
+  return SkipWhiteSpace(pszText, m_encoding);
+}
+
+bool CDepthProbe::IsTooDeep(const char* pszText) {
+  const char* p = Begin(pszText);
   while (p && *p && m_nDeepest <= kXmlDepthMax) {
     p = Step(p);
     // Not in one call with the step, which may have learnt the encoding.
     p = SkipWhiteSpace(p, m_encoding);
   }
   return m_nDeepest > kXmlDepthMax;
+}
+
+std::string CDepthProbe::Outermost(const char* pszText) {
+  const char* p = Begin(pszText);
+  std::string strOutermost(pszText, p ? p : pszText);
+  while (p && *p) {
+    const bool bInside = m_nDepth > 0;
+    const char* const pNext = Step(p);
+    // Behind what the parser stops at, nothing matters.
+    if (!bInside) strOutermost.append(p, pNext ? pNext : p + strlen(p));
+    if (!bInside && m_nDepth > 0 && pNext) strOutermost.insert(strOutermost.size() - 1, "/");
+    p = SkipWhiteSpace(pNext, m_encoding);
+  }
+  return strOutermost;
 }
 
 // Steps over one tag, text or other node. Returns null where the parser stops.
@@ -151,6 +173,12 @@ int ParseXml(TiXmlDocument& doc, const char* pszText) {
   }
   doc.Parse(pCopy.get());
   return 0;
+}
+
+std::string OutermostXml(const char* pszText) {
+  const std::string strPadded = std::string(pszText).append(kPadding, '\0');
+  CDepthProbe probe;
+  return probe.Outermost(strPadded.c_str());
 }
 
 size_t RootTagLength(const char* pszText) {

@@ -227,4 +227,37 @@ TEST(ParseXml, JudgesRandomTextsAsTheParserBuildsThem) {
   EXPECT_GT(nErrorFree, 3000);
 }
 
+// What the parser makes of the outermost level: each node's kind and value, each tag's attributes.
+std::string Outside(const TiXmlDocument& doc) {
+  std::string strAll;
+  for (const TiXmlNode* p = doc.FirstChild(); p; p = p->NextSibling()) {
+    strAll += std::to_string(p->Type()) + p->Value();
+    if (!p->ToElement()) continue;
+    for (const TiXmlAttribute* pAttr = p->ToElement()->FirstAttribute(); pAttr;
+         pAttr = pAttr->Next())
+      strAll += std::string(" ") + pAttr->Name() + "=" + pAttr->Value();
+  }
+  return strAll;
+}
+
+// A mistake inside of an element stops the parser; what follows it is there without the inside.
+TEST(OutermostXml, KeepsWhatTheParserMakesOfTheOutermostLevel) {
+  int nInside = 0;
+  std::mt19937 random(5);
+  for (int i = 0; i < 15000; i++) {
+    const std::string strText = RandomText(random);
+    TiXmlDocument whole;
+    whole.Parse((strText + std::string(8, '\0')).c_str());
+    const std::string strOutermost = OutermostXml(strText.c_str());
+    TiXmlDocument outermost;
+    outermost.Parse((strOutermost + std::string(8, '\0')).c_str());
+    const std::string strSame = Outside(outermost).substr(0, Outside(whole).size());
+    ASSERT_EQ(Outside(whole), strSame) << strText << "\n" << strOutermost;
+    ASSERT_TRUE(whole.Error() || Outside(outermost) == strSame) << strText << "\n" << strOutermost;
+    ASSERT_LE(Depth(outermost), 1) << strText << "\n" << strOutermost;
+    nInside += Depth(whole) > 1;
+  }
+  EXPECT_GT(nInside, 3000);  // the texts are worth the name
+}
+
 }  // namespace
