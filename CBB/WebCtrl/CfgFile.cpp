@@ -99,10 +99,10 @@ void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
 
 int CWebCtrl::import_CfgFileFromNet(const char* pszXml) {
   TraceFun();
-  const stSetOutcome outcome =
-      Transact(pszXml, static_cast<int>(strlen(pszXml)), kImportTimeoutSec);
-  if (!outcome.Accepted()) TraceFun();
-  return Conclude(outcome);
+  CSetExchange exchange(*this);
+  const int nRet = exchange.SendText(pszXml, static_cast<int>(strlen(pszXml)), kImportTimeoutSec);
+  if (!exchange.IsAccepted()) TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::import_CfgFile(mg_connection* pConn, http_message* pMsg) {

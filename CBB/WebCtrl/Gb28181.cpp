@@ -119,14 +119,15 @@ int CWebCtrl::setGB28181InfoToNet(const stGB28181& rec) {
              rec.LensId(k + 2));
     strSubDevices += szItem;
   }
-  return Conclude(TransactSection(
+  CSetExchange exchange(*this);
+  return exchange.Send(
       SET("<stGB28181 ucFD_Enable=\"%d\" strFD_Manufacturer=\"%s\" strFD_ModelName=\"%s\""
           " strFD_ServerIp=\"%s\" usFD_ServerPort=\"%d\" strFD_ServerID=\"%s\""
           " strFD_DeviceId=\"%s\" usFD_DevicePort=\"%d\" strFD_DeviceUser=\"%s\""
           " strFD_DevicePass=\"%s\"><stGB28181SubID>%s</stGB28181SubID></stGB28181>"),
       rec.ucFD_Enable, rec.strFD_Manufacturer, rec.strFD_ModelName, rec.strFD_ServerIp,
       rec.usFD_ServerPort, rec.strFD_ServerID, rec.strFD_DeviceId, rec.usFD_DevicePort,
-      rec.strFD_DeviceUser, rec.strFD_DevicePass, strSubDevices.c_str()));
+      rec.strFD_DeviceUser, rec.strFD_DevicePass, strSubDevices.c_str());
 }
 
 void CWebCtrl::set_GB28181Info(mg_connection* pConn, http_message* pMsg) {

@@ -89,14 +89,16 @@ void CWebCtrl::get_UserSecurity(mg_connection* pConn, http_message* /*pMsg*/) {
 
 int CWebCtrl::setUserSecurityToNet(stUserSec rec, uint8_t ucUser) {
   TraceFun();
-  // Deliberate: only the first user's password can be changed; for others the message stays empty.
-  const stSetOutcome outcome =
-      ucUser == 0 ? TransactSection(SET("<stUserSec><stCustomUser><USER_0 strFD_UserPWD=\"%s\" />"
-                                        "</stCustomUser></stUserSec>"),
-                                    rec.stCustomUser[0].strFD_UserPWD)
-                  : Transact("", 0, kDeviceTimeoutSec);
-  Conclude(outcome);
-  if (outcome.Accepted()) return 0;
+  CSetExchange exchange(*this);
+  if (ucUser == 0) {
+    exchange.Send(SET("<stUserSec><stCustomUser><USER_0 strFD_UserPWD=\"%s\" />"
+                      "</stCustomUser></stUserSec>"),
+                  rec.stCustomUser[0].strFD_UserPWD);
+  } else {
+    // Deliberate: only the first user's password can be changed; for others the message is empty.
+    exchange.SendText("", 0, kDeviceTimeoutSec);
+  }
+  if (exchange.IsAccepted()) return 0;
   TraceFun();
   return -1;
 }

@@ -52,11 +52,10 @@ void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) 
 
 int CWebCtrl::setLockOfPasswordToNet(uint8_t ucErrorCount, uint32_t uiLockTime) {
   TraceFun();
-  const stSetOutcome outcome =
-      TransactSection(SET("<stLockOfPassword ucFD_ErrorCount=\"%d\" uiFD_LockTime=\"%d\" />"),
-                      ucErrorCount, static_cast<int>(uiLockTime));
-  Conclude(outcome);
-  if (outcome.Accepted()) return 0;
+  CSetExchange exchange(*this);
+  exchange.Send(SET("<stLockOfPassword ucFD_ErrorCount=\"%d\" uiFD_LockTime=\"%d\" />"),
+                ucErrorCount, static_cast<int>(uiLockTime));
+  if (exchange.IsAccepted()) return 0;
   TraceFun();
   return -1;
 }

@@ -93,7 +93,8 @@ void Answer(mg_connection* pConn, const http_message& msg, const CFormField<R> (
 }  // namespace
 
 int CWebCtrl::setLangInfoToNet(const char* pszLanguage) {
-  return Conclude(TransactSection(SET("<stDisplay strLanguage=\"%s\" />"), pszLanguage));
+  CSetExchange exchange(*this);
+  return exchange.Send(SET("<stDisplay strLanguage=\"%s\" />"), pszLanguage);
 }
 
 void CWebCtrl::set_LangInfo(mg_connection* pConn, http_message* pMsg) {
@@ -109,12 +110,13 @@ void CWebCtrl::set_LangInfo(mg_connection* pConn, http_message* pMsg) {
 
 int CWebCtrl::setBaseInfoToNet(stBaseInfo rec, const char* pszCurTime) {
   TraceFun();
-  const stSetOutcome outcome = TransactSection(
+  CSetExchange exchange(*this);
+  const int nRet = exchange.Send(
       SET("<stBaseInfo strFD_DeviceNo=\"%s\" ucFD_TimeZone=\"%d\" ucFD_GpsSTFlag=\"%d\""
           " strFD_CurTime=\"%s\" />"),
       rec.strFD_DeviceNo, rec.ucFD_TimeZone, rec.ucFD_GpsSTFlag, pszCurTime);
-  if (!outcome.Accepted()) TraceFun();
-  return Conclude(outcome);
+  if (!exchange.IsAccepted()) TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::set_BaseInfo(mg_connection* pConn, http_message* pMsg) {
@@ -128,10 +130,10 @@ void CWebCtrl::set_BaseInfo(mg_connection* pConn, http_message* pMsg) {
 
 int CWebCtrl::setDeviceNoToNet(stBaseInfo rec) {
   TraceFun();
-  const stSetOutcome outcome =
-      TransactSection(SET("<stBaseInfo strFD_DeviceNo=\"%s\"/>"), rec.strFD_DeviceNo);
-  if (!outcome.Accepted()) TraceFun();
-  return Conclude(outcome);
+  CSetExchange exchange(*this);
+  const int nRet = exchange.Send(SET("<stBaseInfo strFD_DeviceNo=\"%s\"/>"), rec.strFD_DeviceNo);
+  if (!exchange.IsAccepted()) TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::set_DeviceNo(mg_connection* pConn, http_message* pMsg) {
@@ -140,11 +142,12 @@ void CWebCtrl::set_DeviceNo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setMirrorInfoToNet(stVideoMirror rec) {
+  CSetExchange exchange(*this);
   const stVideoMirrorItem& item = rec.stVideoMirrorPara[0];
-  return Conclude(TransactSection(
+  return exchange.Send(
       SET("<stVideoMirror><stVideoMirrorPara><VChn_0 ucFD_LeftRight=\"%d\" ucFD_UpDown=\"%d\"/>"
           "</stVideoMirrorPara></stVideoMirror>"),
-      item.ucFD_LeftRight, item.ucFD_UpDown));
+      item.ucFD_LeftRight, item.ucFD_UpDown);
 }
 
 void CWebCtrl::set_MirrorInfo(mg_connection* pConn, http_message* pMsg) {
@@ -153,12 +156,13 @@ void CWebCtrl::set_MirrorInfo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setMainStreamInfoToNet(stMainStream rec) {
+  CSetExchange exchange(*this);
   constexpr int kChannel = 0;
   const stVideoItem& item = rec.stVideoPara[0];
-  return Conclude(TransactSection(
+  return exchange.Send(
       SET("<stMainStream StartChn=\"%d\"><stVideoPara><VChn_%d ucFD_FrameRate=\"%d\""
           " uiFD_BitRate=\"%d\" /></stVideoPara></stMainStream>"),
-      kChannel, kChannel, item.ucFD_FrameRate, static_cast<int>(item.uiFD_BitRate)));
+      kChannel, kChannel, item.ucFD_FrameRate, static_cast<int>(item.uiFD_BitRate));
 }
 
 void CWebCtrl::set_MainStreamInfo(mg_connection* pConn, http_message* pMsg) {
@@ -167,10 +171,11 @@ void CWebCtrl::set_MainStreamInfo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setSubStreamInfoToNet(stSubStream rec) {
+  CSetExchange exchange(*this);
   constexpr int kEncodeMode = 3;
-  return Conclude(TransactSection(
+  return exchange.Send(
       SET("<stSubStream ucFD_EncodeMode=\"%d\" ucFD_FrameRate=\"%d\" uiFD_BitRate=\"%d\" />"),
-      kEncodeMode, rec.ucFD_FrameRate, static_cast<int>(rec.uiFD_BitRate)));
+      kEncodeMode, rec.ucFD_FrameRate, static_cast<int>(rec.uiFD_BitRate));
 }
 
 void CWebCtrl::set_SubStreamInfo(mg_connection* pConn, http_message* pMsg) {
@@ -179,7 +184,8 @@ void CWebCtrl::set_SubStreamInfo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setNetWModeInfoToNet(stNetWorkMode rec) {
-  return Conclude(TransactSection(SET("<stNetWorkMode ucFD_NetType=\"%d\"/>"), rec.ucFD_NetType));
+  CSetExchange exchange(*this);
+  return exchange.Send(SET("<stNetWorkMode ucFD_NetType=\"%d\"/>"), rec.ucFD_NetType);
 }
 
 void CWebCtrl::set_NetWModeInfo(mg_connection* pConn, http_message* pMsg) {
@@ -188,14 +194,14 @@ void CWebCtrl::set_NetWModeInfo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setVCmsInfoToNet(stCMS rec) {
+  CSetExchange exchange(*this);
   if (rec.ucFD_AddressType != 0) {
-    return Conclude(TransactSection(
+    return exchange.Send(
         SET("<stCMS ucFD_AddressType=\"%d\" strFD_Domain=\"%s\" usFD_Port=\"%d\"/>"),
-        rec.ucFD_AddressType, rec.strFD_Domain, rec.usFD_Port));
+        rec.ucFD_AddressType, rec.strFD_Domain, rec.usFD_Port);
   }
-  return Conclude(
-      TransactSection(SET("<stCMS ucFD_AddressType=\"%d\" uiFD_IP=\"%s\" usFD_Port=\"%d\"/>"),
-                      rec.ucFD_AddressType, AddressText(rec.uiFD_IP).c_str(), rec.usFD_Port));
+  return exchange.Send(SET("<stCMS ucFD_AddressType=\"%d\" uiFD_IP=\"%s\" usFD_Port=\"%d\"/>"),
+                       rec.ucFD_AddressType, AddressText(rec.uiFD_IP).c_str(), rec.usFD_Port);
 }
 
 void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
@@ -213,11 +219,11 @@ void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setGNetInfoToNet(stMobileGNet rec) {
-  return Conclude(
-      TransactSection(SET("<stMobileGNet ucFD_NetType=\"%d\" strFD_Apn=\"%s\" strFD_PhoneNo=\"%s\""
-                          " strFD_UserName=\"%s\" strFD_UserPasswd=\"%s\"/>"),
-                      rec.ucFD_NetType, rec.strFD_Apn, rec.strFD_PhoneNo, rec.strFD_UserName,
-                      rec.strFD_UserPasswd));
+  CSetExchange exchange(*this);
+  return exchange.Send(SET("<stMobileGNet ucFD_NetType=\"%d\" strFD_Apn=\"%s\" strFD_PhoneNo=\"%s\""
+                           " strFD_UserName=\"%s\" strFD_UserPasswd=\"%s\"/>"),
+                       rec.ucFD_NetType, rec.strFD_Apn, rec.strFD_PhoneNo, rec.strFD_UserName,
+                       rec.strFD_UserPasswd);
 }
 
 void CWebCtrl::set_GNetInfo(mg_connection* pConn, http_message* pMsg) {
@@ -226,11 +232,12 @@ void CWebCtrl::set_GNetInfo(mg_connection* pConn, http_message* pMsg) {
 }
 
 int CWebCtrl::setLocalNetInfoToNet(stLocalEth0 rec) {
-  return Conclude(
-      TransactSection(SET("<stLocalEth0 uiFD_LocalIp=\"%s\" uiFD_NetMask=\"%s\" uiFD_GateWay=\"%s\""
-                          " strFD_Mac=\"%s\"/>"),
-                      AddressText(rec.uiFD_LocalIp).c_str(), AddressText(rec.uiFD_NetMask).c_str(),
-                      AddressText(rec.uiFD_GateWay).c_str(), rec.strFD_Mac));
+  CSetExchange exchange(*this);
+  return exchange.Send(
+      SET("<stLocalEth0 uiFD_LocalIp=\"%s\" uiFD_NetMask=\"%s\" uiFD_GateWay=\"%s\""
+          " strFD_Mac=\"%s\"/>"),
+      AddressText(rec.uiFD_LocalIp).c_str(), AddressText(rec.uiFD_NetMask).c_str(),
+      AddressText(rec.uiFD_GateWay).c_str(), rec.strFD_Mac);
 }
 
 void CWebCtrl::set_LocalNetInfo(mg_connection* pConn, http_message* pMsg) {

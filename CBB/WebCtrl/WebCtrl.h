@@ -24,13 +24,6 @@ struct stLogin {
   char strFD_AdminPasswd[8];
 };
 
-// What a set transaction brought: nRet 0 says only that a reply with a Result came back.
-struct stSetOutcome {
-  int nRet;
-  int nResult;
-  bool Accepted() const { return nRet == 0 && nResult == 0; }
-};
-
 class CWebCtrl {
  public:
   CWebCtrl() = default;
@@ -60,6 +53,8 @@ class CWebCtrl {
   void SetDevice(const char* pszDeviceIp, int nDevicePort);
 
   bool IsStarted() const { return m_ucStarted != 0; }
+  const char* DeviceIp() const { return m_szDeviceIp; }
+  uint16_t DevicePort() const { return m_usDevicePort; }
   const char* WebRoot() const { return m_szWebRoot; }
   CSessions& Sessions() { return m_sessions; }
 
@@ -133,12 +128,6 @@ class CWebCtrl {
   int GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapacity);
   template <class R>
   int Query(const CQuery<R>& query, R& rec);
-
-  // The set transaction; TransactSection formats the message first. Conclude restarts the service
-  // after an accepted set and gives the sender's result.
-  stSetOutcome Transact(const char* pszMsg, int nLen, int nTimeoutSec);
-  stSetOutcome TransactSection(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
-  int Conclude(const stSetOutcome& outcome);
 
   stThread* m_pThread = nullptr;
   std::atomic<uint8_t> m_ucStarted{0};  // a restart's second thread clears it, too

@@ -63,23 +63,20 @@ void CWebCtrl::get_WifiInfo(mg_connection* pConn, http_message* /*pMsg*/) {
 }
 
 int CWebCtrl::setWifiInfoToNet(stWifi rec) {
+  CSetExchange exchange(*this);
   if (rec.ucFD_WorkMode != kAccessPoint) {
-    return Conclude(
-        TransactSection(SET("<stWifi ucFD_WorkMode=\"%d\" strFD_SSID=\"%s\" strFD_Passwd=\"%s\""
-                            " ucFD_AuthMode=\"%d\" ucFD_CryptType=\"%d\"/>"),
-                        rec.ucFD_WorkMode, rec.strFD_SSID, rec.strFD_Passwd, rec.ucFD_AuthMode,
-                        rec.ucFD_CryptType));
+    return exchange.Send(SET("<stWifi ucFD_WorkMode=\"%d\" strFD_SSID=\"%s\" strFD_Passwd=\"%s\""
+                             " ucFD_AuthMode=\"%d\" ucFD_CryptType=\"%d\"/>"),
+                         rec.ucFD_WorkMode, rec.strFD_SSID, rec.strFD_Passwd, rec.ucFD_AuthMode,
+                         rec.ucFD_CryptType);
   }
-  stSetOutcome outcome = TransactSection(SET("<stWifi ucFD_WorkMode=\"%d\"/>"), rec.ucFD_WorkMode);
+  const int nRet = exchange.Send(SET("<stWifi ucFD_WorkMode=\"%d\"/>"), rec.ucFD_WorkMode);
   // Deliberate: the access point's values go only to a device that did not accept the mode.
-  if (!outcome.Accepted()) {
-    outcome =
-        TransactSection(SET("<stWifiAp strFD_SSID=\"%s\" strFD_Passwd=\"%s\" ucFD_AuthMode=\"%d\""
-                            " ucFD_CryptType=\"%d\" ucFD_DhcpEnableFlag=\"%d\"/>"),
-                        rec.strFD_SSID, rec.strFD_Passwd, rec.ucFD_AuthMode, rec.ucFD_CryptType,
-                        rec.ucFD_DhcpEnableFlag);
-  }
-  return Conclude(outcome);
+  if (exchange.IsAccepted()) return nRet;
+  return exchange.Send(SET("<stWifiAp strFD_SSID=\"%s\" strFD_Passwd=\"%s\" ucFD_AuthMode=\"%d\""
+                           " ucFD_CryptType=\"%d\" ucFD_DhcpEnableFlag=\"%d\"/>"),
+                       rec.strFD_SSID, rec.strFD_Passwd, rec.ucFD_AuthMode, rec.ucFD_CryptType,
+                       rec.ucFD_DhcpEnableFlag);
 }
 
 void CWebCtrl::set_WifiInfo(mg_connection* pConn, http_message* pMsg) {
