@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 #include "config/Config_Task.h"
 #include "control/VariCfgSec.h"
@@ -72,4 +73,12 @@ int CWebCtrl::Query(const CQuery<R>& query, R& rec) {
   TiXmlElement* pSection = nullptr;
   if (GetParaSection(szText, doc, pSection) != 0) return -1;
   return query.pfnImport(pSection, rec);
+}
+
+template <class R>
+int CWebCtrl::Ask(const CQuery<R>& query, R& rec, const char* pszFun) {
+  TraceFun(pszFun);
+  const int nRet = Query(query, rec);
+  TraceFun(pszFun);
+  return nRet;
 }

@@ -52,7 +52,7 @@ int CWebCtrl::getLoginFromNet(stUserSec& rec) {
 }
 
 void CWebCtrl::cmp_UserSecurity(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   char szSessionId[64] = {};
   if (IsFromLoginPage(*pMsg)) {
     // Deliberate: a wrong password creates a session, too; only the result tells.
@@ -73,10 +73,11 @@ void CWebCtrl::cmp_UserSecurity(mg_connection* pConn, http_message* pMsg) {
   CJsonReply reply(pConn);
   reply.Add("jsession", szSessionId);
   reply.Result(bEqual);
+  TraceFun();
 }
 
 void CWebCtrl::get_UserSecurity(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stUserSec stUserSecurity{};
   const int nRet = getUserSecurityFromNet(stUserSecurity);
   CJsonReply reply(pConn);
@@ -85,6 +86,7 @@ void CWebCtrl::get_UserSecurity(mg_connection* pConn, http_message* /*pMsg*/) {
   reply.Result(nRet == 0);
   printf("stUserSecurity.stCustomUser[0].strFD_UserPWD = %s\n",
          stUserSecurity.stCustomUser[0].strFD_UserPWD);
+  TraceFun();
 }
 
 int CWebCtrl::setUserSecurityToNet(stUserSec rec, uint8_t ucUser) {
@@ -104,7 +106,7 @@ int CWebCtrl::setUserSecurityToNet(stUserSec rec, uint8_t ucUser) {
 }
 
 void CWebCtrl::set_UserSecurity(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   CFormReader<> userForm(*pMsg);
   const char* pszUser = userForm.Get("strUserName", Presence::kNonEmpty);
   const uint8_t ucUser = pszUser != nullptr ? static_cast<uint8_t>(TextToInt(pszUser)) : kNoUser;
@@ -113,10 +115,11 @@ void CWebCtrl::set_UserSecurity(mg_connection* pConn, http_message* pMsg) {
   stUserSec rec{};
   if (ucUser == 0) Store<&stUserItem::strFD_UserPWD>(rec.stCustomUser[0], pszPasswd);
   ReplyResult(pConn, setUserSecurityToNet(rec, ucUser) == 0);
+  TraceFun();
 }
 
 void CWebCtrl::get_Login(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stUserSec stUserSecurity{};
   const int nRet = getLoginFromNet(stUserSecurity);
   CJsonReply reply(pConn);
@@ -128,10 +131,11 @@ void CWebCtrl::get_Login(mg_connection* pConn, http_message* /*pMsg*/) {
   Store<&stLogin::strFD_NormalPasswd>(m_stLogin, stUserSecurity.strFD_NormalPasswd);
   printf("===========m_stLogin.strFD_NormalPasswd================%s\n",
          m_stLogin.strFD_NormalPasswd);
+  TraceFun();
 }
 
 void CWebCtrl::set_Login(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   // Deliberate: the client gets the whole reply of get_Login first, then a second one.
   get_Login(pConn, pMsg);
   CFormReader<> form(*pMsg);
@@ -147,4 +151,5 @@ void CWebCtrl::set_Login(mg_connection* pConn, http_message* pMsg) {
   }
   printf("''''''''''''''''''''''''''''ret=='%d\n", nRet);
   ReplyResult(pConn, nRet == 0);
+  TraceFun();
 }

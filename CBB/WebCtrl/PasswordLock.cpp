@@ -33,13 +33,10 @@ stLockState EvaluateLock(const stLockOfPassword& rec, uint32_t uiNow) {
   return {0, rec.uiFD_LockTime, true};
 }
 
-int CWebCtrl::getLockOfPasswordFromNet(stLockOfPassword& rec) {
-  const CFunTrace trace;
-  return Query(kQuery, rec);
-}
+int CWebCtrl::getLockOfPasswordFromNet(stLockOfPassword& rec) { return Ask(kQuery, rec); }
 
 void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stLockOfPassword rec{};
   const int nRet = getLockOfPasswordFromNet(rec);
   const stLockState state = EvaluateLock(rec, static_cast<uint32_t>(time(nullptr)));
@@ -48,6 +45,7 @@ void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) 
   reply.Add("ucFD_ErrorCount", state.nErrorCount);
   reply.Piece({", \"time\": \"", std::to_string(static_cast<int>(state.uiTime)), "\" "});
   reply.Result(nRet == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setLockOfPasswordToNet(uint8_t ucErrorCount, uint32_t uiLockTime) {
@@ -61,8 +59,9 @@ int CWebCtrl::setLockOfPasswordToNet(uint8_t ucErrorCount, uint32_t uiLockTime) 
 }
 
 void CWebCtrl::set_LockOfPassword(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stLockOfPassword rec{};
   ReadForm<256>(*pMsg, kForm, rec);
   ReplyResult(pConn, setLockOfPasswordToNet(rec.ucFD_ErrorCount, rec.uiFD_LockTime) == 0);
+  TraceFun();
 }

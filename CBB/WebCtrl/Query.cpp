@@ -95,117 +95,82 @@ void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& r
 constexpr CJsonField<stVersion> kVersionJson[] = {{"strFD_AppVersion", Emit<&stVersion::strAppVer>},
                                                   {"strFD_KnlVersion", EmitKernelVersion}};
 
-// A whole query endpoint: a failed query still answers, with zero and empty values.
+// A whole query endpoint, traced in the name of its handler: a failed query still answers, with
+// zero and empty values.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, CWebCtrl& self, int (CWebCtrl::*pfnQuery)(R& rec),
-            const CJsonField<R> (&rows)[N]) {
+            const CJsonField<R> (&rows)[N], const char* pszHandler = __builtin_FUNCTION()) {
+  TraceFun(pszHandler);
   R rec{};
   const int nRet = (self.*pfnQuery)(rec);
   ReplyFields(pConn, rows, rec, nRet == 0);
+  TraceFun(pszHandler);
 }
 
 }  // namespace
 
-int CWebCtrl::getLangInfoFromNet(stDisplay& rec) {
-  const CFunTrace trace;
-  return Query(kLangQuery, rec);
-}
+int CWebCtrl::getLangInfoFromNet(stDisplay& rec) { return Ask(kLangQuery, rec); }
 
 void CWebCtrl::get_LangInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getLangInfoFromNet, kLangJson);
 }
 
-int CWebCtrl::getBaseInfoFromNet(stBaseInfo& rec) {
-  const CFunTrace trace;
-  return Query(kBaseQuery, rec);
-}
+int CWebCtrl::getBaseInfoFromNet(stBaseInfo& rec) { return Ask(kBaseQuery, rec); }
 
 void CWebCtrl::get_BaseInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   const tm now = LocalNow();
   stBaseInfo rec{};
   const int nRet = getBaseInfoFromNet(rec);
   strftime(rec.strFD_CurTime, sizeof(rec.strFD_CurTime), "%Y-%m-%d %H:%M:%S", &now);
   ReplyFields(pConn, kBaseJson, rec, nRet == 0);
+  TraceFun();
 }
 
-int CWebCtrl::getMirrorInfoFromNet(stVideoMirror& rec) {
-  const CFunTrace trace;
-  return Query(kMirrorQuery, rec);
-}
+int CWebCtrl::getMirrorInfoFromNet(stVideoMirror& rec) { return Ask(kMirrorQuery, rec); }
 
 void CWebCtrl::get_MirrorInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getMirrorInfoFromNet, kMirrorJson);
 }
 
-int CWebCtrl::getMainStreamInfoFromNet(stMainStream& rec) {
-  const CFunTrace trace;
-  return Query(kMainStreamQuery, rec);
-}
+int CWebCtrl::getMainStreamInfoFromNet(stMainStream& rec) { return Ask(kMainStreamQuery, rec); }
 
 void CWebCtrl::get_MainStreamInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getMainStreamInfoFromNet, kMainStreamJson);
 }
 
-int CWebCtrl::getSubStreamInfoFromNet(stSubStream& rec) {
-  const CFunTrace trace;
-  return Query(kSubStreamQuery, rec);
-}
+int CWebCtrl::getSubStreamInfoFromNet(stSubStream& rec) { return Ask(kSubStreamQuery, rec); }
 
 void CWebCtrl::get_SubStreamInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getSubStreamInfoFromNet, kSubStreamJson);
 }
 
-int CWebCtrl::getNetWModeInfoFromNet(stNetWorkMode& rec) {
-  const CFunTrace trace;
-  return Query(kNetWModeQuery, rec);
-}
+int CWebCtrl::getNetWModeInfoFromNet(stNetWorkMode& rec) { return Ask(kNetWModeQuery, rec); }
 
 void CWebCtrl::get_NetWModeInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getNetWModeInfoFromNet, kNetWModeJson);
 }
 
-int CWebCtrl::getVCmsInfoFromNet(stCMS& rec) {
-  const CFunTrace trace;
-  return Query(kVCmsQuery, rec);
-}
+int CWebCtrl::getVCmsInfoFromNet(stCMS& rec) { return Ask(kVCmsQuery, rec); }
 
 void CWebCtrl::get_VCmsInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getVCmsInfoFromNet, kVCmsJson);
 }
 
-int CWebCtrl::getGNetInfoFromNet(stMobileGNet& rec) {
-  const CFunTrace trace;
-  return Query(kGNetQuery, rec);
-}
+int CWebCtrl::getGNetInfoFromNet(stMobileGNet& rec) { return Ask(kGNetQuery, rec); }
 
 void CWebCtrl::get_GNetInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getGNetInfoFromNet, kGNetJson);
 }
 
-int CWebCtrl::getLocalNetInfoFromNet(stLocalEth0& rec) {
-  const CFunTrace trace;
-  return Query(kLocalNetQuery, rec);
-}
+int CWebCtrl::getLocalNetInfoFromNet(stLocalEth0& rec) { return Ask(kLocalNetQuery, rec); }
 
 void CWebCtrl::get_LocalNetInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getLocalNetInfoFromNet, kLocalNetJson);
 }
 
-int CWebCtrl::getVersionInfoFromNet(stVersion& rec) {
-  const CFunTrace trace;
-  return Query(kVersionQuery, rec);
-}
+int CWebCtrl::getVersionInfoFromNet(stVersion& rec) { return Ask(kVersionQuery, rec); }
 
 void CWebCtrl::get_VersionInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getVersionInfoFromNet, kVersionJson);
 }

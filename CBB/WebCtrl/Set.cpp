@@ -84,10 +84,13 @@ constexpr CFormField<stLocalEth0> kLocalNetForm[] = {
 // A whole set endpoint: what the form leaves out is sent as empty text or 0.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, const http_message& msg, const CFormField<R> (&rows)[N],
-            CWebCtrl& self, int (CWebCtrl::*pfnSet)(R rec)) {
+            CWebCtrl& self, int (CWebCtrl::*pfnSet)(R rec),
+            const char* pszHandler = __builtin_FUNCTION()) {
+  TraceFun(pszHandler);
   R rec{};
   ReadForm(msg, rows, rec);
   ReplyResult(pConn, (self.*pfnSet)(rec) == 0);
+  TraceFun(pszHandler);
 }
 
 }  // namespace
@@ -98,7 +101,7 @@ int CWebCtrl::setLangInfoToNet(const char* pszLanguage) {
 }
 
 void CWebCtrl::set_LangInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   CFormReader<> form(*pMsg);
   int nRet = 0;  // Deliberate: a missing language counts as success.
   if (const char* pszText = form.Get("strLanguage", Presence::kLengthAbove0)) {
@@ -106,6 +109,7 @@ void CWebCtrl::set_LangInfo(mg_connection* pConn, http_message* pMsg) {
     nRet = setLangInfoToNet(strcmp(pszText, "CN") == 0 ? "CN" : "US");
   }
   ReplyResult(pConn, nRet == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setBaseInfoToNet(stBaseInfo rec, const char* pszCurTime) {
@@ -120,12 +124,13 @@ int CWebCtrl::setBaseInfoToNet(stBaseInfo rec, const char* pszCurTime) {
 }
 
 void CWebCtrl::set_BaseInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stBaseInfo rec{};
   ReadForm(*pMsg, kBaseForm, rec);
   CFormReader<> form(*pMsg);
   const char* pszCurTime = form.Get("strFD_CurTime", Presence::kAlways);
   ReplyResult(pConn, setBaseInfoToNet(rec, pszCurTime) == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setDeviceNoToNet(stBaseInfo rec) {
@@ -137,7 +142,6 @@ int CWebCtrl::setDeviceNoToNet(stBaseInfo rec) {
 }
 
 void CWebCtrl::set_DeviceNo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kDeviceNoForm, *this, &CWebCtrl::setDeviceNoToNet);
 }
 
@@ -151,7 +155,6 @@ int CWebCtrl::setMirrorInfoToNet(stVideoMirror rec) {
 }
 
 void CWebCtrl::set_MirrorInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kMirrorForm, *this, &CWebCtrl::setMirrorInfoToNet);
 }
 
@@ -166,7 +169,6 @@ int CWebCtrl::setMainStreamInfoToNet(stMainStream rec) {
 }
 
 void CWebCtrl::set_MainStreamInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kMainStreamForm, *this, &CWebCtrl::setMainStreamInfoToNet);
 }
 
@@ -179,7 +181,6 @@ int CWebCtrl::setSubStreamInfoToNet(stSubStream rec) {
 }
 
 void CWebCtrl::set_SubStreamInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kSubStreamForm, *this, &CWebCtrl::setSubStreamInfoToNet);
 }
 
@@ -189,7 +190,6 @@ int CWebCtrl::setNetWModeInfoToNet(stNetWorkMode rec) {
 }
 
 void CWebCtrl::set_NetWModeInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kNetWModeForm, *this, &CWebCtrl::setNetWModeInfoToNet);
 }
 
@@ -205,7 +205,7 @@ int CWebCtrl::setVCmsInfoToNet(stCMS rec) {
 }
 
 void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stCMS rec{};
   ReadForm(*pMsg, kVCmsForm, rec);
   CFormReader<> form(*pMsg);
@@ -216,6 +216,7 @@ void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
     StoreShownAddress<&stCMS::uiFD_IP>(rec, pszAddress);
   }
   ReplyResult(pConn, setVCmsInfoToNet(rec) == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setGNetInfoToNet(stMobileGNet rec) {
@@ -227,7 +228,6 @@ int CWebCtrl::setGNetInfoToNet(stMobileGNet rec) {
 }
 
 void CWebCtrl::set_GNetInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kGNetForm, *this, &CWebCtrl::setGNetInfoToNet);
 }
 
@@ -241,6 +241,5 @@ int CWebCtrl::setLocalNetInfoToNet(stLocalEth0 rec) {
 }
 
 void CWebCtrl::set_LocalNetInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kLocalNetForm, *this, &CWebCtrl::setLocalNetInfoToNet);
 }

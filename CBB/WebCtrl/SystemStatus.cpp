@@ -84,13 +84,10 @@ constexpr CStatusPiece kPieces[] = {
 
 }  // namespace
 
-int CWebCtrl::getSystemInfoFromNet(stSystemInfo& rec) {
-  const CFunTrace trace;
-  return Query(kQuery, rec);
-}
+int CWebCtrl::getSystemInfoFromNet(stSystemInfo& rec) { return Ask(kQuery, rec); }
 
 void CWebCtrl::get_SystemInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stSystemInfo rec{};
   const int nRet = getSystemInfoFromNet(rec);
   CJsonReply reply(pConn);
@@ -101,4 +98,5 @@ void CWebCtrl::get_SystemInfo(mg_connection* pConn, http_message* /*pMsg*/) {
   }
   reply.Piece({"\"result\": ", nRet == 0 ? "1" : "0", " }"});
   reply.End();
+  TraceFun();
 }

@@ -128,6 +128,9 @@ class CWebCtrl {
   int GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapacity);
   template <class R>
   int Query(const CQuery<R>& query, R& rec);
+  // The same between two traces in the name of the calling function.
+  template <class R>
+  int Ask(const CQuery<R>& query, R& rec, const char* pszFun = __builtin_FUNCTION());
 
   stThread* m_pThread = nullptr;
   std::atomic<uint8_t> m_ucStarted{0};  // a restart's second thread clears it, too

@@ -37,29 +37,35 @@ constexpr CFormField<stWifi> kForm[] = {
     {"ucFD_CryptType", Presence::kNonEmpty, Store<&stWifi::ucFD_CryptType>},
     {"ucFD_DhcpEnableFlag", Presence::kNonEmpty, Store<&stWifi::ucFD_DhcpEnableFlag>}};
 
-}  // namespace
-
-int CWebCtrl::getWifiInfoFromNet(stWifi& rec) {
-  const CFunTrace trace;
-  const int nStation = Query(kStationQuery, rec);
-  if (nStation != 0 || rec.ucFD_WorkMode != kAccessPoint) return nStation;
-
-  stWifiAp ap{};
-  const int nRet = Query(kAccessPointQuery, ap);
-  if (nRet != 0) return nRet;
+// An access point's own values stand in the place of the station's.
+void ShowAccessPoint(const stWifiAp& ap, stWifi& rec) {
   memcpy(rec.strFD_SSID, ap.strFD_SSID, sizeof(rec.strFD_SSID));
   memcpy(rec.strFD_Passwd, ap.strFD_Passwd, sizeof(rec.strFD_Passwd));
   rec.ucFD_AuthMode = ap.ucFD_AuthMode;
   rec.ucFD_CryptType = ap.ucFD_CryptType;
   rec.ucFD_DhcpEnableFlag = ap.ucFD_DhcpEnableFlag;
-  return 0;
+}
+
+}  // namespace
+
+int CWebCtrl::getWifiInfoFromNet(stWifi& rec) {
+  TraceFun();
+  int nRet = Query(kStationQuery, rec);
+  if (nRet == 0 && rec.ucFD_WorkMode == kAccessPoint) {
+    stWifiAp ap{};
+    nRet = Query(kAccessPointQuery, ap);
+    if (nRet == 0) ShowAccessPoint(ap, rec);
+  }
+  TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::get_WifiInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stWifi rec{};
   const int nRet = getWifiInfoFromNet(rec);
   ReplyFields(pConn, kJson, rec, nRet == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setWifiInfoToNet(stWifi rec) {
@@ -80,8 +86,9 @@ int CWebCtrl::setWifiInfoToNet(stWifi rec) {
 }
 
 void CWebCtrl::set_WifiInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stWifi rec{};
   ReadForm(*pMsg, kForm, rec);
   ReplyResult(pConn, setWifiInfoToNet(rec) == 0);
+  TraceFun();
 }

@@ -6,7 +6,10 @@
 
 #include <cstdio>
 #include <fstream>
+#include <set>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "CBB/WebCtrl/HttpLoop.h"
 #include "CBB/WebCtrl/WebCtrl.h"
@@ -95,6 +98,36 @@ TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
       EXPECT_THAT(TakeReply(outcome.strSent).Body(),
                   testing::ContainsRegex("\"result\": [0-9]+ }$"))
           << strName;
+    }
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+// The plain traces of what was printed, but for those whose line numbers are fixed.
+std::vector<std::string> TraceLines(const std::string& strPrinted) {
+  std::vector<std::string> lines;
+  std::istringstream text(strPrinted);
+  for (std::string strLine; std::getline(text, strLine);) {
+    const bool bFixed = strLine.rfind("FUN:GetParaInfoByCmd", 0) == 0;
+    if (strLine.rfind("FUN:", 0) == 0 && !bFixed) lines.push_back(strLine);
+  }
+  return lines;
+}
+
+TEST(DoHttpRequeset, TracesEveryEntryAndExitWithALineOfItsOwn) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    for (const char* pszReply : {R"(<VariCfgSec Action="" Result="1"><s/>)", "no reply of ours"}) {
+      CDevice device([&](const std::string&) { return pszReply; });
+      CWebCtrl webCtrl;
+      webCtrl.SetDevice("127.0.0.1", device.Port());
+      for (const std::string strName : kNames) {
+        const auto lines = TraceLines(
+            Route(webCtrl, Post("/" + strName, "strLanguage=CN&strFD_CfgPara=<VariCfgSec/>"))
+                .strPrinted);
+        EXPECT_GE(lines.size(), strName == "get_cpu_usage" ? 0U : 2U) << strName;
+        const std::set<std::string> distinct(lines.begin(), lines.end());
+        EXPECT_EQ(lines.size(), distinct.size()) << testing::PrintToString(lines);
+      }
     }
   });
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
