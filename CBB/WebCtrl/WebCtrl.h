@@ -3,7 +3,7 @@
 //
 // Threads: the first thread calls Init and Start and then sleeps; everything else - handlers,
 // sessions, device exchanges - runs on the HTTP server thread, one request at a time, unlocked.
-// Each handler get_X, set_X answers the URI of its name; Router.cpp lists them.
+// Each handler get_X, set_X answers the URI of its name; Routes.h lists them.
 #pragma once
 
 #include <mongoose.h>

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "CBB/WebCtrl/HttpLoop.h"
+#include "CBB/WebCtrl/Routes.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 #include "tests/unit/WebCtrl/Device.h"
 #include "tests/unit/WebCtrl/HttpConn.h"
@@ -27,18 +28,6 @@ using testing::StartsWith;
 constexpr char kNeedsNetSpace[] = "no private network namespace";
 constexpr char kStart[] = "--------------------------DoHttpRequeset, start.\n";
 constexpr char kFile[] = "------------others-------mg_serve_http.\n";
-
-constexpr const char* kNames[] = {
-    "get_LangInfo",       "set_LangInfo",       "get_BaseInfo",      "set_BaseInfo",
-    "get_UserSecurity",   "set_UserSecurity",   "cmp_UserSecurity",  "get_LockOfPassword",
-    "set_LockOfPassword", "set_DeviceNo",       "get_MirrorInfo",    "set_MirrorInfo",
-    "get_MainStreamInfo", "set_MainStreamInfo", "get_SubStreamInfo", "set_SubStreamInfo",
-    "get_NetWModeInfo",   "set_NetWModeInfo",   "get_VCmsInfo",      "set_VCmsInfo",
-    "get_WifiInfo",       "set_WifiInfo",       "get_GNetInfo",      "set_GNetInfo",
-    "get_GB28181Info",    "set_GB28181Info",    "get_cpu_usage",     "get_VersionInfo",
-    "get_SystemInfo",     "set_Login",          "get_Login",         "get_LocalNetInfo",
-    "set_LocalNetInfo",   "export_CfgFile",     "import_CfgFile"};
-static_assert(sizeof(kNames) / sizeof(kNames[0]) == 35);
 
 // What one request prints and sends.
 struct stOutcome {
@@ -90,7 +79,8 @@ TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
     CDevice device([](const std::string&) { return R"(<VariCfgSec Action="" Result="1"><s/>)"; });
     CWebCtrl webCtrl;
     webCtrl.SetDevice("127.0.0.1", device.Port());
-    for (const std::string strName : kNames) {
+    for (const stRoute& route : kRoutes) {
+      const std::string strName(route.Name());
       const stOutcome outcome = Route(
           webCtrl, Post("/" + strName + "?time=1", "strLanguage=CN&strFD_CfgPara=<VariCfgSec/>"));
       EXPECT_THAT(outcome.strPrinted, StartsWith(kStart + EntryLine(strName)));
@@ -120,7 +110,8 @@ TEST(DoHttpRequeset, TracesEveryEntryAndExitWithALineOfItsOwn) {
       CDevice device([&](const std::string&) { return pszReply; });
       CWebCtrl webCtrl;
       webCtrl.SetDevice("127.0.0.1", device.Port());
-      for (const std::string strName : kNames) {
+      for (const stRoute& route : kRoutes) {
+        const std::string strName(route.Name());
         const auto lines = TraceLines(
             Route(webCtrl, Post("/" + strName, "strLanguage=CN&strFD_CfgPara=<VariCfgSec/>"))
                 .strPrinted);
