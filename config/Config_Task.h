@@ -106,7 +106,6 @@ class CConfig_Task {
   using Parts = std::unique_ptr<stParts, CKeep>;
 
   static Parts TakeParts();
-  static WorkList NewWorkList();
   stConfig& Dest(stConfig* pDst) { return pDst ? *pDst : m_stConfig; }
 
   stConfig m_stConfig{};
