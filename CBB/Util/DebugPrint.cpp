@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "CBB/Util/Print.h"
+
 namespace {
 
 constexpr int kLevelMax = 4;
@@ -34,6 +36,7 @@ void DebugPrint(int nLevel, const char* pszFormat, ...) {
   va_end(args);
   if (nLen <= 0) return;
   if (nLen >= kMessageSize) nLen = kMessageSize - 1;
+  FlushPrinted();  // this message goes past what is held back
   // A trace that cannot be written has nowhere to complain to.
   if (write(STDOUT_FILENO, szText, static_cast<size_t>(nLen)) < 0) return;
 }

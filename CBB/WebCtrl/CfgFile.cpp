@@ -97,7 +97,6 @@ void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
   CJsonReply reply(pConn);
   reply.Add("strFD_CfgPara", text.get());
   reply.Result(nResult == 1);
-  FlushPrinted();
   DebugPrint(1, "\033[32m\033[1m----------------bResult = %d\n\033[0m", nResult);
   TraceFun();
 }

@@ -23,7 +23,6 @@ constexpr CQuery<stUserSec> kQuery{QUERY("<stUserSec>"), IMPORT(stUserSec)};
 void MakeSessionId(time_t now, char (&szSessionId)[64]) {
   char szTime[24];
   snprintf(szTime, sizeof(szTime), "%ld", static_cast<long>(now));
-  FlushPrinted();
   DebugPrint(4, "\033[33m\033[1mstrtime = %s\n\033[0m", szTime);
   static_assert(MD5_DIGEST_STRING_LENGTH <= sizeof(szSessionId));
   MD5Data(reinterpret_cast<const uint8_t*>(szTime), strlen(szTime), szSessionId);

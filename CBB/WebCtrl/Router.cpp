@@ -5,7 +5,6 @@
 #include <string>
 
 #include "CBB/Util/DebugPrint.h"
-#include "CBB/Util/Print.h"
 #include "CBB/WebCtrl/HttpLoop.h"
 #include "CBB/WebCtrl/JsonReply.h"
 #include "CBB/WebCtrl/Routes.h"
@@ -33,7 +32,6 @@ void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
   const std::string_view request(pMsg->message.p, pMsg->message.len);
   if (m_sessions.CheckSession(request, static_cast<int32_t>(time(nullptr))) != 0) {
     // Deliberate: a refused request is left without any answer.
-    FlushPrinted();
     DebugPrint(4, "\033[31m\033[1mDoHttpRequeset error!\n\033[0m");
     return;
   }

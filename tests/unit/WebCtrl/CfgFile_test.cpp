@@ -25,7 +25,6 @@ struct stOutcome {
 };
 
 stOutcome Ask(const std::string& strRequest, const std::string& strDeviceReply) {
-  setvbuf(stdout, nullptr, _IONBF, 0);  // keeps its order with the debug print
   CDevice device([&](const std::string&) { return strDeviceReply; });
   CWebCtrl webCtrl;
   webCtrl.SetDevice("127.0.0.1", device.Port());

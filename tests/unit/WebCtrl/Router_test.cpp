@@ -36,7 +36,6 @@ struct stOutcome {
 };
 
 stOutcome Route(CWebCtrl& webCtrl, const std::string& strRequest) {
-  setvbuf(stdout, nullptr, _IONBF, 0);  // keeps its order with the debug print
   CHttpConn conn;
   CRequest request(strRequest);
   testing::internal::CaptureStdout();
