@@ -16,12 +16,14 @@
 
 #include "encoding/unicode_utf-8.h"
 
-static constexpr int kTextBytes = 20 * 1024;
-static constexpr int kRoom = 3 * kTextBytes;
+namespace {
+
+constexpr int kTextBytes = 20 * 1024;
+constexpr int kRoom = 3 * kTextBytes;
 
 // --- Texts (GBK) --------------------------------------------------------------------------------
 
-static std::string ChineseWord(std::mt19937& random, int nCharacters) {
+std::string ChineseWord(std::mt19937& random, int nCharacters) {
   std::string word;  // The 3,755 everyday characters: rows B0 to D7, without the five unassigned.
   for (int i = 0; i < nCharacters; ++i) {
     word += static_cast<char>(0xB0 + random() % 39);
@@ -30,7 +32,7 @@ static std::string ChineseWord(std::mt19937& random, int nCharacters) {
   return word;
 }
 
-static std::string MixedText() {
+std::string MixedText() {
   std::mt19937 random(1);
   std::string text = "<VariCfgSec Action=\"DEVICE_QUERY\">\r\n";
   while (text.size() < kTextBytes)
@@ -40,7 +42,7 @@ static std::string MixedText() {
   return text + "</VariCfgSec>\r\n";
 }
 
-static std::string AsciiText() {
+std::string AsciiText() {
   std::string text;
   while (text.size() < kTextBytes)
     text +=
@@ -48,56 +50,56 @@ static std::string AsciiText() {
   return text;
 }
 
-static std::string ChineseText() {
+std::string ChineseText() {
   std::mt19937 random(2);
   return ChineseWord(random, kTextBytes / 2);
 }
 
 // --- One conversion of a text, by us and by iconv -----------------------------------------------
 
-static uint32_t g_codePoints[kRoom];
+uint32_t g_codePoints[kRoom];
 
-static int OurGbkToUtf8(const char* pInput, size_t, char* pOutput) {
+int OurGbkToUtf8(const char* pInput, size_t, char* pOutput) {
   int nCodePoints = kRoom - 1, nBytes = kRoom;
   if (enc_GBK_to_unicode_str(pInput, g_codePoints, &nCodePoints) != 1) return -1;
   g_codePoints[nCodePoints] = 0;
   return enc_unicode_to_utf8_str(g_codePoints, pOutput, &nBytes) == 1 ? nBytes : -1;
 }
 
-static int OurUtf8ToGbk(const char* pInput, size_t, char* pOutput) {
+int OurUtf8ToGbk(const char* pInput, size_t, char* pOutput) {
   int nCodePoints = kRoom - 1, nBytes = kRoom;
   if (enc_utf8_to_unicode_str(pInput, g_codePoints, &nCodePoints) != 1) return -1;
   g_codePoints[nCodePoints] = 0;
   return enc_unicode_to_GBK_str(g_codePoints, pOutput, &nBytes) == 1 ? nBytes : -1;
 }
 
-static int RunIconv(iconv_t pConverter, const char* pInput, size_t nLen, char* pOutput) {
+int RunIconv(iconv_t pConverter, const char* pInput, size_t nLen, char* pOutput) {
   char* pIn = const_cast<char*>(pInput);
   size_t nRoom = kRoom;
   if (iconv(pConverter, &pIn, &nLen, &pOutput, &nRoom) == static_cast<size_t>(-1)) return -1;
   return kRoom - static_cast<int>(nRoom);
 }
 
-static int IconvGbkToUtf8(const char* pInput, size_t nLen, char* pOutput) {
+int IconvGbkToUtf8(const char* pInput, size_t nLen, char* pOutput) {
   static const iconv_t s_pConverter = iconv_open("UTF-8", "CP936");
   return RunIconv(s_pConverter, pInput, nLen, pOutput);
 }
 
-static int IconvUtf8ToGbk(const char* pInput, size_t nLen, char* pOutput) {
+int IconvUtf8ToGbk(const char* pInput, size_t nLen, char* pOutput) {
   static const iconv_t s_pConverter = iconv_open("CP936", "UTF-8");
   return RunIconv(s_pConverter, pInput, nLen, pOutput);
 }
 
 using Conversion = int (*)(const char* pInput, size_t nLen, char* pOutput);
 
-static std::string Converted(Conversion pfnConvert, const std::string& input) {
+std::string Converted(Conversion pfnConvert, const std::string& input) {
   std::string output(kRoom, '\0');
   const int nLen = pfnConvert(input.c_str(), input.size(), output.data());
   output.resize(static_cast<size_t>(std::max(nLen, 0)));
   return output;
 }
 
-static void Convert(benchmark::State& state, Conversion pfnConvert, const std::string& input) {
+void Convert(benchmark::State& state, Conversion pfnConvert, const std::string& input) {
   std::vector<char> output(kRoom);
   for (auto _ : state) {
     if (pfnConvert(input.c_str(), input.size(), output.data()) <= 0) {
@@ -120,7 +122,7 @@ struct stComparison {
   double dLeastRatio;
 };
 
-static const stComparison kComparisons[] = {
+const stComparison kComparisons[] = {
     {"gbk_to_utf8/mixed", OurGbkToUtf8, IconvGbkToUtf8, MixedText, false, 1.2},
     {"gbk_to_utf8/ascii", OurGbkToUtf8, IconvGbkToUtf8, AsciiText, false, 1.0},
     {"gbk_to_utf8/chinese", OurGbkToUtf8, IconvGbkToUtf8, ChineseText, false, 1.0},
@@ -130,11 +132,11 @@ static const stComparison kComparisons[] = {
 };
 
 // The machine's other work only ever adds time, so the least of many short repetitions is compared.
-static constexpr char kLeast[] = "least";
-static constexpr int kRepetitions = 40;
-static constexpr double kRepetitionSec = 0.01;
+constexpr char kLeast[] = "least";
+constexpr int kRepetitions = 40;
+constexpr double kRepetitionSec = 0.01;
 
-static double Least(const std::vector<double>& times) {
+double Least(const std::vector<double>& times) {
   return *std::min_element(times.begin(), times.end());
 }
 
@@ -158,7 +160,7 @@ class CLeastReporter : public benchmark::ConsoleReporter {
   std::map<std::string, double> m_times;
 };
 
-static void RegisterOne(const std::string& name, Conversion pfnConvert, const std::string& input) {
+void RegisterOne(const std::string& name, Conversion pfnConvert, const std::string& input) {
   benchmark::RegisterBenchmark(name.c_str(), Convert, pfnConvert, input)
       ->Repetitions(kRepetitions)
       ->MinTime(kRepetitionSec)
@@ -166,14 +168,14 @@ static void RegisterOne(const std::string& name, Conversion pfnConvert, const st
       ->DisplayAggregatesOnly(true);
 }
 
-static void Register(const stComparison& row) {
+void Register(const stComparison& row) {
   std::string input = row.pfnText();
   if (row.bFromUtf8) input = Converted(IconvGbkToUtf8, input);
   RegisterOne(std::string(row.pszName) + "/ours", row.pfnOurs, input);
   RegisterOne(std::string(row.pszName) + "/iconv", row.pfnIconv, input);
 }
 
-static int PrintRatios(const CLeastReporter& reporter) {
+int PrintRatios(const CLeastReporter& reporter) {
   int nRet = 0;
   printf("\n%-24s %12s %12s %8s %8s\n", "", "ours us", "iconv us", "ratio", "at least");
   for (const stComparison& row : kComparisons) {
@@ -189,10 +191,10 @@ static int PrintRatios(const CLeastReporter& reporter) {
 
 // --- The reverse table --------------------------------------------------------------------------
 
-static constexpr double kMostBuildMs = 2;
-static constexpr size_t kMostHeapBytes = size_t{600} * 1024;
+constexpr double kMostBuildMs = 2;
+constexpr size_t kMostHeapBytes = size_t{600} * 1024;
 
-static int PrintReverseTable(double dBuildMs, size_t nHeapBytes) {
+int PrintReverseTable(double dBuildMs, size_t nHeapBytes) {
   printf(
       "\nreverse table: built in %.3f ms of processor time (at most 2), %.1f KiB of heap (below "
       "600)\n",
@@ -200,10 +202,12 @@ static int PrintReverseTable(double dBuildMs, size_t nHeapBytes) {
   return dBuildMs <= kMostBuildMs && nHeapBytes < kMostHeapBytes ? 0 : 1;
 }
 
-static size_t HeapBytes() {
+size_t HeapBytes() {
   const struct mallinfo2 info = mallinfo2();
   return info.uordblks + info.hblkhd;
 }
+
+}  // namespace
 
 int main(int argc, char** argv) {
   const size_t nHeapBefore = HeapBytes();

@@ -22,7 +22,7 @@ uint32_t TextToTimeOfDay(const char* pszText) {
   char szText[23];
   CopyText(szText, sizeof(szText), pszText);
   tm time{};
-  if (!strptime(szText, "%H:%M:%S", &time)) return 0;
+  if (strptime(szText, "%H:%M:%S", &time) == nullptr) return 0;
   return static_cast<uint32_t>(time.tm_hour * 3600 + time.tm_min * 60 + time.tm_sec);
 }
 

@@ -30,17 +30,17 @@ static_assert(sizeof(kActions) / sizeof(kActions[0]) == kCmdUnknown, "one row pe
 
 int ActionCode(const char* pszAction) {
   int nCode = 0;
-  while (nCode < kCmdUnknown && strcmp(kActions[nCode], pszAction) != 0) nCode++;
+  while (nCode < kCmdUnknown && strcmp(kActions[nCode], pszAction) != 0) ++nCode;
   return nCode;
 }
 
 // The check of a parsed message, with CheckMessage's results.
 int FindRoot(TiXmlDocument& doc, TiXmlElement*& pRoot) {
   TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
-  if (!pFound) return -2;
+  if (pFound == nullptr) return -2;
   // Deliberate: the lines name the classifier, whoever asks for the check.
   const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
-  if (!pAttr) {
+  if (pAttr == nullptr) {
     printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
     return -1;
   }
@@ -73,7 +73,7 @@ int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nR
   if (const int nRet = sock.SendDataToHost(pszMsg, nLen)) return nRet;
   // On the heap: the thread's stack has 128 KiB.
   const std::unique_ptr<char[]> pReply(new (std::nothrow) char[kReplyMax + 1]());
-  if (!pReply) return -1;
+  if (pReply == nullptr) return -1;
   int nReplyLen = kReplyMax;
   if (sock.RecvDataFromHost(pReply.get(), nReplyLen, nTimeoutSec)) return -1;
   char szResult[kResultSize] = "";
@@ -100,7 +100,7 @@ int GetParaSection(const char* pszReply, TiXmlDocument& doc, TiXmlElement*& pSec
   TiXmlElement* pRoot = nullptr;
   if (CheckMessage(pszReply, doc, pRoot)) return -1;
   pSection = pRoot->FirstChildElement();
-  return pSection ? 0 : -1;
+  return pSection != nullptr ? 0 : -1;
 }
 
 int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_t nCapacity) {
@@ -109,7 +109,7 @@ int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_
   TiXmlElement* pRoot = nullptr;
   if (CheckMessage(pszReply, doc, pRoot)) return -1;
   const char* const pszFound = pRoot->Attribute(pszName);
-  if (!pszFound) return -1;
+  if (pszFound == nullptr) return -1;
   snprintf(pszValue, nCapacity, "%s", pszFound);
   return 0;
 }
@@ -124,7 +124,7 @@ int GetParaCmdType(const char* pszText, int& nCode) {
   if (nRet) return -1;
   const TiXmlAttribute* const pAction = pRoot->FirstAttribute();
   const TiXmlAttribute* const pSecond = pAction->Next();
-  if (pSecond && !strcmp(pSecond->Name(), kResult)) {
+  if (pSecond != nullptr && !strcmp(pSecond->Name(), kResult)) {
     printf("CWebCtrl::GetParaCmdType, is resp msg, do't handle.\n");
     return -1;
   }

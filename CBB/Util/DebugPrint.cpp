@@ -42,12 +42,12 @@ void DebugPrint(int nLevel, const char* pszFormat, ...) {
 }
 
 void DebugLower() {
-  if (g_stDebug.ucEnable && g_stDebug.nThreshold > 0) g_stDebug.nThreshold--;
+  if (g_stDebug.ucEnable && g_stDebug.nThreshold > 0) --g_stDebug.nThreshold;
   PrintSettings();
 }
 
 void DebugRaise() {
-  if (g_stDebug.ucEnable && g_stDebug.nThreshold <= kLevelMax) g_stDebug.nThreshold++;
+  if (g_stDebug.ucEnable && g_stDebug.nThreshold <= kLevelMax) ++g_stDebug.nThreshold;
   PrintSettings();
 }
 
@@ -64,10 +64,10 @@ void SetDebugEnable(uint8_t ucEnable) {
 
 void DebugHex(int nLevel, const char* pszLabel, const void* pData, int nLen) {
   if (!g_stDebug.ucEnable || g_stDebug.nThreshold > nLevel) return;
-  if (!pszLabel || !pData || nLen <= 0) return;
+  if (pszLabel == nullptr || pData == nullptr || nLen <= 0) return;
   const auto* pBytes = static_cast<const uint8_t*>(pData);
   printf("<HEX:%s>(%d)-[", pszLabel, nLen);
-  for (int i = 0; i < nLen; i++) printf("%02x ", pBytes[i]);
+  for (int i = 0; i < nLen; ++i) printf("%02x ", pBytes[i]);
   printf("]\n");
 }
 
@@ -88,7 +88,7 @@ void PrintDuration(const timeval& start, const timeval& end) {
   // the same second prints -1 s and the borrowed milliseconds.
   if (nUsec < 0) {
     nUsec += 1000000;
-    nSec--;
+    --nSec;
   }
   printf("DEBUG::run time duration : %ds+%dms\n", nSec, nUsec / 1000);
 }
@@ -96,6 +96,6 @@ void PrintDuration(const timeval& start, const timeval& end) {
 const char* CurTimeText() {
   thread_local char t_szText[64];
   const time_t now = time(nullptr);
-  if (!ctime_r(&now, t_szText)) t_szText[0] = '\0';
+  if (ctime_r(&now, t_szText) == nullptr) t_szText[0] = '\0';
   return t_szText;
 }

@@ -42,7 +42,7 @@ void ShellCommand(char (&szCommand)[kCommandSize], const char* pszVerb, const ch
     return;
   }
   size_t nLen = static_cast<size_t>(snprintf(szCommand, sizeof(szCommand), "%s '", pszVerb));
-  for (const char* p = pszPath; *p; p++)
+  for (const char* p = pszPath; *p; ++p)
     nLen += static_cast<size_t>(
         snprintf(szCommand + nLen, sizeof(szCommand) - nLen, *p == '\'' ? "'\\'%c" : "%c", *p));
   snprintf(szCommand + nLen, sizeof(szCommand) - nLen, "'");
@@ -71,7 +71,7 @@ int Logger::init(const char* pszPrefix, const char* pszDir) {
 }
 
 int Logger::SetNames(const char* pszPrefix, const char* pszDir) {
-  if (!pszDir || !*pszDir) pszDir = "./log/";
+  if (pszDir == nullptr || !*pszDir) pszDir = "./log/";
   // A cut directory would be another one, whose files are cleared: refuse.
   if (strlen(pszDir) >= sizeof(m_szDir) || strlen(pszPrefix) >= sizeof(m_szPrefix)) {
     PrintError("init", __LINE__, "Can't open log file:%s%s.", pszDir, pszPrefix);
@@ -85,13 +85,13 @@ int Logger::SetNames(const char* pszPrefix, const char* pszDir) {
 const char* Logger::Slash() const { return m_szDir[strlen(m_szDir) - 1] == '/' ? "" : "/"; }
 
 int Logger::OpenFile(const char* pszCaller) {
-  if (m_pFile) fclose(m_pFile);
+  if (m_pFile != nullptr) fclose(m_pFile);
   const tm now = LocalNow();
   char szPath[kPathSize];
   snprintf(szPath, sizeof(szPath), "%s%s%s_%d%02d%02d_%02d%02d%02d", m_szDir, Slash(), m_szPrefix,
            now.tm_year + 1900, now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
   m_pFile = fopen(szPath, "a+");
-  if (m_pFile) return 0;
+  if (m_pFile != nullptr) return 0;
   PrintError(pszCaller, __LINE__, "Can't open log file:%s.", szPath);
   return -1;
 }
@@ -107,7 +107,7 @@ int Logger::RotateIfDue() {
 
 void Logger::log(const char* pszFormat, ...) {
   const AutoLock lock(m_mutex);
-  if (!m_pFile) {
+  if (m_pFile == nullptr) {
     PrintError("log", __LINE__, "CLogger not init.");
     return;
   }
@@ -120,7 +120,7 @@ void Logger::log(const char* pszFormat, ...) {
   vfprintf(m_pFile, pszFormat, args);
   va_end(args);
   fflush(m_pFile);
-  m_uiLine++;
+  ++m_uiLine;
 }
 
 int Logger::clearLog(int nKeep) {
@@ -162,14 +162,14 @@ int Logger::Clear(int nKeep) const {
   const size_t nPrefixLen = strlen(m_szPrefix);
   int nOurs = 0;
   // Names that are not ours are dropped, ours move to the front and stay sorted.
-  for (int i = 0; i < nCount; i++) {
+  for (int i = 0; i < nCount; ++i) {
     const char* const pszName = ppEntries[i]->d_name;
     if (strcmp(pszName, ".") && strcmp(pszName, "..") && !strncmp(pszName, m_szPrefix, nPrefixLen))
       std::swap(ppEntries[nOurs++], ppEntries[i]);
   }
   const int nRemove = nOurs - (nKeep > 0 ? nKeep : 0);
-  for (int i = 0; i < nRemove; i++) RemoveFile(ppEntries[i]->d_name);
-  for (int i = 0; i < nCount; i++) free(ppEntries[i]);
+  for (int i = 0; i < nRemove; ++i) RemoveFile(ppEntries[i]->d_name);
+  for (int i = 0; i < nCount; ++i) free(ppEntries[i]);
   free(ppEntries);
   return 0;
 }

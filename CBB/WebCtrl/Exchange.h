@@ -21,7 +21,7 @@ constexpr int kMaxQueryReply = 2048;
 // long a reply may be (at most kMaxQueryReply bytes; it arrives in the request's buffer), and what
 // a trace of the reply's text begins with (null: no such trace).
 template <class R>
-struct CQuery {
+struct stQuery {
   const char* pszRequest;
   int (*pfnImport)(TiXmlElement* pSection, R& rec);
   int nCapacity = kMaxQueryReply;
@@ -63,7 +63,7 @@ class CSetExchange {
 };
 
 template <class R>
-int CWebCtrl::Query(const CQuery<R>& query, R& rec) {
+int CWebCtrl::Query(const stQuery<R>& query, R& rec) {
   char szText[kMaxQueryReply + 1] = {};
   strncpy(szText, query.pszRequest, kMaxQueryReply);
   int nLen = query.nCapacity;
@@ -76,7 +76,7 @@ int CWebCtrl::Query(const CQuery<R>& query, R& rec) {
 }
 
 template <class R>
-int CWebCtrl::Ask(const CQuery<R>& query, R& rec, const char* pszFun) {
+int CWebCtrl::Ask(const stQuery<R>& query, R& rec, const char* pszFun) {
   TraceFun(pszFun);
   const int nRet = Query(query, rec);
   TraceFun(pszFun);

@@ -19,7 +19,7 @@ constexpr uint8_t kEnabled = 0x01;
 constexpr uint8_t kStreamType = 0x80;
 constexpr useconds_t kPauseUs = 500;
 
-constexpr CQuery<stGB28181> kQuery{QUERY("<stGB28181>"), IMPORT(stGB28181)};
+constexpr stQuery<stGB28181> kQuery{QUERY("<stGB28181>"), IMPORT(stGB28181)};
 
 int StoreServerIp(stGB28181& stGB28181Info, const char* pszText) {
   Store<&stGB28181::strFD_ServerIp>(stGB28181Info, pszText);
@@ -27,7 +27,7 @@ int StoreServerIp(stGB28181& stGB28181Info, const char* pszText) {
   return 0;
 }
 
-constexpr CFormField<stGB28181> kForm[] = {
+constexpr stFormField<stGB28181> kForm[] = {
     {"strFD_Manufacturer", Presence::kNonEmpty, Store<&stGB28181::strFD_Manufacturer>},
     {"strFD_ModelName", Presence::kNonEmpty, Store<&stGB28181::strFD_ModelName>},
     {"strFD_ServerIp", Presence::kNonEmpty, StoreServerIp},

@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kPasswdSize = 128;
 constexpr uint8_t kNoUser = 2;
 
-constexpr CQuery<stUserSec> kQuery{QUERY("<stUserSec>"), IMPORT(stUserSec)};
+constexpr stQuery<stUserSec> kQuery{QUERY("<stUserSec>"), IMPORT(stUserSec)};
 
 // The identifier of a session: the MD5 digest, in hexadecimal, of the login's second as decimal
 // text. szSessionId takes 32 characters and a terminator.

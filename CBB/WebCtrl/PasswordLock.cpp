@@ -15,10 +15,10 @@ constexpr uint32_t kClockOffsetSec = 28800;  // the stored lock time is 8 hours 
 constexpr uint32_t kLockOutSec = 3600;
 constexpr uint8_t kMaxErrors = 5;
 
-constexpr CQuery<stLockOfPassword> kQuery{QUERY("<stLockOfPassword>"), IMPORT(stLockOfPassword),
-                                          256};
+constexpr stQuery<stLockOfPassword> kQuery{QUERY("<stLockOfPassword>"), IMPORT(stLockOfPassword),
+                                           256};
 
-constexpr CFormField<stLockOfPassword> kForm[] = {
+constexpr stFormField<stLockOfPassword> kForm[] = {
     {"ucFD_ErrorCount", Presence::kNonEmpty, Store<&stLockOfPassword::ucFD_ErrorCount>},
     {"time", Presence::kNonEmpty, Store<&stLockOfPassword::uiFD_LockTime>}};
 

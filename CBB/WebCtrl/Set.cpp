@@ -35,47 +35,47 @@ int StoreItem(typename MemberOf<A>::Record& rec, const char* pszText) {
   return pfnStore((rec.*A)[0], pszText);
 }
 
-constexpr CFormField<stBaseInfo> kDeviceNoForm[] = {
+constexpr stFormField<stBaseInfo> kDeviceNoForm[] = {
     {"strFD_DeviceNo", Presence::kAlways, Store<&stBaseInfo::strFD_DeviceNo>}};
 
-constexpr CFormField<stBaseInfo> kBaseForm[] = {
+constexpr stFormField<stBaseInfo> kBaseForm[] = {
     {"strFD_DeviceNo", Presence::kAlways, Store<&stBaseInfo::strFD_DeviceNo>},
     {"ucFD_TimeZone", Presence::kLengthAbove0, Store<&stBaseInfo::ucFD_TimeZone>},
     {"ucFD_GpsSTFlag", Presence::kLengthAbove0, StoreSwitch<&stBaseInfo::ucFD_GpsSTFlag>}};
 
 constexpr auto kMirrorItem = &stVideoMirror::stVideoMirrorPara;
-constexpr CFormField<stVideoMirror> kMirrorForm[] = {
+constexpr stFormField<stVideoMirror> kMirrorForm[] = {
     {"strFD_UpDown", Presence::kNonEmpty,
      StoreItem<kMirrorItem, StoreSwitch<&stVideoMirrorItem::ucFD_UpDown>>},
     {"strFD_LeftRight", Presence::kNonEmpty,
      StoreItem<kMirrorItem, StoreSwitch<&stVideoMirrorItem::ucFD_LeftRight>>}};
 
 constexpr auto kVideoItem = &stMainStream::stVideoPara;
-constexpr CFormField<stMainStream> kMainStreamForm[] = {
+constexpr stFormField<stMainStream> kMainStreamForm[] = {
     {"ucFD_FrameRate", Presence::kLengthAbove0,
      StoreItem<kVideoItem, Store<&stVideoItem::ucFD_FrameRate>>},
     {"uiFD_BitRate", Presence::kLengthAbove0,
      StoreItem<kVideoItem, Store<&stVideoItem::uiFD_BitRate>>}};
 
-constexpr CFormField<stSubStream> kSubStreamForm[] = {
+constexpr stFormField<stSubStream> kSubStreamForm[] = {
     {"ucFD_SFrameRate", Presence::kLengthAbove0, Store<&stSubStream::ucFD_FrameRate>},
     {"uiFD_SBitRate", Presence::kLengthAbove0, Store<&stSubStream::uiFD_BitRate>}};
 
-constexpr CFormField<stNetWorkMode> kNetWModeForm[] = {
+constexpr stFormField<stNetWorkMode> kNetWModeForm[] = {
     {"ucFD_NetWType", Presence::kNonEmpty, Store<&stNetWorkMode::ucFD_NetType>}};
 
-constexpr CFormField<stCMS> kVCmsForm[] = {
+constexpr stFormField<stCMS> kVCmsForm[] = {
     {"ucFD_AddressType", Presence::kNonEmpty, Store<&stCMS::ucFD_AddressType>},
     {"usFD_Port", Presence::kNonEmpty, Store<&stCMS::usFD_Port>}};
 
-constexpr CFormField<stMobileGNet> kGNetForm[] = {
+constexpr stFormField<stMobileGNet> kGNetForm[] = {
     {"ucFD_NetType", Presence::kNonEmpty, Store<&stMobileGNet::ucFD_NetType>},
     {"strFD_Apn", Presence::kNonEmpty, Store<&stMobileGNet::strFD_Apn>},
     {"strFD_PhoneNo", Presence::kNonEmpty, Store<&stMobileGNet::strFD_PhoneNo>},
     {"strFD_UserName", Presence::kNonEmpty, Store<&stMobileGNet::strFD_UserName>},
     {"strFD_UserPasswd", Presence::kNonEmpty, Store<&stMobileGNet::strFD_UserPasswd>}};
 
-constexpr CFormField<stLocalEth0> kLocalNetForm[] = {
+constexpr stFormField<stLocalEth0> kLocalNetForm[] = {
     {"strFD_LocalIp", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_LocalIp>},
     {"strFD_NetMask", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_NetMask>},
     {"strFD_GateWay", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_GateWay>},
@@ -83,7 +83,7 @@ constexpr CFormField<stLocalEth0> kLocalNetForm[] = {
 
 // A whole set endpoint: what the form leaves out is sent as empty text or 0.
 template <class R, size_t N>
-void Answer(mg_connection* pConn, const http_message& msg, const CFormField<R> (&rows)[N],
+void Answer(mg_connection* pConn, const http_message& msg, const stFormField<R> (&rows)[N],
             CWebCtrl& self, int (CWebCtrl::*pfnSet)(R rec),
             const char* pszHandler = __builtin_FUNCTION()) {
   TraceFun(pszHandler);

@@ -16,7 +16,7 @@
 
 struct stThread;
 template <class R>
-struct CQuery;
+struct stQuery;
 
 // The login passwords as the device last gave them, each cut to 7 characters.
 struct stLogin {
@@ -127,10 +127,10 @@ class CWebCtrl {
   // The query transaction with the device application; see control/VariCfgSec.h.
   int GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapacity);
   template <class R>
-  int Query(const CQuery<R>& query, R& rec);
+  int Query(const stQuery<R>& query, R& rec);
   // The same between two traces in the name of the calling function.
   template <class R>
-  int Ask(const CQuery<R>& query, R& rec, const char* pszFun = __builtin_FUNCTION());
+  int Ask(const stQuery<R>& query, R& rec, const char* pszFun = __builtin_FUNCTION());
 
   stThread* m_pThread = nullptr;
   std::atomic<uint8_t> m_ucStarted{0};  // a restart's second thread clears it, too

@@ -11,17 +11,17 @@ namespace {
 
 constexpr uint8_t kAccessPoint = 2;  // ucFD_WorkMode
 
-constexpr CQuery<stWifi> kStationQuery{QUERY("<stWifi>"), IMPORT(stWifi)};
+constexpr stQuery<stWifi> kStationQuery{QUERY("<stWifi>"), IMPORT(stWifi)};
 
 int ImportAccessPoint(TiXmlElement* pSection, stWifiAp& rec) {
   const int nRet = IMPORT(stWifiAp)(pSection, rec);
   printf("-------------------AP ssid:%s.\n", rec.strFD_SSID);
   return nRet;
 }
-constexpr CQuery<stWifiAp> kAccessPointQuery{QUERY("<stWifiAp>"), ImportAccessPoint, kMaxQueryReply,
-                                             "-------------------ap xml:"};
+constexpr stQuery<stWifiAp> kAccessPointQuery{QUERY("<stWifiAp>"), ImportAccessPoint,
+                                              kMaxQueryReply, "-------------------ap xml:"};
 
-constexpr CJsonField<stWifi> kJson[] = {
+constexpr stJsonField<stWifi> kJson[] = {
     {"ucFD_WorkMode", Emit<&stWifi::ucFD_WorkMode>},
     {"strFD_SSID", Emit<&stWifi::strFD_SSID>},
     {"strFD_Passwd", Emit<&stWifi::strFD_Passwd>},
@@ -29,7 +29,7 @@ constexpr CJsonField<stWifi> kJson[] = {
     {"ucFD_CryptType", Emit<&stWifi::ucFD_CryptType>},
     {"ucFD_DhcpEnableFlag", Emit<&stWifi::ucFD_DhcpEnableFlag>}};
 
-constexpr CFormField<stWifi> kForm[] = {
+constexpr stFormField<stWifi> kForm[] = {
     {"ucFD_WorkMode", Presence::kNonEmpty, Store<&stWifi::ucFD_WorkMode>},
     {"strFD_SSID", Presence::kNonEmpty, Store<&stWifi::strFD_SSID>},
     {"strFD_Passwd", Presence::kNonEmpty, Store<&stWifi::strFD_Passwd>},

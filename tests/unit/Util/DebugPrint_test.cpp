@@ -26,7 +26,7 @@ class DebugPrintTest : public testing::Test {
 // The levels from -1 to 6 whose messages print.
 std::string PrintingLevels() {
   return Printed([] {
-    for (int i = -1; i <= 6; i++) DebugPrint(i, "%d ", i);
+    for (int i = -1; i <= 6; ++i) DebugPrint(i, "%d ", i);
   });
 }
 

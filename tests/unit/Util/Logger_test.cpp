@@ -41,7 +41,7 @@ class LoggerTest : public testing::Test {
   std::set<std::string> Names() const {
     std::set<std::string> names;
     DIR* const pDir = opendir(m_strDir.c_str());
-    if (!pDir) return names;
+    if (pDir == nullptr) return names;
     while (const dirent* pEntry = readdir(pDir))
       if (pEntry->d_name[0] != '.') names.insert(pEntry->d_name);
     closedir(pDir);
@@ -49,7 +49,7 @@ class LoggerTest : public testing::Test {
   }
   void Touch(const std::string& strName) const { std::ofstream(m_strDir + strName) << "old"; }
   void TouchMany(int nCount) const {
-    for (int i = 0; i < nCount; i++) {
+    for (int i = 0; i < nCount; ++i) {
       char szName[32];
       snprintf(szName, sizeof(szName), "web_20200101_0000%02d", i);
       Touch(szName);

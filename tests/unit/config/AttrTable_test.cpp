@@ -17,7 +17,7 @@ struct stSample {
 int Refuse(stSample&, const char*) { return -1; }
 int Ask(stSample&, const char*) { return 1; }
 
-constexpr CAttr<stSample> kSample[] = {
+constexpr stAttr<stSample> kSample[] = {
     ATTR(stSample, ucFirst),
     ATTR(stSample, usSecond),
     ATTR(stSample, szName),

@@ -44,7 +44,7 @@ extern "C" void* __real_calloc(size_t nCount, size_t nSize);
 extern "C" void* __wrap_calloc(size_t nCount, size_t nSize);
 void* __wrap_calloc(size_t nCount, size_t nSize) {
   if (!g_bRefuseMemory) return __real_calloc(nCount, nSize);
-  g_nRefused++;
+  ++g_nRefused;
   return nullptr;
 }
 
@@ -128,7 +128,7 @@ TEST(Cms, ChoosesTheSlot) {
   for (const auto& row : kRows) {
     CConfig_Task task;
     EXPECT_EQ(task.Import_stCMS(CSection(R"(<s usFD_Port="6608"/>)"), row.nSlot), 0);
-    for (int i = 0; i < 5; i++)
+    for (int i = 0; i < 5; ++i)
       EXPECT_EQ(task.Record().stCMSInfo[i].usFD_Port, i == row.nStored ? 6608 : 0) << row.nSlot;
   }
 }
@@ -141,7 +141,7 @@ TEST(Vehicle, ChoosesTheCopy) {
   for (const auto& row : kRows) {
     CConfig_Task task;
     EXPECT_EQ(task.Import_stVehicle(CSection(R"(<s strFD_CarVIN="VIN"/>)"), row.nCopy), 0);
-    for (int i = 0; i < 2; i++)
+    for (int i = 0; i < 2; ++i)
       EXPECT_STREQ(task.Record().stVehicleInfo[i].strFD_CarVIN, i == row.nStored ? "VIN" : "");
   }
 }
@@ -193,11 +193,11 @@ TEST(SystemInfo, EmptiesTheRevisionOfAnotherText) {
 
 TEST(Gb28181, SharesTheStorageOfLensAndAlarmIdentifiers) {
   stGB28181 rec{};
-  for (int k = 0; k < 8; k++) {
+  for (int k = 0; k < 8; ++k) {
     EXPECT_EQ(rec.LensId(k), rec.strSubId[k]);
     EXPECT_EQ(rec.AlarmInId(k), rec.strSubId[k + 2]);
   }
-  for (int k = 0; k < 6; k++) EXPECT_EQ(rec.AlarmInId(k), rec.LensId(k + 2));
+  for (int k = 0; k < 6; ++k) EXPECT_EQ(rec.AlarmInId(k), rec.LensId(k + 2));
 }
 
 TEST(Gb28181, ReadsTheFirstSubDeviceOnly) {

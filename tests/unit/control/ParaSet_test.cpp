@@ -14,7 +14,7 @@ constexpr char kSet[] =
 
 TEST(SetParaInfoByCmd, ReturnsTheResultOfTheDevice) {
   std::string strDeep = "<VariCfgSec Action=\"DEVICE_SET\" Result=\"0\">";
-  for (int i = 0; i < 40; i++) strDeep += "<a>";
+  for (int i = 0; i < 40; ++i) strDeep += "<a>";
   const struct {
     std::string strReply;
     int nRet;

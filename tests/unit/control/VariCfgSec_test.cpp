@@ -18,8 +18,8 @@ constexpr char kIsReply[] = "CWebCtrl::GetParaCmdType, is resp msg, do't handle.
 
 std::string Nested(int nDepth) {
   std::string strText = "<VariCfgSec Action=\"DEVICE_QUERY\">";
-  for (int i = 1; i < nDepth; i++) strText += "<a>";
-  for (int i = 1; i < nDepth; i++) strText += "</a>";
+  for (int i = 1; i < nDepth; ++i) strText += "<a>";
+  for (int i = 1; i < nDepth; ++i) strText += "</a>";
   return strText + "</VariCfgSec>";
 }
 
@@ -88,8 +88,8 @@ TEST(CheckRoot, LooksNoDeeperThanTheRoot) {
 // Far too deep for the parser, above the root as well as below it.
 TEST(CheckRoot, LetsTheRootAloneDecide) {
   std::string strDeep;
-  for (int i = 0; i < 100; i++) strDeep += "<a b='>'>";
-  for (int i = 0; i < 100; i++) strDeep += "</a>";
+  for (int i = 0; i < 100; ++i) strDeep += "<a b='>'>";
+  for (int i = 0; i < 100; ++i) strDeep += "</a>";
   for (const std::string& strHead :
        {std::string("<!-- <VariCfgSec> -->"), std::string("<?xml version=\"1.0\"?>"),
         std::string("\xEF\xBB\xBF<?xml encoding='UTF-8'?>\r\n<!DOCTYPE x>"), strDeep, strDeep + " ",
@@ -113,14 +113,14 @@ TEST(CheckRoot, JudgesRandomTextsAsTheWholeMessageIsJudged) {
   std::uniform_int_distribution<size_t> token(0, std::size(kTokens) - 1);
   int nGood = 0;
   Printed([&] {
-    for (int i = 0; i < 100000; i++) {
+    for (int i = 0; i < 100000; ++i) {
       std::string strText = i % 2 != 0 ? "<VariCfgSec Action=" : "<VariCfgSec ";
-      for (int n = 0; n < 12; n++) strText += kTokens[token(random)];
+      for (int n = 0; n < 12; ++n) strText += kTokens[token(random)];
       TiXmlDocument doc;
       TiXmlElement* pRoot = nullptr;
       const int nRet = CheckMessage(strText.c_str(), doc, pRoot);
       ASSERT_EQ(nRet, CheckRoot(strText.c_str())) << strText;
-      nGood += nRet == 0;
+      nGood += static_cast<int>(nRet == 0);
     }
   });
   EXPECT_GT(nGood, 1000);  // the texts are worth the name
