@@ -1,5 +1,6 @@
 // The set transaction over a socket of the caller's.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstring>
 #include <string>
@@ -63,6 +64,20 @@ TEST(SetParaInfoByCmd, FailsWhenTheSendFails) {
   sock.CloseCtrlSocket();
   int nResult = 777;
   EXPECT_EQ(-1, SetParaInfoByCmd(sock, kSet, 1, nResult, 10));
+  EXPECT_EQ(777, nResult);
+}
+
+// The heap is made to hand out quotation marks, one of which would end the value of a reply that is
+// cut in the middle of it.
+TEST(SetParaInfoByCmd, SeesNothingBehindTheReply) {
+  CFakeDevice device;
+  CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
+  device.AnswerWith({"<VariCfgSec Action=\"DEVICE_SET\" Result=\"4"});
+  int nResult = 777;
+  mallopt(M_PERTURB, '"' ^ 0xFF);
+  const int nRet = SetParaInfoByCmd(sock, kSet, 1, nResult, 10);
+  mallopt(M_PERTURB, 0);
+  EXPECT_EQ(-1, nRet);
   EXPECT_EQ(777, nResult);
 }
 
