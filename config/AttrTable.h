@@ -46,7 +46,7 @@ int StoreAddress(typename MemberOf<M>::Record& rec, const char* pszText) {
 }
 
 template <class R>
-struct CAttr {
+struct stAttr {
   const char* pszName;
   int (*pfnStore)(R& rec, const char* pszText);
 };
@@ -61,13 +61,13 @@ struct CAttr {
 // skipped and fields without an attribute stay. Returns 0; 1 when a store asked for it (the walk
 // goes on); -1 when a store rejected the section (the walk stops) or there is no element.
 template <class R, size_t N>
-int Walk(const TiXmlElement* pElem, const CAttr<R> (&rows)[N], R& rec) {
-  if (!pElem) return -1;
+int Walk(const TiXmlElement* pElem, const stAttr<R> (&rows)[N], R& rec) {
+  if (pElem == nullptr) return -1;
   int nResult = 0;
   size_t nNext = 0;  // devices send attributes in about the table's order: the next row comes first
-  for (const TiXmlAttribute* p = pElem->FirstAttribute(); p; p = p->Next()) {
-    for (size_t i = 0; i < N; i++) {
-      const CAttr<R>& row = rows[(nNext + i) % N];
+  for (const TiXmlAttribute* p = pElem->FirstAttribute(); p != nullptr; p = p->Next()) {
+    for (size_t i = 0; i < N; ++i) {
+      const stAttr<R>& row = rows[(nNext + i) % N];
       if (strcasecmp(p->Name(), row.pszName) != 0) continue;
       const int nRet = row.pfnStore(rec, p->Value());
       if (nRet < 0) return -1;
@@ -87,18 +87,19 @@ enum class Suffix { kExactlyTwo, kAtLeastTwo };
 int ItemIndex(const char* pszName, Suffix rule);
 
 // Walks the item elements under the section's container child into pItems[0 .. nItems - 1].
-// Returns 0 (also without a container or items, and at the first item beyond the last: it and the
-// later ones stay unread); -1 at an item with a malformed name, keeping what was stored before it.
+// Returns 0 (also without a container or items); 1 at the first item beyond the last, which ends
+// the import: it and all behind it, later containers included, stay unread; -1 at an item with a
+// malformed name, keeping what was stored before it.
 template <class R, size_t N>
-int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
-                R* pItems, int nItems, Suffix rule) {
-  if (!pSection) return -1;
+int WalkItems(const TiXmlElement* pSection, const char* pszContainer, const stAttr<R> (&rows)[N],
+              R* pItems, int nItems, Suffix rule) {
+  if (pSection == nullptr) return -1;
   const TiXmlElement* pItem = pSection->FirstChildElement(pszContainer);
-  for (pItem = pItem ? pItem->FirstChildElement() : nullptr; pItem;
+  for (pItem = pItem != nullptr ? pItem->FirstChildElement() : nullptr; pItem != nullptr;
        pItem = pItem->NextSiblingElement()) {
     const int nIndex = ItemIndex(pItem->Value(), rule);
     if (nIndex < 0) return -1;
-    if (nIndex >= nItems) return 0;
+    if (nIndex >= nItems) return 1;
     if (Walk(pItem, rows, pItems[nIndex]) < 0) return -1;
   }
   return 0;
@@ -106,7 +107,14 @@ int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CA
 
 // The same for an array of items whose names end in "_" and one digit.
 template <class R, size_t N, size_t M>
-int WalkIndexed(const TiXmlElement* pSection, const char* pszContainer, const CAttr<R> (&rows)[N],
-                R (&items)[M]) {
-  return WalkIndexed(pSection, pszContainer, rows, items, static_cast<int>(M), Suffix::kExactlyTwo);
+int WalkItems(const TiXmlElement* pSection, const char* pszContainer, const stAttr<R> (&rows)[N],
+              R (&items)[M]) {
+  return WalkItems(pSection, pszContainer, rows, items, static_cast<int>(M), Suffix::kExactlyTwo);
+}
+
+// A section's last container, with the arguments of WalkItems. Returns the import's result: 0, also
+// at an item beyond the last, or -1.
+template <class... Args>
+int WalkIndexed(Args&&... args) {
+  return WalkItems(args...) < 0 ? -1 : 0;
 }

@@ -25,7 +25,7 @@ CConfig_Task::stParts::stParts()
              WorkList(static_cast<stWorkList*>(calloc(1, sizeof(stWorkList))))},
       pDict(StrDict::Create()) {
   for (const WorkList& pList : apWork) {
-    if (pList) pList->uiCapacity = sizeof(pList->aEntry) / sizeof(pList->aEntry[0]);
+    if (pList != nullptr) pList->uiCapacity = sizeof(pList->aEntry) / sizeof(pList->aEntry[0]);
   }
 }
 

@@ -106,8 +106,7 @@ class CConfig_Task {
   using Parts = std::unique_ptr<stParts, CKeep>;
 
   static Parts TakeParts();
-  static WorkList NewWorkList();
-  stConfig& Dest(stConfig* pDst) { return pDst ? *pDst : m_stConfig; }
+  stConfig& Dest(stConfig* pDst) { return pDst != nullptr ? *pDst : m_stConfig; }
 
   stConfig m_stConfig{};
   std::mutex m_xMutex;

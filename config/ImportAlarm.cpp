@@ -1,13 +1,13 @@
 // Importers of the alarm sections; each stands under its attribute tables.
 #include "config/Config_Task.h"
 
-constexpr CAttr<stAlarm> kAlarm[] = {
+constexpr stAttr<stAlarm> kAlarm[] = {
     ATTR(stAlarm, ucDiskFaulAlarm),  ATTR(stAlarm, ucDiskSpaceAlarm),
     ATTR(stAlarm, ucVideoLostAlarm), ATTR(stAlarm, ucSOSButtonAlarm),
     ATTR(stAlarm, fOxygenAlarm),
 };
 
-constexpr CAttr<stAlarmIOItem> kAlarmIOItem[] = {
+constexpr stAttr<stAlarmIOItem> kAlarmIOItem[] = {
     ATTR(stAlarmIOItem, ucIOEnable), ATTR(stAlarmIOItem, ucIONumber),
     ATTR(stAlarmIOItem, ucIOLevel),  ATTR(stAlarmIOItem, ucIOFunc),
     ATTR(stAlarmIOItem, usIOLast),
@@ -19,7 +19,7 @@ int CConfig_Task::Import_stAlarm(TiXmlElement* pElem, stConfig* pDst) {
   return WalkIndexed(pElem, "stAlarmInIO", kAlarmIOItem, rec.stAlarmInIO);
 }
 
-constexpr CAttr<stAlarmLinkageEntry> kAlarmLinkageEntry[] = {
+constexpr stAttr<stAlarmLinkageEntry> kAlarmLinkageEntry[] = {
     ATTR(stAlarmLinkageEntry, strLinkageName),    ATTR(stAlarmLinkageEntry, ucLinkageEnable),
     ATTR(stAlarmLinkageEntry, ucAlarmInType),     ATTR(stAlarmLinkageEntry, usAlarmOutType),
     ATTR(stAlarmLinkageEntry, usAlarmRecordCh),   ATTR(stAlarmLinkageEntry, usAlarmSendCh),
@@ -29,13 +29,13 @@ constexpr CAttr<stAlarmLinkageEntry> kAlarmLinkageEntry[] = {
 
 int CConfig_Task::Import_stAlarmLinkage(TiXmlElement* pElem, stConfig* pDst) {
   stAlarmLinkage& rec = Dest(pDst).stAlarmLinkageInfo;
-  if (WalkIndexed(pElem, "stAlarmLinkageItem", kAlarmLinkageEntry, rec.stAlarmLinkageItem) < 0) {
-    return -1;
-  }
+  const int nRet =
+      WalkItems(pElem, "stAlarmLinkageItem", kAlarmLinkageEntry, rec.stAlarmLinkageItem);
+  if (nRet != 0) return nRet < 0 ? -1 : 0;
   return WalkIndexed(pElem, "stAlarmOutIO", kAlarmIOItem, rec.stAlarmOutIO);
 }
 
-constexpr CAttr<stSpeed> kSpeed[] = {
+constexpr stAttr<stSpeed> kSpeed[] = {
     ATTR(stSpeed, ucFD_LowSpeedIsEnable), ATTR(stSpeed, ucFD_LowSpeedUnit),
     ATTR(stSpeed, usFD_LowSpeed),         ATTR(stSpeed, ucFD_OverSpeedIsEnable),
     ATTR(stSpeed, ucFD_OverSpeedUnit),    ATTR(stSpeed, usFD_OverSpeed),
@@ -48,14 +48,18 @@ int CConfig_Task::Import_stSpeed(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kSpeed, Dest(pDst).stSpeedInfo);
 }
 
+namespace {
+
 // Deliberate: a temperature is read as a whole number and only kept as a float.
 template <auto M>
-static int StoreWholeDegrees(stTempAlarmItem& rec, const char* pszText) {
+int StoreWholeDegrees(stTempAlarmItem& rec, const char* pszText) {
   rec.*M = static_cast<float>(TextToInt(pszText));
   return 0;
 }
 
-constexpr CAttr<stTempAlarmItem> kTempAlarmItem[] = {
+}  // namespace
+
+constexpr stAttr<stTempAlarmItem> kTempAlarmItem[] = {
     ATTR(stTempAlarmItem, ucFD_TempType),
     ATTR(stTempAlarmItem, ucFD_LowTempEnable),
     ATTR_AS(stTempAlarmItem, fFD_LowTemp, StoreWholeDegrees),
@@ -68,10 +72,14 @@ int CConfig_Task::Import_stTempAlarm(TiXmlElement* pElem, stConfig* pDst) {
                      Dest(pDst).stTempAlarmInfo.stTempAlarmPara);
 }
 
-// Stores nothing: the attribute's presence alone makes the import return 1.
-static int AskRecalibration(stGSensor&, const char*) { return 1; }
+namespace {
 
-constexpr CAttr<stGSensor> kGSensor[] = {
+// Stores nothing: the attribute's presence alone makes the import return 1.
+int AskRecalibration(stGSensor&, const char*) { return 1; }
+
+}  // namespace
+
+constexpr stAttr<stGSensor> kGSensor[] = {
     ATTR(stGSensor, fFD_X),
     ATTR(stGSensor, fFD_XLimit),
     ATTR(stGSensor, fFD_Y),
@@ -91,7 +99,7 @@ int CConfig_Task::Import_stGSensor(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kGSensor, Dest(pDst).stGSensorInfo);
 }
 
-constexpr CAttr<stVdaItem> kVdaItem[] = {
+constexpr stAttr<stVdaItem> kVdaItem[] = {
     ATTR(stVdaItem, ucFD_Enable), ATTR(stVdaItem, ucFD_Wday1),   ATTR(stVdaItem, uiStartT1),
     ATTR(stVdaItem, uiEndT1),     ATTR(stVdaItem, ucFD_Wday2),   ATTR(stVdaItem, uiStartT2),
     ATTR(stVdaItem, uiEndT2),     ATTR(stVdaItem, ucFD_Wday3),   ATTR(stVdaItem, uiStartT3),

@@ -4,7 +4,9 @@
 
 #include "config/Config_Task.h"
 
-static int StoreDeviceNo(stBaseInfo& rec, const char* pszText) {
+namespace {
+
+int StoreDeviceNo(stBaseInfo& rec, const char* pszText) {
   const size_t nLen = strlen(pszText);
   if (nLen < 5 || nLen > 12) {
     printf("CConfig_Task::Import_stBaseInfo, invalid device id:%s.\n", pszText);
@@ -14,7 +16,9 @@ static int StoreDeviceNo(stBaseInfo& rec, const char* pszText) {
   return Store<&stBaseInfo::strFD_DeviceNo>(rec, pszText);
 }
 
-constexpr CAttr<stBaseInfo> kBaseInfo[] = {
+}  // namespace
+
+constexpr stAttr<stBaseInfo> kBaseInfo[] = {
     {"strFD_DeviceNo", StoreDeviceNo},    ATTR(stBaseInfo, ucFD_TimeZone),
     ATTR(stBaseInfo, ucFD_TZAdjust),      ATTR(stBaseInfo, ucFD_DstEnable),
     ATTR(stBaseInfo, ucFD_DstFromMon),    ATTR(stBaseInfo, ucFD_DstFromDay),
@@ -29,13 +33,13 @@ int CConfig_Task::Import_stBaseInfo(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kBaseInfo, Dest(pDst).stBaseInfoInfo);
 }
 
-constexpr CAttr<stUserSec> kUserSec[] = {
+constexpr stAttr<stUserSec> kUserSec[] = {
     ATTR(stUserSec, ucFD_PWEnableFlag),
     ATTR(stUserSec, strFD_NormalPasswd),
     ATTR(stUserSec, strFD_AdminPasswd),
 };
 
-constexpr CAttr<stUserItem> kUserItem[] = {
+constexpr stAttr<stUserItem> kUserItem[] = {
     ATTR(stUserItem, ucFD_UserStatus),
     ATTR(stUserItem, strFD_UserName),
     ATTR(stUserItem, strFD_UserPWD),
@@ -48,7 +52,7 @@ int CConfig_Task::Import_stUserSec(TiXmlElement* pElem, stConfig* pDst) {
   return WalkIndexed(pElem, "stCustomUser", kUserItem, rec.stCustomUser);
 }
 
-constexpr CAttr<stLockOfPassword> kLockOfPassword[] = {
+constexpr stAttr<stLockOfPassword> kLockOfPassword[] = {
     ATTR(stLockOfPassword, ucFD_ErrorCount),
     ATTR(stLockOfPassword, uiFD_LockTime),
 };
@@ -57,7 +61,7 @@ int CConfig_Task::Import_stLockOfPassword(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kLockOfPassword, Dest(pDst).stLockOfPasswordInfo);
 }
 
-constexpr CAttr<stDisplay> kDisplay[] = {
+constexpr stAttr<stDisplay> kDisplay[] = {
     ATTR(stDisplay, ucFD_AutoEnable),   ATTR(stDisplay, ucFD_LcdTimeout),
     ATTR(stDisplay, usFD_GuiTimeout),   ATTR(stDisplay, strLanguage),
     ATTR(stDisplay, ucFD_WinMax),       ATTR(stDisplay, ucFD_WinNum),
@@ -68,7 +72,7 @@ int CConfig_Task::Import_stDisplay(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kDisplay, Dest(pDst).stDisplayInfo);
 }
 
-constexpr CAttr<stVersion> kVersion[] = {
+constexpr stAttr<stVersion> kVersion[] = {
     ATTR(stVersion, VideoCnt),    ATTR(stVersion, Model),        ATTR(stVersion, strMcuVer),
     ATTR(stVersion, strUbootVer), ATTR(stVersion, strKernelVer), ATTR(stVersion, strRootfsVer),
     ATTR(stVersion, strAppVer),   ATTR(stVersion, strDBVer),     ATTR(stVersion, strWifiVer),
@@ -78,20 +82,24 @@ int CConfig_Task::Import_stVersion(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kVersion, Dest(pDst).stVersionInfo);
 }
 
+namespace {
+
 // Keeps what stands between "Revision:" and the line's end in a modem's identification text.
-static int StoreRevision(stSystemInfo& rec, const char* pszText) {
+int StoreRevision(stSystemInfo& rec, const char* pszText) {
   static constexpr char kMark[] = "Revision:";
   memset(rec.ATI, 0, sizeof(rec.ATI));
   const char* pszMark = strstr(pszText, kMark);
-  if (!pszMark) return 0;
+  if (pszMark == nullptr) return 0;
   const char* pszFrom = pszMark + sizeof(kMark) - 1;
   const char* pszEnd = strstr(pszFrom, "\r\n");
-  const size_t nLen = pszEnd ? static_cast<size_t>(pszEnd - pszFrom) : strlen(pszFrom);
+  const size_t nLen = pszEnd != nullptr ? static_cast<size_t>(pszEnd - pszFrom) : strlen(pszFrom);
   memcpy(rec.ATI, pszFrom, std::min(nLen, sizeof(rec.ATI) - 1));
   return 0;
 }
 
-constexpr CAttr<stSystemInfo> kSystemInfo[] = {
+}  // namespace
+
+constexpr stAttr<stSystemInfo> kSystemInfo[] = {
     ATTR(stSystemInfo, GpsExist),
     ATTR(stSystemInfo, GpsPos),
     ATTR(stSystemInfo, GNetExist),

@@ -1,7 +1,7 @@
 // Importers of recording, snapshots and export; each stands under its attribute tables.
 #include "config/Config_Task.h"
 
-constexpr CAttr<stRecord> kRecord[] = {
+constexpr stAttr<stRecord> kRecord[] = {
     ATTR(stRecord, ucFD_RecordMode),      ATTR(stRecord, ucFD_SDUsage),
     ATTR(stRecord, ucFD_AutoCoverEnable), ATTR(stRecord, ucFD_AlarmRecordType),
     ATTR(stRecord, uiFD_PreRecordTime),   ATTR(stRecord, uiFD_AlarmRecordTime),
@@ -12,7 +12,7 @@ int CConfig_Task::Import_stRecord(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kRecord, Dest(pDst).stRecordInfo);
 }
 
-constexpr CAttr<stChnRecordItem> kChnRecordItem[] = {
+constexpr stAttr<stChnRecordItem> kChnRecordItem[] = {
     ATTR(stChnRecordItem, ucRecordEnable),
     ATTR(stChnRecordItem, ucHaveAudio),
     ATTR(stChnRecordItem, ucSubStream),
@@ -23,7 +23,7 @@ int CConfig_Task::Import_stChnRecord(TiXmlElement* pElem, stConfig* pDst) {
                      Dest(pDst).stChnRecordInfo.stChnRecordPara);
 }
 
-constexpr CAttr<stSnapshot> kSnapshot[] = {
+constexpr stAttr<stSnapshot> kSnapshot[] = {
     ATTR(stSnapshot, ucFD_SaveDays),
     ATTR(stSnapshot, ucFD_MultiSnapEnable),
     ATTR(stSnapshot, uiFD_Interval),
@@ -34,7 +34,7 @@ int CConfig_Task::Import_stSnapshot(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kSnapshot, Dest(pDst).stSnapshotInfo);
 }
 
-constexpr CAttr<stExport> kExport[] = {
+constexpr stAttr<stExport> kExport[] = {
     ATTR(stExport, ucFD_PasswdEnable),
     ATTR(stExport, ucFD_WorkMode),
     ATTR(stExport, ucFD_ExportEnable),
@@ -45,7 +45,7 @@ int CConfig_Task::Import_stExport(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kExport, Dest(pDst).stExportInfo);
 }
 
-constexpr CAttr<stTimingRecItem> kTimingRecItem[] = {
+constexpr stAttr<stTimingRecItem> kTimingRecItem[] = {
     ATTR(stTimingRecItem, ucRT1Type), ATTR(stTimingRecItem, ucRT2Type),
     ATTR(stTimingRecItem, uiStartT1), ATTR(stTimingRecItem, uiEndT1),
     ATTR(stTimingRecItem, uiStartT2), ATTR(stTimingRecItem, uiEndT2),

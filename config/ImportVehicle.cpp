@@ -2,7 +2,7 @@
 #include "CBB/Util/OtherFun.h"
 #include "config/Config_Task.h"
 
-constexpr CAttr<stVehicle> kVehicle[] = {
+constexpr stAttr<stVehicle> kVehicle[] = {
     ATTR(stVehicle, strFD_CompanyName),  ATTR(stVehicle, strFD_LicensePlate),
     ATTR(stVehicle, strFD_DriverName),   ATTR(stVehicle, strFD_DeviceNum),
     ATTR(stVehicle, strFD_Phonenumber),  ATTR(stVehicle, strFD_ServiceTel),
@@ -17,7 +17,7 @@ int CConfig_Task::Import_stVehicle(TiXmlElement* pElem, int nCopy, stConfig* pDs
   return Walk(pElem, kVehicle, Dest(pDst).stVehicleInfo[nCopy == 1 ? 1 : 0]);
 }
 
-constexpr CAttr<stSerialItem> kSerialItem[] = {
+constexpr stAttr<stSerialItem> kSerialItem[] = {
     ATTR(stSerialItem, ucFD_DataMode), ATTR(stSerialItem, uiBaudRate),
     ATTR(stSerialItem, ucDataBit),     ATTR(stSerialItem, ucParity),
     ATTR(stSerialItem, ucStopBit),     ATTR(stSerialItem, ucCount),
@@ -28,7 +28,7 @@ int CConfig_Task::Import_stSerial(TiXmlElement* pElem, stConfig* pDst) {
                      Dest(pDst).stSerialInfo.stSerialChnPara);
 }
 
-constexpr CAttr<stPtzItem> kPtzItem[] = {
+constexpr stAttr<stPtzItem> kPtzItem[] = {
     ATTR(stPtzItem, usPtzAddress),
     ATTR(stPtzItem, ucPtzProtocol),
     ATTR(stPtzItem, ucSerialIndex),
@@ -39,7 +39,7 @@ int CConfig_Task::Import_stPtz(TiXmlElement* pElem, stConfig* pDst) {
   return WalkIndexed(pElem, "stChnPtzPara", kPtzItem, Dest(pDst).stPtzInfo.stChnPtzPara);
 }
 
-constexpr CAttr<stPower> kPower[] = {
+constexpr stAttr<stPower> kPower[] = {
     ATTR(stPower, ucPowerMode),      ATTR(stPower, ucPOnDelayEnable),
     ATTR(stPower, usPOffDelayTime),  ATTR(stPower, uiTimingPOnTime),
     ATTR(stPower, uiTimingPOffTime), ATTR(stPower, uiAccOffStopRecCh),
@@ -49,41 +49,49 @@ int CConfig_Task::Import_stPower(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kPower, Dest(pDst).stPowerInfo);
 }
 
-// Takes as many whole bytes as the block holds; a text with other characters leaves it.
-static int StoreReserveData(stReserve& rec, const char* pszText) {
-  const size_t nDigits = strnlen(pszText, sizeof(rec.ucReserveData) * 2) & ~size_t{1};
+namespace {
+
+// Takes whole bytes; a text with other characters, or of more bytes than the block has, leaves it.
+int StoreReserveData(stReserve& rec, const char* pszText) {
+  const size_t nDigits = strlen(pszText) & ~size_t{1};
   int nLen = sizeof(rec.ucReserveData);
   HexStrToBytes(pszText, static_cast<int>(nDigits), rec.ucReserveData, nLen);
   return 0;
 }
 
-constexpr CAttr<stReserve> kReserve[] = {{"ucReserveData", StoreReserveData}};
+}  // namespace
+
+constexpr stAttr<stReserve> kReserve[] = {{"ucReserveData", StoreReserveData}};
 
 int CConfig_Task::Import_stReserve(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kReserve, Dest(pDst).stReserveInfo);
 }
 
+namespace {
+
 template <auto M>
-static int StoreTimeOfDay(stTPeriodItem& rec, const char* pszText) {
+int StoreTimeOfDay(stTPeriodItem& rec, const char* pszText) {
   rec.*M = TextToTimeOfDay(pszText);
   return 0;
 }
 
-constexpr CAttr<stIpc> kIpc[] = {
+}  // namespace
+
+constexpr stAttr<stIpc> kIpc[] = {
     ATTR(stIpc, ucFD_Enable),
     ATTR(stIpc, ucFD_IPCNum),
     ATTR(stIpc, usFD_FuncMode),
     ATTR(stIpc, ucFD_PureNVR),
 };
 
-constexpr CAttr<stIpcItem> kIpcItem[] = {
+constexpr stAttr<stIpcItem> kIpcItem[] = {
     ATTR(stIpcItem, strFD_User),
     ATTR(stIpcItem, strFD_Pass),
     ATTR_AS(stIpcItem, uiFD_IP, StoreAddress),
     ATTR(stIpcItem, ucFD_Valid),
 };
 
-constexpr CAttr<stTPeriodItem> kTPeriodItem[] = {
+constexpr stAttr<stTPeriodItem> kTPeriodItem[] = {
     ATTR(stTPeriodItem, strFD_Wday),
     ATTR_AS(stTPeriodItem, strFD_StartT, StoreTimeOfDay),
     ATTR_AS(stTPeriodItem, strFD_EndT, StoreTimeOfDay),
@@ -92,6 +100,7 @@ constexpr CAttr<stTPeriodItem> kTPeriodItem[] = {
 int CConfig_Task::Import_stIpc(TiXmlElement* pElem, stConfig* pDst) {
   stIpc& rec = Dest(pDst).stIpcInfo;
   if (Walk(pElem, kIpc, rec) < 0) return -1;
-  if (WalkIndexed(pElem, "stChnIpc", kIpcItem, rec.stChnIpc) < 0) return -1;
+  const int nRet = WalkItems(pElem, "stChnIpc", kIpcItem, rec.stChnIpc);
+  if (nRet != 0) return nRet < 0 ? -1 : 0;
   return WalkIndexed(pElem, "stFunTPeriod", kTPeriodItem, rec.stFunTPeriod);
 }

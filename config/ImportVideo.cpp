@@ -1,7 +1,7 @@
 // Importers of picture and streams; each stands under its attribute tables.
 #include "config/Config_Task.h"
 
-constexpr CAttr<stVideoMirrorItem> kVideoMirrorItem[] = {
+constexpr stAttr<stVideoMirrorItem> kVideoMirrorItem[] = {
     ATTR(stVideoMirrorItem, ucFD_LeftRight),
     ATTR(stVideoMirrorItem, ucFD_UpDown),
     ATTR(stVideoMirrorItem, ucFD_Rotate),
@@ -12,9 +12,11 @@ int CConfig_Task::Import_stVideoMirror(TiXmlElement* pElem, stConfig* pDst) {
                      Dest(pDst).stVideoMirrorInfo.stVideoMirrorPara);
 }
 
+namespace {
+
 // A region's corner goes down to a multiple of 16.
 template <auto M>
-static int StoreRoiCorner(stVideoItem& rec, const char* pszText) {
+int StoreRoiCorner(stVideoItem& rec, const char* pszText) {
   Store<M>(rec, pszText);
   rec.*M = rec.*M / 16 * 16;
   return 0;
@@ -22,19 +24,21 @@ static int StoreRoiCorner(stVideoItem& rec, const char* pszText) {
 
 // Deliberate: a region's size goes up to a multiple of 16, and one that is a multiple grows by 16.
 template <auto M>
-static int StoreRoiSize(stVideoItem& rec, const char* pszText) {
+int StoreRoiSize(stVideoItem& rec, const char* pszText) {
   Store<M>(rec, pszText);
   rec.*M = (rec.*M + 16) / 16 * 16;
   return 0;
 }
 
-constexpr CAttr<stMainStream> kMainStream[] = {
+}  // namespace
+
+constexpr stAttr<stMainStream> kMainStream[] = {
     ATTR(stMainStream, ucFD_VideoMode),
     ATTR(stMainStream, ucFD_VEncFormat),
     ATTR(stMainStream, ucFD_AEncFormat),
 };
 
-constexpr CAttr<stVideoItem> kVideoItem[] = {
+constexpr stAttr<stVideoItem> kVideoItem[] = {
     ATTR(stVideoItem, ucFD_Resolution),
     ATTR(stVideoItem, ucFD_Quality),
     ATTR(stVideoItem, ucFD_FrameRate),
@@ -55,7 +59,7 @@ int CConfig_Task::Import_stMainStream(TiXmlElement* pElem, stConfig* pDst) {
   return WalkIndexed(pElem, "stVideoPara", kVideoItem, rec.stVideoPara);
 }
 
-constexpr CAttr<stSubStream> kSubStream[] = {
+constexpr stAttr<stSubStream> kSubStream[] = {
     ATTR(stSubStream, ucFD_EncodeMode), ATTR(stSubStream, ucFD_Resolution),
     ATTR(stSubStream, ucFD_Quality),    ATTR(stSubStream, ucFD_FrameRate),
     ATTR(stSubStream, uiFD_BitRate),
@@ -65,7 +69,7 @@ int CConfig_Task::Import_stSubStream(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kSubStream, Dest(pDst).stSubStreamInfo);
 }
 
-constexpr CAttr<stVideoCropItem> kVideoCropItem[] = {
+constexpr stAttr<stVideoCropItem> kVideoCropItem[] = {
     ATTR(stVideoCropItem, uiFD_X),
     ATTR(stVideoCropItem, uiFD_Y),
     ATTR(stVideoCropItem, uiFD_Width),
@@ -77,7 +81,7 @@ int CConfig_Task::Import_stVideoCrop(TiXmlElement* pElem, stConfig* pDst) {
                      Dest(pDst).stVideoCropInfo.stVideoCropPara);
 }
 
-constexpr CAttr<stOverlay> kOverlay[] = {
+constexpr stAttr<stOverlay> kOverlay[] = {
     ATTR(stOverlay, ucFD_DeviceNoEnable), ATTR(stOverlay, ucFD_ChnNameEnable),
     ATTR(stOverlay, ucFD_TimeEnable),     ATTR(stOverlay, ucFD_GPSEnable),
     ATTR(stOverlay, ucFD_LPlateEnable),   ATTR(stOverlay, ucFD_SpeedEnable),
@@ -89,7 +93,7 @@ int CConfig_Task::Import_stOverlay(TiXmlElement* pElem, stConfig* pDst) {
   return Walk(pElem, kOverlay, Dest(pDst).stOverlayInfo);
 }
 
-constexpr CAttr<stChnOverlayItem> kChnOverlayItem[] = {
+constexpr stAttr<stChnOverlayItem> kChnOverlayItem[] = {
     ATTR(stChnOverlayItem, ucFD_Resolution),
     ATTR(stChnOverlayItem, ucDisplayStyle),
     ATTR(stChnOverlayItem, ucPreviewEnable),

@@ -8,12 +8,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "CBB/Util/OtherFun.h"
 #include "CBB/Util/TextCopy.h"
-
-int TextToInt(const char* pszText) {
-  return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
-}
 
 float TextToFloat(const char* pszText) {
   const double dValue = atof(pszText);
@@ -27,7 +22,7 @@ uint32_t TextToTimeOfDay(const char* pszText) {
   char szText[23];
   CopyText(szText, sizeof(szText), pszText);
   tm time{};
-  if (!strptime(szText, "%H:%M:%S", &time)) return 0;
+  if (strptime(szText, "%H:%M:%S", &time) == nullptr) return 0;
   return static_cast<uint32_t>(time.tm_hour * 3600 + time.tm_min * 60 + time.tm_sec);
 }
 

@@ -1,13 +1,10 @@
-// Text into numbers, for XML attributes and form values alike. Pure functions, safe on any
-// terminated text and from any thread; what is no number gives 0.
+// Text into numbers, for XML attributes and form values alike; integers are TextToInt's. Pure
+// functions, safe on any terminated text and from any thread; what is no number gives 0.
 #pragma once
 
 #include <cstdint>
 
-// The decimal integer at the start of the text, blanks before it skipped, like atoi. Never
-// undefined: a number that does not fit keeps the low 32 bits of its 64-bit value, which itself
-// stops at the ends of its range (so "4294967297" is 1 and twenty digits 9 are -1).
-int TextToInt(const char* pszText);
+#include "CBB/Util/OtherFun.h"
 
 // The floating-point number at the start of the text, like atof; beyond the range, an infinity or
 // 0.

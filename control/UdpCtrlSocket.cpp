@@ -97,7 +97,7 @@ int CUdpCtrlSocket::CloseCtrlSocket() {
 // the reply to the next.
 void CUdpCtrlSocket::FlushStale() {
   if (m_nSock < 0) return;
-  for (int i = 0; i < kFlushMax; i++) {
+  for (int i = 0; i < kFlushMax; ++i) {
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(m_nSock, &readable);
@@ -165,7 +165,7 @@ int CUdpCtrlSocket::RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec) {
   if (const int nRet = WaitReadable(nTimeoutSec)) return nRet;
   // On the heap: the thread's stack has 128 KiB.
   const std::unique_ptr<uint8_t[]> pWork(new (std::nothrow) uint8_t[kReplyMax]);
-  if (!pWork) return -1;
+  if (pWork == nullptr) return -1;
   sockaddr_in from{};
   socklen_t nFromLen = sizeof(from);
   // Not waiting: a datagram with a bad checksum is announced and then is not there.

@@ -2,12 +2,12 @@
 
 #include <cassert>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "CBB/Util/OtherFun.h"
 #include "CBB/Util/Print.h"
 #include "control/XmlText.h"
 
@@ -30,8 +30,26 @@ static_assert(sizeof(kActions) / sizeof(kActions[0]) == kCmdUnknown, "one row pe
 
 int ActionCode(const char* pszAction) {
   int nCode = 0;
-  while (nCode < kCmdUnknown && strcmp(kActions[nCode], pszAction) != 0) nCode++;
+  while (nCode < kCmdUnknown && strcmp(kActions[nCode], pszAction) != 0) ++nCode;
   return nCode;
+}
+
+// The check of a parsed message, with CheckMessage's results.
+int FindRoot(TiXmlDocument& doc, TiXmlElement*& pRoot) {
+  TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
+  if (pFound == nullptr) return -2;
+  // Deliberate: the lines name the classifier, whoever asks for the check.
+  const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
+  if (pAttr == nullptr) {
+    printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
+    return -1;
+  }
+  if (strcmp(pAttr->Name(), kAction) != 0) {
+    printf("CWebCtrl::GetParaCmdType, first attribute name is not Action.\n");
+    return -1;
+  }
+  pRoot = pFound;
+  return 0;
 }
 
 }  // namespace
@@ -55,31 +73,17 @@ int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nR
   if (const int nRet = sock.SendDataToHost(pszMsg, nLen)) return nRet;
   // On the heap: the thread's stack has 128 KiB.
   const std::unique_ptr<char[]> pReply(new (std::nothrow) char[kReplyMax + 1]());
-  if (!pReply) return -1;
+  if (pReply == nullptr) return -1;
   int nReplyLen = kReplyMax;
   if (sock.RecvDataFromHost(pReply.get(), nReplyLen, nTimeoutSec)) return -1;
   char szResult[kResultSize] = "";
   if (GetParaAttr(pReply.get(), kResult, szResult, sizeof(szResult))) return -1;
-  nResult = atoi(szResult);
+  nResult = TextToInt(szResult);
   return 0;
 }
 
 int CheckMessage(const char* pszText, TiXmlDocument& doc, TiXmlElement*& pRoot) {
-  if (ParseXml(doc, pszText)) return -2;
-  TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
-  if (!pFound) return -2;
-  // Deliberate: the lines name the classifier, whoever asks for the check.
-  const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
-  if (!pAttr) {
-    printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
-    return -1;
-  }
-  if (strcmp(pAttr->Name(), kAction) != 0) {
-    printf("CWebCtrl::GetParaCmdType, first attribute name is not Action.\n");
-    return -1;
-  }
-  pRoot = pFound;
-  return 0;
+  return ParseXml(doc, pszText) ? -2 : FindRoot(doc, pRoot);
 }
 
 int CheckRoot(const char* pszText) {
@@ -87,14 +91,16 @@ int CheckRoot(const char* pszText) {
   TiXmlDocument doc;
   TiXmlElement* pRoot = nullptr;
   const int nRet = CheckMessage(strTag.c_str(), doc, pRoot);
-  return nRet == -2 ? CheckMessage(pszText, doc, pRoot) : nRet;
+  if (nRet != -2) return nRet;
+  if (ParseXml(doc, pszText)) ParseXml(doc, OutermostXml(pszText).c_str());
+  return FindRoot(doc, pRoot);
 }
 
 int GetParaSection(const char* pszReply, TiXmlDocument& doc, TiXmlElement*& pSection) {
   TiXmlElement* pRoot = nullptr;
   if (CheckMessage(pszReply, doc, pRoot)) return -1;
   pSection = pRoot->FirstChildElement();
-  return pSection ? 0 : -1;
+  return pSection != nullptr ? 0 : -1;
 }
 
 int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_t nCapacity) {
@@ -103,7 +109,7 @@ int GetParaAttr(const char* pszReply, const char* pszName, char* pszValue, size_
   TiXmlElement* pRoot = nullptr;
   if (CheckMessage(pszReply, doc, pRoot)) return -1;
   const char* const pszFound = pRoot->Attribute(pszName);
-  if (!pszFound) return -1;
+  if (pszFound == nullptr) return -1;
   snprintf(pszValue, nCapacity, "%s", pszFound);
   return 0;
 }
@@ -118,7 +124,7 @@ int GetParaCmdType(const char* pszText, int& nCode) {
   if (nRet) return -1;
   const TiXmlAttribute* const pAction = pRoot->FirstAttribute();
   const TiXmlAttribute* const pSecond = pAction->Next();
-  if (pSecond && !strcmp(pSecond->Name(), kResult)) {
+  if (pSecond != nullptr && !strcmp(pSecond->Name(), kResult)) {
     printf("CWebCtrl::GetParaCmdType, is resp msg, do't handle.\n");
     return -1;
   }

@@ -49,8 +49,9 @@ int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nR
 // text nests too deep to be parsed).
 int CheckMessage(const char* pszText, TiXmlDocument& doc, TiXmlElement*& pRoot);
 
-// The same check for who needs nothing of the message itself: parses no more than the root's tag,
-// unless that is an odd one. What is below the root may then nest as deep as it likes.
+// The same check for who needs nothing of the message itself: the root alone decides, and what
+// stands before it or below it may nest as deep as it likes. Parses no more than the root's tag
+// where that begins the text and is a plain one.
 int CheckRoot(const char* pszText);
 
 // Parses a reply into the caller's document and finds the section: the root's first child element,

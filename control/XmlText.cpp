@@ -12,17 +12,21 @@ namespace {
 // sequence is longer than this.
 constexpr size_t kPadding = 8;
 
-bool HasUtf8Mark(const char* pszText) { return !strncmp(pszText, "\xEF\xBB\xBF", 3); }
+bool HasUtf8Mark(const char* pszText) { return strncmp(pszText, "\xEF\xBB\xBF", 3) == 0; }
 
 // Measures nesting with the parser's own lexical functions, so that both see the same tags in
-// every encoding. Only elements are taken apart here, in a loop; the rest cannot nest.
+// every encoding. Only elements are taken apart here, in a loop; the rest cannot nest. Good for one
+// text.
 class CDepthProbe : private TiXmlDocument {
  public:
   // True when the parser would go deeper than kXmlDepthMax. Where the parser stops with an error,
   // the measuring may stop too.
   bool IsTooDeep(const char* pszText);
+  // The text without what is inside of its outermost elements.
+  std::string Outermost(const char* pszText);
 
  private:
+  const char* Begin(const char* pszText);
   const char* Step(const char* p);
   const char* OpenElement(const char* p);
   const char* CloseElement(const char* p);
@@ -33,15 +37,34 @@ class CDepthProbe : private TiXmlDocument {
   int m_nDeepest = 0;
 };
 
-bool CDepthProbe::IsTooDeep(const char* pszText) {
+const char* CDepthProbe::Begin(const char* pszText) {
   if (HasUtf8Mark(pszText)) m_encoding = TIXML_ENCODING_UTF8;
-  const char* p = SkipWhiteSpace(pszText, m_encoding);
-  while (p && *p && m_nDeepest <= kXmlDepthMax) {
+  return SkipWhiteSpace(pszText, m_encoding);
+}
+
+bool CDepthProbe::IsTooDeep(const char* pszText) {
+  const char* p = Begin(pszText);
+  while (p != nullptr && *p && m_nDeepest <= kXmlDepthMax) {
     p = Step(p);
     // Not in one call with the step, which may have learnt the encoding.
     p = SkipWhiteSpace(p, m_encoding);
   }
   return m_nDeepest > kXmlDepthMax;
+}
+
+std::string CDepthProbe::Outermost(const char* pszText) {
+  const char* p = Begin(pszText);
+  std::string strOutermost(pszText, p != nullptr ? p : pszText);
+  while (p != nullptr && *p) {
+    const bool bInside = m_nDepth > 0;
+    const char* const pNext = Step(p);
+    // Behind what the parser stops at, nothing matters.
+    if (!bInside) strOutermost.append(p, pNext != nullptr ? pNext : p + strlen(p));
+    if (!bInside && m_nDepth > 0 && pNext != nullptr)
+      strOutermost.insert(strOutermost.size() - 1, "/");
+    p = SkipWhiteSpace(pNext, m_encoding);
+  }
+  return strOutermost;
 }
 
 // Steps over one tag, text or other node. Returns null where the parser stops.
@@ -52,8 +75,8 @@ const char* CDepthProbe::Step(const char* p) {
   }
   if (m_nDepth > 0 && p[1] == '/') return CloseElement(p);
   const std::unique_ptr<TiXmlNode> pNode(Identify(p, m_encoding));
-  if (!pNode) return nullptr;
-  if (pNode->ToElement()) return OpenElement(p);
+  if (pNode == nullptr) return nullptr;
+  if (pNode->ToElement() != nullptr) return OpenElement(p);
   p = pNode->Parse(p, nullptr, m_encoding);
   if (m_nDepth == 0) LearnEncoding(*pNode);
   return p;
@@ -64,12 +87,12 @@ const char* CDepthProbe::OpenElement(const char* p) {
   if (++m_nDepth > m_nDeepest) m_nDeepest = m_nDepth;
   TIXML_STRING name;
   p = ReadName(SkipWhiteSpace(p + 1, m_encoding), &name, m_encoding);
-  while (p && *p) {
+  while (p != nullptr && *p) {
     p = SkipWhiteSpace(p, m_encoding);
-    if (!p || !*p) return nullptr;
+    if (p == nullptr || !*p) return nullptr;
     if (*p == '>') return p + 1;
     if (*p == '/') {
-      m_nDepth--;
+      --m_nDepth;
       return p[1] == '>' ? p + 2 : nullptr;
     }
     TiXmlAttribute attribute;
@@ -80,18 +103,18 @@ const char* CDepthProbe::OpenElement(const char* p) {
 
 // Steps over an end tag. Its name is not compared: the parser stops at a wrong one.
 const char* CDepthProbe::CloseElement(const char* p) {
-  m_nDepth--;
+  --m_nDepth;
   TIXML_STRING name;
   p = SkipWhiteSpace(ReadName(p + 2, &name, m_encoding), m_encoding);
-  return p && *p == '>' ? p + 1 : nullptr;
+  return p != nullptr && *p == '>' ? p + 1 : nullptr;
 }
 
 // A first declaration fixes the encoding of what follows, by the parser's rule.
 void CDepthProbe::LearnEncoding(TiXmlNode& node) {
   const TiXmlDeclaration* const pDecl = node.ToDeclaration();
-  if (!pDecl || m_encoding != TIXML_ENCODING_UNKNOWN) return;
+  if (pDecl == nullptr || m_encoding != TIXML_ENCODING_UNKNOWN) return;
   const char* const pszName = pDecl->Encoding();
-  const bool bUtf8 = !*pszName || StringEqual(pszName, "UTF-8", true, TIXML_ENCODING_UNKNOWN) ||
+  const bool bUtf8 = *pszName == 0 || StringEqual(pszName, "UTF-8", true, TIXML_ENCODING_UNKNOWN) ||
                      StringEqual(pszName, "UTF8", true, TIXML_ENCODING_UNKNOWN);
   m_encoding = bUtf8 ? TIXML_ENCODING_UTF8 : TIXML_ENCODING_LEGACY;
 }
@@ -102,7 +125,7 @@ void CDepthProbe::LearnEncoding(TiXmlNode& node) {
 // missed.
 const char* PlainTagEnd(const char* p) {
   const char* const pEnd = strchr(p, '>');
-  if (!pEnd || memchr(p, '\'', static_cast<size_t>(pEnd - p))) return nullptr;
+  if (pEnd == nullptr || memchr(p, '\'', static_cast<size_t>(pEnd - p)) != nullptr) return nullptr;
   bool bInValue = false;
   while (const void* const pQuote = memchr(p, '"', static_cast<size_t>(pEnd - p))) {
     p = static_cast<const char*>(pQuote) + 1;
@@ -111,22 +134,22 @@ const char* PlainTagEnd(const char* p) {
   return bInValue ? nullptr : pEnd;
 }
 
-bool BeginsName(char c) { return c == '_' || (c > 0 && isalpha(c)); }
+bool BeginsName(char c) { return c == '_' || (c > 0 && isalpha(c) != 0); }
 
 // True when the text is made of elements and text alone, in the plainest form, none nested too
 // deep: what a device really sends is passed here without building anything.
 bool IsPlainAndFlat(const char* pszText) {
   if (HasUtf8Mark(pszText)) return false;
   int nDepth = 0;
-  for (const char* p = strchr(pszText, '<'); p; p = strchr(p, '<')) {
-    p++;
+  for (const char* p = strchr(pszText, '<'); p != nullptr; p = strchr(p, '<')) {
+    ++p;
     if (*p == '/') {
       if (--nDepth < 0) return false;
       continue;
     }
     if (!BeginsName(*p)) return false;
     p = PlainTagEnd(p);
-    if (!p) return false;
+    if (p == nullptr) return false;
     if (p[-1] != '/' && ++nDepth >= kXmlDepthMax) return false;
   }
   return true;
@@ -142,7 +165,7 @@ int ParseXml(TiXmlDocument& doc, const char* pszText) {
   doc.SetTabSize(0);
   const size_t nLen = strlen(pszText);
   const std::unique_ptr<char[]> pCopy(new (std::nothrow) char[nLen + kPadding]);
-  if (!pCopy) return -1;
+  if (pCopy == nullptr) return -1;
   memcpy(pCopy.get(), pszText, nLen);
   memset(pCopy.get() + nLen, 0, kPadding);
   if (!IsPlainAndFlat(pCopy.get())) {
@@ -153,10 +176,17 @@ int ParseXml(TiXmlDocument& doc, const char* pszText) {
   return 0;
 }
 
+std::string OutermostXml(const char* pszText) {
+  const std::string strPadded = std::string(pszText).append(kPadding, '\0');
+  CDepthProbe probe;
+  return probe.Outermost(strPadded.c_str());
+}
+
 size_t RootTagLength(const char* pszText) {
   if (pszText[0] != '<' || !BeginsName(pszText[1])) return 0;
   const char* const pEnd = PlainTagEnd(pszText + 1);
   // A reference without its end is looked for in what follows.
-  if (!pEnd || memchr(pszText, '&', static_cast<size_t>(pEnd - pszText))) return 0;
+  if (pEnd == nullptr || memchr(pszText, '&', static_cast<size_t>(pEnd - pszText)) != nullptr)
+    return 0;
   return static_cast<size_t>(pEnd - pszText) + 1;
 }

@@ -7,6 +7,7 @@
 #include <tinyxml.h>
 
 #include <cstddef>
+#include <string>
 
 // The deepest nesting of elements that is parsed; the root counts as 1.
 constexpr int kXmlDepthMax = 32;
@@ -16,6 +17,10 @@ constexpr int kXmlDepthMax = 32;
 // document, when elements nest deeper than kXmlDepthMax or memory runs out. Stateless, for any
 // thread.
 int ParseXml(TiXmlDocument& doc, const char* pszText);
+
+// A terminated text without what is inside of its outermost elements: the parser makes the same of
+// their tags and of all else outside of them, however deep the text nests. For any thread.
+std::string OutermostXml(const char* pszText);
 
 // The length of a terminated text's root tag, when the text begins with one and the tag is so plain
 // that the parser makes the same of it whatever follows; else 0. For any thread.

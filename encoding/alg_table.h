@@ -38,57 +38,57 @@ struct alg_table {
   uint32_t uiChanges;      // counts every put and every remove that found its key
 };
 
-// A new empty table for about `hint` entries (0 and up; more may be put). It has 509 buckets for a
+// A new empty table for about nHint entries (0 and up; more may be put). It has 509 buckets for a
 // hint below 510, else the prime before the first one of 509, 1021, 2053, 4093, 8191, 16381, 32771,
 // 65521, 2147483647 that is not below the hint. Null without memory.
-alg_table* Table_new(int hint, TableCompare cmp, TableHash hash);
+alg_table* Table_new(int nHint, TableCompare pfnCmp, TableHash pfnHash);
 
-// Frees *table with all its entries and sets it to null.
-void Table_free(alg_table** table);
+// Frees *ppTable with all its entries and sets it to null.
+void Table_free(alg_table** ppTable);
 
 // The number of entries.
-int Table_length(const alg_table* table);
+int Table_length(const alg_table* pTable);
 
 // The value of the key, 0 when the table has none.
-uint32_t Table_get(const alg_table* table, uint32_t key);
+uint32_t Table_get(const alg_table* pTable, uint32_t uiKey);
 
 // The same for a caller that knows the table's hash function when it is compiled and looks up in a
 // tight loop: Table_get<Hash>(table, key).
 template <TableHash kHash>
-inline uint32_t Table_get(const alg_table* table, uint32_t key);
+inline uint32_t Table_get(const alg_table* pTable, uint32_t uiKey);
 
 // Gives the key a value. -1: the key is new; 0 and up: the value that was replaced;
 // -2: no memory, the table is as before.
-int64_t Table_put(alg_table* table, uint32_t key, uint32_t value);
+int64_t Table_put(alg_table* pTable, uint32_t uiKey, uint32_t uiValue);
 
 // Takes the key out. Returns its value, 0 when the table has none.
-uint32_t Table_remove(alg_table* table, uint32_t key);
+uint32_t Table_remove(alg_table* pTable, uint32_t uiKey);
 
-// Calls apply(key, &value, pArg) for every entry, in no order to rely on.
-void Table_map(alg_table* table, TableVisit apply, void* pArg);
+// Calls pfnApply(key, &value, pArg) for every entry, in no order to rely on.
+void Table_map(alg_table* pTable, TableVisit pfnApply, void* pArg);
 
-// All pairs as an array key, value, key, value, ..., end of 2 * length + 1 numbers. The caller
+// All pairs as an array key, value, key, value, ..., uiEnd, of 2 * length + 1 numbers. The caller
 // releases it with free(). Null without memory.
-uint32_t* Table_toArray(const alg_table* table, uint32_t end);
+uint32_t* Table_toArray(const alg_table* pTable, uint32_t uiEnd);
 
 // The bucket of a hash, that is 1 + hash modulo bucket count, without a division. The quotient is
 // exact because hash and bucket count both have 16 bits.
-inline uint32_t TableBucket(const alg_table* table, uint16_t usHash) {
-  const uint64_t ullProduct = static_cast<uint64_t>(usHash) * table->uiReciprocal;
-  return 1 + usHash - static_cast<uint32_t>(ullProduct >> 32) * table->uiBuckets;
+inline uint32_t TableBucket(const alg_table* pTable, uint16_t usHash) {
+  const uint64_t ullProduct = static_cast<uint64_t>(usHash) * pTable->uiReciprocal;
+  return 1 + usHash - static_cast<uint32_t>(ullProduct >> 32) * pTable->uiBuckets;
 }
 
 // Whether the bucket or the entry behind it has the key cannot be predicted, and a wrong guess
 // costs more than the lookup. So which one it is must be computed (a conditional move), not
 // branched upon.
 template <TableHash kHash>
-inline uint32_t Table_get(const alg_table* table, uint32_t key) {
-  ENC_ASSERT(table, "table");
-  ENC_ASSERT(key, "key");
-  const uint32_t uiBucket = TableBucket(table, kHash(key));
-  const stTableEntry& first = table->pEntries[uiBucket];
-  const uint32_t uiIfFirst = 0u - (first.uiKey == key);  // all bits or none
+inline uint32_t Table_get(const alg_table* pTable, uint32_t uiKey) {
+  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(uiKey, "key");
+  const uint32_t uiBucket = TableBucket(pTable, kHash(uiKey));
+  const stTableEntry& first = pTable->pEntries[uiBucket];
+  const uint32_t uiIfFirst = 0u - (first.uiKey == uiKey);  // all bits or none
   const uint32_t uiEntry = first.uiNext ^ ((first.uiNext ^ uiBucket) & uiIfFirst);
-  const stTableEntry& entry = table->pEntries[uiEntry];
-  return entry.uiKey == key ? entry.uiValue : Table_get(table, key);
+  const stTableEntry& entry = pTable->pEntries[uiEntry];
+  return entry.uiKey == uiKey ? entry.uiValue : Table_get(pTable, uiKey);
 }

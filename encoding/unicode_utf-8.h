@@ -17,8 +17,8 @@
 // --- GBK to code points -------------------------------------------------------------------------
 
 // usGbk: the next two bytes, lead byte high. Returns 1 for ASCII (the lead byte alone), 2 for a
-// two-byte character, 0 for one that is none (*ucs untouched). An unassigned code gives U+0001.
-int enc_GBK_to_unicode_one(uint16_t usGbk, uint32_t* ucs);
+// two-byte character, 0 for one that is none (*pUcs untouched). An unassigned code gives U+0001.
+int enc_GBK_to_unicode_one(uint16_t usGbk, uint32_t* pUcs);
 
 // nLen in bytes; 0 or less converts nothing. Capacity: at least 1 code point. A lead byte at the
 // end is paired with the byte behind the input, which must be readable.
@@ -29,11 +29,11 @@ int enc_GBK_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut)
 
 // --- UTF-8 to code points -----------------------------------------------------------------------
 
-// One sequence of up to six bytes. Returns the bytes consumed, 0 when it is none (*Unic is 0 then).
-// Reads no further than the first byte that cannot continue the sequence, so a terminator stops it.
-// Overlong forms and surrogates pass; a two-byte sequence whose second byte is 0xA0 to 0xBF does
-// not; five-byte sequences put the lead byte's two bits at bits 30-31.
-int enc_utf8_to_unicode_one(const char* pInput, uint32_t* Unic);
+// One sequence of up to six bytes. Returns the bytes consumed, 0 when it is none (*pUnic is 0
+// then). Reads no further than the first byte that cannot continue the sequence, so a terminator
+// stops it. Overlong forms and surrogates pass; a two-byte sequence whose second byte is 0xA0 to
+// 0xBF does not; five-byte sequences put the lead byte's two bits at bits 30-31.
+int enc_utf8_to_unicode_one(const char* pInput, uint32_t* pUnic);
 
 // nLen in bytes; 0 or less converts nothing. Capacity: at least 1 code point. A sequence that
 // starts inside the input may end behind it: a byte that continues none (a 0) must follow.
@@ -44,9 +44,9 @@ int enc_utf8_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut
 
 // --- Code points to UTF-8 -----------------------------------------------------------------------
 
-// Returns the bytes written (1 to 6), 0 for a value from 0x80000000 on. outSize: at least 6,
+// Returns the bytes written (1 to 6), 0 for a value from 0x80000000 on. nOutSize: at least 6,
 // whatever the value.
-int enc_unicode_to_utf8_one(uint32_t unic, char* pOutput, int outSize);
+int enc_unicode_to_utf8_one(uint32_t uiUnic, char* pOutput, int nOutSize);
 
 // 0-terminated code points. Capacity: at least 6 bytes; conversion stops as full once fewer than 6
 // remain.
@@ -59,8 +59,8 @@ int enc_unicode_to_utf8_str(const uint32_t* pInput, char* pOutput, int* nMembOut
 int enc_stc_unicode_to_GBK_init();
 
 // Returns 1 for ASCII, 2 for a two-byte code (lead byte high), 0 when GBK has no such character or
-// the reverse table could not be built (*gbk untouched).
-int enc_unicode_to_GBK_one(uint32_t unic, uint16_t* gbk);
+// the reverse table could not be built (*pGbk untouched).
+int enc_unicode_to_GBK_one(uint32_t uiUnic, uint16_t* pGbk);
 
 // 0-terminated code points. Capacity: at least 2 bytes; conversion stops as full once fewer than 2
 // remain.

@@ -30,7 +30,7 @@ void SkipHead(std::string_view& rest) {
 size_t TakeChunkSize(std::string_view& rest) {
   size_t nSize = 0;
   size_t nDigits = 0;
-  for (; nDigits < rest.size() && isxdigit(static_cast<unsigned char>(rest[nDigits])); nDigits++) {
+  for (; nDigits < rest.size() && isxdigit(static_cast<unsigned char>(rest[nDigits])); ++nDigits) {
     const char c = rest[nDigits];
     nSize = nSize * 16 + static_cast<size_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
   }

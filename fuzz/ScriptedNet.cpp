@@ -134,7 +134,7 @@ std::string CScriptedNet::Read() {
 void CScriptedNet::Disconnect() {
   g_bGone = true;
   // Closing may be put off for a connection that takes no more.
-  for (int i = 0; i < 4 && g_pClient != nullptr; i++) Poll();
+  for (int i = 0; i < 4 && g_pClient != nullptr; ++i) Poll();
   if (g_pClient != nullptr) g_pClient->flags |= MG_F_CLOSE_IMMEDIATELY;
   if (g_pClient != nullptr) Poll();
   Require(g_pClient == nullptr);

@@ -21,7 +21,7 @@ bool Take(std::string_view& rest) {
     if ((ucLead & form.ucMask) != form.ucLead) continue;
     if (rest.size() <= form.nFollow) return false;
     uint32_t uiPoint = ucLead & static_cast<unsigned char>(~form.ucMask);
-    for (size_t i = 1; i <= form.nFollow; i++) {
+    for (size_t i = 1; i <= form.nFollow; ++i) {
       const auto uc = static_cast<unsigned char>(rest[i]);
       if ((uc & 0xC0) != 0x80) return false;
       uiPoint = uiPoint << 6 | (uc & 0x3F);

@@ -37,7 +37,8 @@ void CheckSetMessage(std::string_view message) {
   TiXmlElement* const pRoot = doc.FirstChildElement("VariCfgSec");
   Require(pRoot != nullptr);
   const char* const pszAction = pRoot->Attribute("Action");
-  Require(pszAction && strcmp(pszAction, "DEVICE_SET") == 0 && !pRoot->Attribute("Result"));
+  Require(pszAction != nullptr && strcmp(pszAction, "DEVICE_SET") == 0 &&
+          pRoot->Attribute("Result") == nullptr);
 }
 
 // Calls the handler of a URI with a body and gives the bodies of its replies.
@@ -60,7 +61,7 @@ void Import(std::string_view text, std::string_view reply) {
   size_t nSent = 0;
   SetDatagramCheck([&nSent](std::string_view message) {
     CheckSetMessage(message);
-    nSent++;
+    ++nSent;
   });
   SetDeviceScript({reply});
   const auto bodies = Call("/import_CfgFile", Encoded(text));

@@ -66,7 +66,7 @@ void Check(std::string_view body, const char* pszName, Presence rule) {
   const auto pBody = ExactCopy(body, false);
   msg.body = {pBody.get(), body.size()};
   CFormReader<N> form(msg);
-  for (int i = 0; i < 2; i++) {  // a second reading gives the same
+  for (int i = 0; i < 2; ++i) {  // a second reading gives the same
     const char* const pszText = form.Get(pszName, rule);
     const auto expected = Expected(body, pszName, rule, N);
     Require((pszText != nullptr) == expected.has_value());

@@ -19,7 +19,7 @@ Items Expected(std::string_view list, uint32_t uiChannels) {
   Items items;
   int64_t nIndex = static_cast<int64_t>(uiChannels) - 1;
   // What stands before the first star belongs to nobody.
-  for (size_t i = parts.size() - 1; i > 0; i--) items.emplace_back(nIndex--, parts[i]);
+  for (size_t i = parts.size() - 1; i > 0; --i) items.emplace_back(nIndex--, parts[i]);
   return items;
 }
 

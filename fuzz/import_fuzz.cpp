@@ -18,7 +18,7 @@ void CheckTexts(const std::vector<stField>& fields, const char* pBase) {
   for (const stField& field : fields) {
     const bool bText = field.eKind == Kind::kText || field.eKind == Kind::kDeviceNo ||
                        field.eKind == Kind::kRevision;
-    if (bText) Require(memchr(pBase + field.nOffset, '\0', field.nWidth));
+    if (bText) Require(memchr(pBase + field.nOffset, '\0', field.nWidth) != nullptr);
   }
 }
 
@@ -34,7 +34,7 @@ void CheckRecord(const stSection& section, const stConfig& config) {
   Require(AllZero(pRecord + section.nSize, pConfig + sizeof(config)));
   CheckTexts(section.fields, pRecord);
   for (const stGroup& group : section.groups)
-    for (size_t i = 0; i < group.nItems; i++)
+    for (size_t i = 0; i < group.nItems; ++i)
       CheckTexts(group.fields, pRecord + group.nOffset + i * group.nItemSize);
 }
 
@@ -55,13 +55,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   TiXmlDocument doc;
   if (ParseXml(doc, strText.c_str()) != 0) return 0;
   TiXmlElement* const pRoot = doc.RootElement();
-  if (!pRoot) return 0;
+  if (pRoot == nullptr) return 0;
   // The root stands for a section as well as the elements inside it do.
   CConfig_Task task;
   ImportAll(task, pRoot);
   int nSections = 0;
-  for (TiXmlElement* p = pRoot->FirstChildElement(); p && nSections < 4;
-       p = p->NextSiblingElement(), nSections++)
+  for (TiXmlElement* p = pRoot->FirstChildElement(); p != nullptr && nSections < 4;
+       p = p->NextSiblingElement(), ++nSections)
     ImportAll(task, p);
   return 0;
 }

@@ -20,7 +20,7 @@ std::string Expand(std::string_view input) {
   bool bRepeated = false;
   for (const std::string_view part : Split(input, kRepeatMark)) {
     const int nTimes = bRepeated && part.size() <= kLongestRepeated ? kXmlDepthMax + 1 : 1;
-    for (int i = 0; i < nTimes; i++) strText += part;
+    for (int i = 0; i < nTimes; ++i) strText += part;
     bRepeated = !bRepeated;
   }
   return strText;
@@ -31,18 +31,18 @@ int DepthOf(const TiXmlDocument& doc) {
   int nDeepest = 0;
   int nDepth = 1;
   const TiXmlNode* pNode = doc.FirstChild();
-  while (pNode) {
-    if (pNode->ToElement()) nDeepest = std::max(nDeepest, nDepth);
-    if (pNode->FirstChild()) {
+  while (pNode != nullptr) {
+    if (pNode->ToElement() != nullptr) nDeepest = std::max(nDeepest, nDepth);
+    if (pNode->FirstChild() != nullptr) {
       pNode = pNode->FirstChild();
-      nDepth++;
+      ++nDepth;
       continue;
     }
-    while (pNode && !pNode->NextSibling()) {
+    while (pNode != nullptr && pNode->NextSibling() == nullptr) {
       pNode = pNode->Parent() == &doc ? nullptr : pNode->Parent();
-      nDepth--;
+      --nDepth;
     }
-    if (pNode) pNode = pNode->NextSibling();
+    if (pNode != nullptr) pNode = pNode->NextSibling();
   }
   return nDeepest;
 }
@@ -52,7 +52,7 @@ void CheckParser(const char* pszText) {
   if (ParseXml(doc, pszText) == 0) {
     Require(DepthOf(doc) <= kXmlDepthMax);
   } else {
-    Require(!doc.FirstChild());
+    Require(doc.FirstChild() == nullptr);
   }
 }
 
@@ -60,10 +60,10 @@ void CheckSection(const char* pszText, const TiXmlElement* pRoot) {
   TiXmlDocument doc;
   TiXmlElement* pSection = nullptr;
   if (GetParaSection(pszText, doc, pSection) != 0) {
-    Require(!pSection && (!pRoot || !pRoot->FirstChildElement()));
+    Require(pSection == nullptr && (pRoot == nullptr || pRoot->FirstChildElement() == nullptr));
     return;
   }
-  Require(pRoot && pSection->GetDocument() == &doc);
+  Require(pRoot != nullptr && pSection->GetDocument() == &doc);
   Require(pSection->Parent()->ValueStr() == "VariCfgSec");
   Require(pSection->ValueStr() == pRoot->FirstChildElement()->ValueStr());
 }
@@ -74,9 +74,9 @@ void CheckAttr(const char* pszText, const TiXmlElement* pRoot, const char* pszNa
   for (const size_t nCapacity : {1U, 2U, 7U, 512U}) {
     std::string strRoom(nCapacity + 1, kUntouched);
     const int nRet = GetParaAttr(pszText, pszName, strRoom.data(), nCapacity);
-    const char* const pszValue = pRoot ? pRoot->Attribute(pszName) : nullptr;
+    const char* const pszValue = pRoot != nullptr ? pRoot->Attribute(pszName) : nullptr;
     Require((nRet == 0) == (pszValue != nullptr) && strRoom[nCapacity] == kUntouched);
-    if (!pszValue) {
+    if (pszValue == nullptr) {
       Require(strRoom == std::string(nCapacity + 1, kUntouched));
     } else {
       const size_t nKept = std::min(strlen(pszValue), nCapacity - 1);
@@ -89,10 +89,11 @@ void CheckCmdType(const char* pszText, const TiXmlElement* pRoot) {
   constexpr int kUntouched = 77;
   int nCode = kUntouched;
   const int nRet = GetParaCmdType(pszText, nCode);
-  Require(nRet == 0 ? pRoot && nCode >= 0 && nCode <= kCmdUnknown : nCode == kUntouched);
-  const TiXmlAttribute* const pSecond = pRoot ? pRoot->FirstAttribute()->Next() : nullptr;
-  const bool bReply = pSecond && strcmp(pSecond->Name(), "Result") == 0;
-  Require((nRet == 0) == (pRoot && !bReply));
+  Require(nRet == 0 ? pRoot != nullptr && nCode >= 0 && nCode <= kCmdUnknown : nCode == kUntouched);
+  const TiXmlAttribute* const pSecond =
+      pRoot != nullptr ? pRoot->FirstAttribute()->Next() : nullptr;
+  const bool bReply = pSecond != nullptr && strcmp(pSecond->Name(), "Result") == 0;
+  Require((nRet == 0) == (pRoot != nullptr && !bReply));
 }
 
 }  // namespace
@@ -109,7 +110,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   // Of a message that nests too deep, the root may still be a good one.
   TiXmlDocument whole;
   Require(CheckRoot(pszText) == nMessage || ParseXml(whole, pszText) != 0);
-  Require(!pRoot || strcmp(pRoot->FirstAttribute()->Name(), "Action") == 0);
+  Require(pRoot == nullptr || strcmp(pRoot->FirstAttribute()->Name(), "Action") == 0);
   CheckSection(pszText, pRoot);
   for (const char* pszName : {"Action", "Result", "a"}) CheckAttr(pszText, pRoot, pszName);
   CheckCmdType(pszText, pRoot);

@@ -51,7 +51,7 @@ class CModel {
   }
 
   int CheckId(const std::string& strId, int32_t nNow) {
-    for (size_t i = 0; i < m_logins.size(); i++) {
+    for (size_t i = 0; i < m_logins.size(); ++i) {
       if (m_logins[i].strId != strId) continue;
       const bool bFresh = nNow - m_logins[i].nTime <= 1800;
       if (bFresh) {

@@ -25,7 +25,7 @@ bool AllOf(std::string_view text, int (*pfnIs)(int)) {
 bool IsAddress(std::string_view text) {
   const auto groups = Split(text, '.');
   if (groups.size() != 4) return false;
-  for (size_t i = 0; i < groups.size(); i++) {
+  for (size_t i = 0; i < groups.size(); ++i) {
     if (!AllOf(groups[i], isdigit)) return false;
     const size_t nZeros = std::min(groups[i].find_first_not_of('0'), groups[i].size());
     const std::string strNumber(groups[i].substr(nZeros));
@@ -72,7 +72,7 @@ void CheckHex(std::string_view text) {
     Require(nRet == 0 ? nOut == static_cast<int>(nBytes)
                       : nOut == static_cast<int>(nRoom) && out == untouched);
     std::string strBack;
-    for (int i = 0; nRet == 0 && i < nOut; i++) {
+    for (int i = 0; nRet == 0 && i < nOut; ++i) {
       char szByte[3];
       snprintf(szByte, sizeof(szByte), "%02x", out[static_cast<size_t>(i)]);
       strBack += szByte;
@@ -109,7 +109,7 @@ void CheckAddressValue(const char* pszText) {
   constexpr uint32_t kUntouched = 0x5A5A5A5A;
   uint32_t uiValue = kUntouched;
   Require(ConvertAddressValue(pszText, uiValue) == 0);
-  const bool bKnown = IsIpAddrStr(pszText) || IsHexStr(pszText) || IsDecStr(pszText);
+  const bool bKnown = IsIpAddrStr(pszText) != 0 || IsHexStr(pszText) != 0 || IsDecStr(pszText) != 0;
   Require(bKnown || uiValue == kUntouched);
   if (!IsIpAddrStr(pszText) && !IsHexStr(pszText) && bKnown)
     Require(static_cast<int>(uiValue) == ModelInt(pszText));

@@ -22,7 +22,7 @@ packages_for() {
     # A font for the Chinese screenshots.
     ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
-    bench) echo libbenchmark-dev wrk lighttpd busybox libfcgi-dev valgrind ;;
+    bench) echo wrk lighttpd busybox libfcgi-dev valgrind ;;
     coverage) echo gcovr ;;
     fuzz) echo clang libclang-rt-14-dev llvm ;;
     # The libraries of the recorder's architecture, and what runs its executables here.

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "CBB/Util/Print.h"
+
 namespace {
 
 constexpr int kLevelMax = 4;
@@ -34,17 +36,18 @@ void DebugPrint(int nLevel, const char* pszFormat, ...) {
   va_end(args);
   if (nLen <= 0) return;
   if (nLen >= kMessageSize) nLen = kMessageSize - 1;
+  FlushPrinted();  // this message goes past what is held back
   // A trace that cannot be written has nowhere to complain to.
   if (write(STDOUT_FILENO, szText, static_cast<size_t>(nLen)) < 0) return;
 }
 
 void DebugLower() {
-  if (g_stDebug.ucEnable && g_stDebug.nThreshold > 0) g_stDebug.nThreshold--;
+  if (g_stDebug.ucEnable && g_stDebug.nThreshold > 0) --g_stDebug.nThreshold;
   PrintSettings();
 }
 
 void DebugRaise() {
-  if (g_stDebug.ucEnable && g_stDebug.nThreshold <= kLevelMax) g_stDebug.nThreshold++;
+  if (g_stDebug.ucEnable && g_stDebug.nThreshold <= kLevelMax) ++g_stDebug.nThreshold;
   PrintSettings();
 }
 
@@ -61,10 +64,10 @@ void SetDebugEnable(uint8_t ucEnable) {
 
 void DebugHex(int nLevel, const char* pszLabel, const void* pData, int nLen) {
   if (!g_stDebug.ucEnable || g_stDebug.nThreshold > nLevel) return;
-  if (!pszLabel || !pData || nLen <= 0) return;
+  if (pszLabel == nullptr || pData == nullptr || nLen <= 0) return;
   const auto* pBytes = static_cast<const uint8_t*>(pData);
   printf("<HEX:%s>(%d)-[", pszLabel, nLen);
-  for (int i = 0; i < nLen; i++) printf("%02x ", pBytes[i]);
+  for (int i = 0; i < nLen; ++i) printf("%02x ", pBytes[i]);
   printf("]\n");
 }
 
@@ -85,7 +88,7 @@ void PrintDuration(const timeval& start, const timeval& end) {
   // the same second prints -1 s and the borrowed milliseconds.
   if (nUsec < 0) {
     nUsec += 1000000;
-    nSec--;
+    --nSec;
   }
   printf("DEBUG::run time duration : %ds+%dms\n", nSec, nUsec / 1000);
 }
@@ -93,6 +96,6 @@ void PrintDuration(const timeval& start, const timeval& end) {
 const char* CurTimeText() {
   thread_local char t_szText[64];
   const time_t now = time(nullptr);
-  if (!ctime_r(&now, t_szText)) t_szText[0] = '\0';
+  if (ctime_r(&now, t_szText) == nullptr) t_szText[0] = '\0';
   return t_szText;
 }

@@ -9,8 +9,9 @@
 
 #include <cstdint>
 
-// Prints a message of level nLevel with one unbuffered write to the standard output, so that the
-// messages of two threads never mix. At most 1023 bytes; longer messages are cut.
+// Prints a message of level nLevel behind what was printed before, with one unbuffered write to the
+// standard output, so that the messages of two threads never mix. At most 1023 bytes; longer
+// messages are cut.
 void DebugPrint(int nLevel, const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
 
 // Moves the threshold one step down (not below 0), if enabled, and prints the settings.

@@ -18,7 +18,6 @@ constexpr int kErrorLevel = 3;
 constexpr uint32_t kLinesPerFile = 120000;
 constexpr int kFilesKept = 30;
 constexpr size_t kPathSize = 640;  // directory, and the longest name that a directory can hold
-constexpr size_t kLineSize = 2048;
 constexpr size_t kCommandSize = 4 * kPathSize + 16;  // quoting makes at most four bytes of one
 
 // An error line: red, with the class, the function and the source line before the message.
@@ -43,7 +42,7 @@ void ShellCommand(char (&szCommand)[kCommandSize], const char* pszVerb, const ch
     return;
   }
   size_t nLen = static_cast<size_t>(snprintf(szCommand, sizeof(szCommand), "%s '", pszVerb));
-  for (const char* p = pszPath; *p; p++)
+  for (const char* p = pszPath; *p; ++p)
     nLen += static_cast<size_t>(
         snprintf(szCommand + nLen, sizeof(szCommand) - nLen, *p == '\'' ? "'\\'%c" : "%c", *p));
   snprintf(szCommand + nLen, sizeof(szCommand) - nLen, "'");
@@ -72,27 +71,27 @@ int Logger::init(const char* pszPrefix, const char* pszDir) {
 }
 
 int Logger::SetNames(const char* pszPrefix, const char* pszDir) {
-  if (!pszDir || !*pszDir) pszDir = "./log/";
-  const size_t nDirLen = strlen(pszDir);
+  if (pszDir == nullptr || !*pszDir) pszDir = "./log/";
   // A cut directory would be another one, whose files are cleared: refuse.
-  if (nDirLen + 2 > sizeof(m_szDir) || strlen(pszPrefix) >= sizeof(m_szPrefix)) {
+  if (strlen(pszDir) >= sizeof(m_szDir) || strlen(pszPrefix) >= sizeof(m_szPrefix)) {
     PrintError("init", __LINE__, "Can't open log file:%s%s.", pszDir, pszPrefix);
     return -1;
   }
-  const char* const pszSlash = pszDir[nDirLen - 1] == '/' ? "" : "/";
-  snprintf(m_szDir, sizeof(m_szDir), "%s%s", pszDir, pszSlash);
+  snprintf(m_szDir, sizeof(m_szDir), "%s", pszDir);
   snprintf(m_szPrefix, sizeof(m_szPrefix), "%s", pszPrefix);
   return 0;
 }
 
+const char* Logger::Slash() const { return m_szDir[strlen(m_szDir) - 1] == '/' ? "" : "/"; }
+
 int Logger::OpenFile(const char* pszCaller) {
-  if (m_pFile) fclose(m_pFile);
+  if (m_pFile != nullptr) fclose(m_pFile);
   const tm now = LocalNow();
   char szPath[kPathSize];
-  snprintf(szPath, sizeof(szPath), "%s%s_%d%02d%02d_%02d%02d%02d", m_szDir, m_szPrefix,
+  snprintf(szPath, sizeof(szPath), "%s%s%s_%d%02d%02d_%02d%02d%02d", m_szDir, Slash(), m_szPrefix,
            now.tm_year + 1900, now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
   m_pFile = fopen(szPath, "a+");
-  if (m_pFile) return 0;
+  if (m_pFile != nullptr) return 0;
   PrintError(pszCaller, __LINE__, "Can't open log file:%s.", szPath);
   return -1;
 }
@@ -108,23 +107,20 @@ int Logger::RotateIfDue() {
 
 void Logger::log(const char* pszFormat, ...) {
   const AutoLock lock(m_mutex);
-  if (!m_pFile) {
+  if (m_pFile == nullptr) {
     PrintError("log", __LINE__, "CLogger not init.");
     return;
   }
   if (RotateIfDue()) return;
   const tm now = LocalNow();
-  char szLine[kLineSize];
-  const int nHead = snprintf(szLine, sizeof(szLine),
-                             "<L%u> [%d-%02d-%02d %02d:%02d:%02d]:", m_uiLine, now.tm_year + 1900,
-                             now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
+  fprintf(m_pFile, "<L%u> [%d-%02d-%02d %02d:%02d:%02d]:", m_uiLine, now.tm_year + 1900,
+          now.tm_mon + 1, now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
   va_list args;
   va_start(args, pszFormat);
-  vsnprintf(szLine + nHead, sizeof(szLine) - static_cast<size_t>(nHead), pszFormat, args);
+  vfprintf(m_pFile, pszFormat, args);
   va_end(args);
-  fwrite(szLine, 1, strlen(szLine), m_pFile);
   fflush(m_pFile);
-  m_uiLine++;
+  ++m_uiLine;
 }
 
 int Logger::clearLog(int nKeep) {
@@ -153,7 +149,7 @@ int Logger::OpenDir(dirent*** pppEntries) const {
 void Logger::RemoveFile(const char* pszName) const {
   char szPath[kPathSize];
   char szCommand[kCommandSize];
-  snprintf(szPath, sizeof(szPath), "%s%s", m_szDir, pszName);
+  snprintf(szPath, sizeof(szPath), "%s%s%s", m_szDir, Slash(), pszName);
   ShellCommand(szCommand, "rm -rf", szPath);
   RunShell(szCommand);
   DebugPrint(1, "\033[32m\033[1mLogger::clearLog, [%s]\n\033[0m", szCommand);
@@ -166,14 +162,14 @@ int Logger::Clear(int nKeep) const {
   const size_t nPrefixLen = strlen(m_szPrefix);
   int nOurs = 0;
   // Names that are not ours are dropped, ours move to the front and stay sorted.
-  for (int i = 0; i < nCount; i++) {
+  for (int i = 0; i < nCount; ++i) {
     const char* const pszName = ppEntries[i]->d_name;
     if (strcmp(pszName, ".") && strcmp(pszName, "..") && !strncmp(pszName, m_szPrefix, nPrefixLen))
       std::swap(ppEntries[nOurs++], ppEntries[i]);
   }
   const int nRemove = nOurs - (nKeep > 0 ? nKeep : 0);
-  for (int i = 0; i < nRemove; i++) RemoveFile(ppEntries[i]->d_name);
-  for (int i = 0; i < nCount; i++) free(ppEntries[i]);
+  for (int i = 0; i < nRemove; ++i) RemoveFile(ppEntries[i]->d_name);
+  for (int i = 0; i < nCount; ++i) free(ppEntries[i]);
   free(ppEntries);
   return 0;
 }

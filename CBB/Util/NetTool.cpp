@@ -35,7 +35,7 @@ int AskInterface(const char* pszIfName, unsigned long ulRequest, int nType, uint
 }  // namespace
 
 int GetIfAddr(const char* pszIfName, uint32_t& uiAddr) {
-  if (!pszIfName) return -2;
+  if (pszIfName == nullptr) return -2;
   const AutoLock lock(g_mutexIfAddr);
   return AskInterface(pszIfName, SIOCGIFADDR, SOCK_STREAM, uiAddr);
 }

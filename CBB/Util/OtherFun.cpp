@@ -1,5 +1,6 @@
 #include "CBB/Util/OtherFun.h"
 
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -14,7 +15,7 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 int DigitValue(char c) {
   static constexpr char kDigits[] = "0123456789abcdefABCDEF";
   const char* pszFound = c ? strchr(kDigits, c) : nullptr;
-  if (!pszFound) return -1;
+  if (pszFound == nullptr) return -1;
   const int nIndex = static_cast<int>(pszFound - kDigits);
   return nIndex < 16 ? nIndex : nIndex - 6;
 }
@@ -22,27 +23,27 @@ int DigitValue(char c) {
 }  // namespace
 
 int IsIpAddrStr(const char* pszText) {
-  if (!pszText || !*pszText) return 0;
+  if (pszText == nullptr || !*pszText) return 0;
   int nDots = 0;
   unsigned uiGroup = 0;
-  for (const char* p = pszText; *p; p++) {
+  for (const char* p = pszText; *p; ++p) {
     if (IsDigit(*p)) {
       // Beyond the limit the exact value is of no interest, only that it does not wrap.
       if (uiGroup <= kGroupMax) uiGroup = uiGroup * 10 + static_cast<unsigned>(*p - '0');
     } else if (*p == '.') {
       if (uiGroup > kGroupMax) return 0;
       uiGroup = 0;
-      nDots++;
+      ++nDots;
     } else {
       return 0;
     }
   }
   // Deliberate: the last group is not limited and groups may be empty.
-  return nDots == kDotCount;
+  return static_cast<int>(nDots == kDotCount);
 }
 
 int IsHexStr(const char* pszText) {
-  if (!pszText || pszText[0] != '0' || (pszText[1] != 'x' && pszText[1] != 'X')) return 0;
+  if (pszText == nullptr || pszText[0] != '0' || (pszText[1] != 'x' && pszText[1] != 'X')) return 0;
   const char* p = pszText + 2;
   if (!*p) return 0;
   while (*p)
@@ -51,18 +52,22 @@ int IsHexStr(const char* pszText) {
 }
 
 int IsDecStr(const char* pszText) {
-  if (!pszText) return 0;
+  if (pszText == nullptr) return 0;
   const char* p = pszText;
-  if (*p == '-') p++;
+  if (*p == '-') ++p;
   // Deliberate: no digit at all passes too.
   while (*p)
     if (!IsDigit(*p++)) return 0;
   return 1;
 }
 
+int TextToInt(const char* pszText) {
+  return static_cast<int>(static_cast<uint32_t>(strtoll(pszText, nullptr, 10)));
+}
+
 int HexStrToUInt(const char* pszHex, int nCount, uint32_t& uiValue) {
   uiValue = 0;
-  for (int i = 0; i < nCount; i++) {
+  for (int i = 0; i < nCount; ++i) {
     const int nDigit = DigitValue(pszHex[i]);
     if (nDigit < 0) return -1;
     const int nBehind = nCount - 1 - i;
@@ -74,7 +79,7 @@ int HexStrToUInt(const char* pszHex, int nCount, uint32_t& uiValue) {
 
 int HexStrToBytes(const char* pszHex, int nHexLen, uint8_t* pOut, int& nOutLen) {
   if (nHexLen < 0 || nOutLen < nHexLen / 2 + nHexLen % 2) return -1;
-  for (int i = 0; i < nHexLen; i++)
+  for (int i = 0; i < nHexLen; ++i)
     if (DigitValue(pszHex[i]) < 0) return -1;
   nOutLen = 0;
   for (int i = 0; i < nHexLen; i += 2) {

@@ -10,6 +10,6 @@
 void Print(std::initializer_list<std::string_view> texts);
 
 // Lets out what has been printed. Called before every wait that a watcher of the output would
-// notice (for the device, for the next request, for a restart), and before a debug print, which
-// goes past what is held back: else a request's traces leave together. Any thread.
+// notice (for the device, for the next request, for a restart): else a request's traces leave
+// together. Any thread.
 void FlushPrinted();

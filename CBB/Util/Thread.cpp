@@ -27,7 +27,7 @@ void* Sleep(void* /*pArg*/) {
 int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_t nStackSize) {
   assert(pfnBody && ppThread);
   std::unique_ptr<stThread> pThread(new (std::nothrow) stThread{});
-  if (!pThread) return 3;
+  if (pThread == nullptr) return 3;
   // In its place before the thread runs: the thread itself may stop it.
   stThread* const pBefore = *ppThread;
   *ppThread = pThread.get();

@@ -66,55 +66,62 @@ bool PrintSetMessage(const char* pszText, TiXmlPrinter& printer) {
 }  // namespace
 
 int CWebCtrl::export_CfgFileFromNet(char* pszText) {
-  const CFunTrace trace;
+  TraceFun();
   // A reply is no longer than kReplyMax: it fits with its terminator.
   static_assert(kReplyMax < kCfgSize);
   pszText[0] = '\0';
   int nLen = kCfgSize;
-  if (GetParaInfoByCmd(QUERY(""), pszText, nLen) != 0) return -1;
-  printf("strXmlData*************%d\n", nLen);
-  // Not parsed as a whole, which took three quarters of the time: it is only handed on.
-  if (CheckRoot(pszText) == 0) return 0;
-  pszText[0] = '\0';
-  return -1;
+  int nRet = GetParaInfoByCmd(QUERY(""), pszText, nLen);
+  if (nRet == 0) {
+    printf("strXmlData*************%d\n", nLen);
+    // Not parsed as a whole, which took three quarters of the time: it is only handed on.
+    nRet = CheckRoot(pszText);
+    if (nRet != 0) pszText[0] = '\0';
+  }
+  TraceFun();
+  return nRet == 0 ? 0 : -1;
 }
 
 void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   const std::unique_ptr<char[]> text(new char[kCfgSize]);
   const int nResult = export_CfgFileFromNet(text.get()) == 0 ? 1 : 0;
   const auto converted = Convert<enc_GBK_to_unicode_str, enc_unicode_to_utf8_str>(text.get());
   if (converted.nToCodePoints != 1 || converted.nToText != 1) {
     // Deliberate: no reply of any kind.
     printf("GBK to utf8 failed!ret2 = %d, ret3 = %d\n", converted.nToCodePoints, converted.nToText);
+    TraceFun();
     return;
   }
   // Deliberate: the XML stands in the reply unescaped; the pages take it as it comes.
   CJsonReply reply(pConn);
   reply.Add("strFD_CfgPara", text.get());
   reply.Result(nResult == 1);
-  FlushPrinted();
   DebugPrint(1, "\033[32m\033[1m----------------bResult = %d\n\033[0m", nResult);
+  TraceFun();
 }
 
 int CWebCtrl::import_CfgFileFromNet(const char* pszXml) {
   TraceFun();
-  const stSetOutcome outcome =
-      Transact(pszXml, static_cast<int>(strlen(pszXml)), kImportTimeoutSec);
-  if (!outcome.Accepted()) TraceFun();
-  return Conclude(outcome);
+  CSetExchange exchange(*this);
+  const int nRet = exchange.SendText(pszXml, static_cast<int>(strlen(pszXml)), kImportTimeoutSec);
+  if (!exchange.IsAccepted()) TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::import_CfgFile(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   char szText[kCfgSize] = {};
   mg_get_http_var(&pMsg->body, "strFD_CfgPara", szText, sizeof(szText));
   const auto converted = Convert<enc_utf8_to_unicode_str, enc_unicode_to_GBK_str>(szText);
   if (converted.nToCodePoints == 0 || converted.nToText == 0) {
     puts("utf8 to GBK failed!");
+    TraceFun();
     return;
   }
   TiXmlPrinter printer;
-  if (!PrintSetMessage(szText, printer)) return;
-  ReplyResult(pConn, import_CfgFileFromNet(printer.CStr()) == 0);
+  if (PrintSetMessage(szText, printer)) {
+    ReplyResult(pConn, import_CfgFileFromNet(printer.CStr()) == 0);
+  }
+  TraceFun();
 }

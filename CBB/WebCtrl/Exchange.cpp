@@ -11,27 +11,27 @@ int CWebCtrl::GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapac
   return ::GetParaInfoByCmd(m_szDeviceIp, m_usDevicePort, pszRequest, pReply, nCapacity);
 }
 
-stSetOutcome CWebCtrl::Transact(const char* pszMsg, int nLen, int nTimeoutSec) {
-  stSetOutcome outcome{};
-  CUdpCtrlSocket sock(m_szDeviceIp, m_usDevicePort, kLocalPort, 1, kInterface);
-  outcome.nRet = SetParaInfoByCmd(sock, pszMsg, nLen, outcome.nResult, nTimeoutSec);
-  return outcome;
-}
+CSetExchange::CSetExchange(CWebCtrl& service)
+    : m_service(service),
+      m_sock(service.DeviceIp(), service.DevicePort(), kLocalPort, 1, kInterface) {}
 
-stSetOutcome CWebCtrl::TransactSection(const char* pszFormat, ...) {
+int CSetExchange::Send(const char* pszFormat, ...) {
   // Made as long as it comes out: a message is sent whole, never cut.
   char* pszMsg = nullptr;
   va_list args;
   va_start(args, pszFormat);
   const int nLen = vasprintf(&pszMsg, pszFormat, args);
   va_end(args);
-  if (nLen < 0) return {-1, 0};
+  if (nLen < 0) return -1;
   const std::unique_ptr<char, decltype(&free)> owner(pszMsg, &free);
-  return Transact(pszMsg, nLen, kDeviceTimeoutSec);
+  return SendText(pszMsg, nLen, kDeviceTimeoutSec);
 }
 
-int CWebCtrl::Conclude(const stSetOutcome& outcome) {
-  if (outcome.Accepted()) Restart();
+int CSetExchange::SendText(const char* pszMsg, int nLen, int nTimeoutSec) {
+  int nResult = 0;
+  const int nRet = SetParaInfoByCmd(m_sock, pszMsg, nLen, nResult, nTimeoutSec);
   // Deliberate: a Result other than 0 only suppresses the restart; the browser is told 1 as well.
-  return outcome.nRet;
+  m_bAccepted = nRet == 0 && nResult == 0;
+  if (m_bAccepted) m_service.Restart();
+  return nRet;
 }

@@ -1,5 +1,5 @@
 // The exchanges with the device application that the endpoints share: what a query is (data) and
-// how it runs. The set side is in CWebCtrl: TransactSection, then Conclude.
+// how it runs; and a set, from its socket to the restart.
 #pragma once
 
 #include <tinyxml.h>
@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "CBB/Util/Trace.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 #include "config/Config_Task.h"
 #include "control/VariCfgSec.h"
@@ -20,7 +21,7 @@ constexpr int kMaxQueryReply = 2048;
 // long a reply may be (at most kMaxQueryReply bytes; it arrives in the request's buffer), and what
 // a trace of the reply's text begins with (null: no such trace).
 template <class R>
-struct CQuery {
+struct stQuery {
   const char* pszRequest;
   int (*pfnImport)(TiXmlElement* pSection, R& rec);
   int nCapacity = kMaxQueryReply;
@@ -39,8 +40,30 @@ int ImportRecord(TiXmlElement* pSection, typename MemberOf<pRecord>::Field& rec)
 // The import of a section into its record: names of importer and member cannot drift apart.
 #define IMPORT(section) ImportRecord<&CConfig_Task::Import_##section, &stConfig::section##Info>
 
+// One set, as long as its sender runs: a sender sends once, or again when it was not accepted. The
+// socket to the device closes behind all else, the restart included.
+class CSetExchange {
+ public:
+  explicit CSetExchange(CWebCtrl& service);
+
+  // Formats a message of any length, sends it and waits for the device's Result. An accepted set
+  // restarts the service before it returns. Returns 0 when there was a Result at all, else the
+  // transaction's code.
+  int Send(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
+  // The same for nLen bytes as they are, with a time-out in seconds.
+  int SendText(const char* pszMsg, int nLen, int nTimeoutSec);
+
+  // Whether the last message was accepted: Result 0.
+  bool IsAccepted() const { return m_bAccepted; }
+
+ private:
+  CWebCtrl& m_service;
+  CUdpCtrlSocket m_sock;
+  bool m_bAccepted = false;
+};
+
 template <class R>
-int CWebCtrl::Query(const CQuery<R>& query, R& rec) {
+int CWebCtrl::Query(const stQuery<R>& query, R& rec) {
   char szText[kMaxQueryReply + 1] = {};
   strncpy(szText, query.pszRequest, kMaxQueryReply);
   int nLen = query.nCapacity;
@@ -50,4 +73,12 @@ int CWebCtrl::Query(const CQuery<R>& query, R& rec) {
   TiXmlElement* pSection = nullptr;
   if (GetParaSection(szText, doc, pSection) != 0) return -1;
   return query.pfnImport(pSection, rec);
+}
+
+template <class R>
+int CWebCtrl::Ask(const stQuery<R>& query, R& rec, const char* pszFun) {
+  TraceFun(pszFun);
+  const int nRet = Query(query, rec);
+  TraceFun(pszFun);
+  return nRet;
 }

@@ -36,7 +36,7 @@ class CFormReader {
 
 // One row of a form: which variable goes where, and when.
 template <class R>
-struct CFormField {
+struct stFormField {
   const char* pszName;
   Presence rule;
   int (*pfnStore)(R& rec, const char* pszText);
@@ -45,9 +45,9 @@ struct CFormField {
 // Reads the rows' variables in order into the record, each through kSize bytes; a missing one
 // leaves its field as it was.
 template <size_t kSize = 64, class R, size_t N>
-void ReadForm(const http_message& msg, const CFormField<R> (&rows)[N], R& rec) {
+void ReadForm(const http_message& msg, const stFormField<R> (&rows)[N], R& rec) {
   CFormReader<kSize> form(msg);
-  for (const CFormField<R>& row : rows) {
+  for (const stFormField<R>& row : rows) {
     if (const char* pszText = form.Get(row.pszName, row.rule)) row.pfnStore(rec, pszText);
   }
 }

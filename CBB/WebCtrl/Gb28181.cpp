@@ -19,7 +19,7 @@ constexpr uint8_t kEnabled = 0x01;
 constexpr uint8_t kStreamType = 0x80;
 constexpr useconds_t kPauseUs = 500;
 
-constexpr CQuery<stGB28181> kQuery{QUERY("<stGB28181>"), IMPORT(stGB28181)};
+constexpr stQuery<stGB28181> kQuery{QUERY("<stGB28181>"), IMPORT(stGB28181)};
 
 int StoreServerIp(stGB28181& stGB28181Info, const char* pszText) {
   Store<&stGB28181::strFD_ServerIp>(stGB28181Info, pszText);
@@ -27,7 +27,7 @@ int StoreServerIp(stGB28181& stGB28181Info, const char* pszText) {
   return 0;
 }
 
-constexpr CFormField<stGB28181> kForm[] = {
+constexpr stFormField<stGB28181> kForm[] = {
     {"strFD_Manufacturer", Presence::kNonEmpty, Store<&stGB28181::strFD_Manufacturer>},
     {"strFD_ModelName", Presence::kNonEmpty, Store<&stGB28181::strFD_ModelName>},
     {"strFD_ServerIp", Presence::kNonEmpty, StoreServerIp},
@@ -78,13 +78,10 @@ void SplitIdList(std::string strList, uint32_t uiChannels, const char* pszListTr
   }
 }
 
-int CWebCtrl::getGB28181InfoFromNet(stGB28181& rec) {
-  const CFunTrace trace;
-  return Query(kQuery, rec);
-}
+int CWebCtrl::getGB28181InfoFromNet(stGB28181& rec) { return Ask(kQuery, rec); }
 
 void CWebCtrl::get_GB28181Info(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stVersion version{};
   getVersionInfoFromNet(version);
   usleep(kPauseUs);
@@ -106,10 +103,11 @@ void CWebCtrl::get_GB28181Info(mg_connection* pConn, http_message* /*pMsg*/) {
   reply.Add("ucFD_StreamType", rec.ucFD_Enable >> 7);
   reply.Piece({", \"strFD_AlarmInId\": \"*", IdText(rec.AlarmInId(0)), "*\""});
   reply.Result(nRet == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setGB28181InfoToNet(const stGB28181& rec) {
-  const CFunTrace trace;
+  TraceFun();
   std::string strSubDevices;
   for (int k = 0; k < kSubDevices; ++k) {
     char szItem[160];
@@ -119,18 +117,21 @@ int CWebCtrl::setGB28181InfoToNet(const stGB28181& rec) {
              rec.LensId(k + 2));
     strSubDevices += szItem;
   }
-  return Conclude(TransactSection(
+  CSetExchange exchange(*this);
+  const int nRet = exchange.Send(
       SET("<stGB28181 ucFD_Enable=\"%d\" strFD_Manufacturer=\"%s\" strFD_ModelName=\"%s\""
           " strFD_ServerIp=\"%s\" usFD_ServerPort=\"%d\" strFD_ServerID=\"%s\""
           " strFD_DeviceId=\"%s\" usFD_DevicePort=\"%d\" strFD_DeviceUser=\"%s\""
           " strFD_DevicePass=\"%s\"><stGB28181SubID>%s</stGB28181SubID></stGB28181>"),
       rec.ucFD_Enable, rec.strFD_Manufacturer, rec.strFD_ModelName, rec.strFD_ServerIp,
       rec.usFD_ServerPort, rec.strFD_ServerID, rec.strFD_DeviceId, rec.usFD_DevicePort,
-      rec.strFD_DeviceUser, rec.strFD_DevicePass, strSubDevices.c_str()));
+      rec.strFD_DeviceUser, rec.strFD_DevicePass, strSubDevices.c_str());
+  TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::set_GB28181Info(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   CFormReader<kFormSize> form(*pMsg);
   stGB28181 rec{};
   rec.ucFD_Enable = ReadFlags(form);
@@ -147,4 +148,5 @@ void CWebCtrl::set_GB28181Info(mg_connection* pConn, http_message* pMsg) {
                 if (IsSubDevice(nIndex)) StoreId(rec.AlarmInId(static_cast<int>(nIndex)), strId);
               });
   ReplyResult(pConn, setGB28181InfoToNet(rec) == 0);
+  TraceFun();
 }

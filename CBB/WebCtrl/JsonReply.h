@@ -57,7 +57,7 @@ void ReplyResult(mg_connection* pConn, bool bOk);
 
 // One row of a query reply: the key, and how its value is written.
 template <class R>
-struct CJsonField {
+struct stJsonField {
   const char* pszKey;
   void (*pfnEmit)(CJsonReply& reply, const char* pszKey, const R& rec);
 };
@@ -86,8 +86,8 @@ void EmitAddress(CJsonReply& reply, const char* pszKey, const typename MemberOf<
 
 // Writes the rows in order and the result: a whole query reply.
 template <class R, size_t N>
-void ReplyFields(mg_connection* pConn, const CJsonField<R> (&rows)[N], const R& rec, bool bOk) {
+void ReplyFields(mg_connection* pConn, const stJsonField<R> (&rows)[N], const R& rec, bool bOk) {
   CJsonReply reply(pConn);
-  for (const CJsonField<R>& row : rows) row.pfnEmit(reply, row.pszKey, rec);
+  for (const stJsonField<R>& row : rows) row.pfnEmit(reply, row.pszKey, rec);
   reply.Result(bOk);
 }

@@ -16,14 +16,13 @@ namespace {
 constexpr size_t kPasswdSize = 128;
 constexpr uint8_t kNoUser = 2;
 
-constexpr CQuery<stUserSec> kQuery{QUERY("<stUserSec>"), IMPORT(stUserSec)};
+constexpr stQuery<stUserSec> kQuery{QUERY("<stUserSec>"), IMPORT(stUserSec)};
 
 // The identifier of a session: the MD5 digest, in hexadecimal, of the login's second as decimal
 // text. szSessionId takes 32 characters and a terminator.
 void MakeSessionId(time_t now, char (&szSessionId)[64]) {
   char szTime[24];
   snprintf(szTime, sizeof(szTime), "%ld", static_cast<long>(now));
-  FlushPrinted();
   DebugPrint(4, "\033[33m\033[1mstrtime = %s\n\033[0m", szTime);
   static_assert(MD5_DIGEST_STRING_LENGTH <= sizeof(szSessionId));
   MD5Data(reinterpret_cast<const uint8_t*>(szTime), strlen(szTime), szSessionId);
@@ -52,7 +51,7 @@ int CWebCtrl::getLoginFromNet(stUserSec& rec) {
 }
 
 void CWebCtrl::cmp_UserSecurity(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   char szSessionId[64] = {};
   if (IsFromLoginPage(*pMsg)) {
     // Deliberate: a wrong password creates a session, too; only the result tells.
@@ -73,10 +72,11 @@ void CWebCtrl::cmp_UserSecurity(mg_connection* pConn, http_message* pMsg) {
   CJsonReply reply(pConn);
   reply.Add("jsession", szSessionId);
   reply.Result(bEqual);
+  TraceFun();
 }
 
 void CWebCtrl::get_UserSecurity(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stUserSec stUserSecurity{};
   const int nRet = getUserSecurityFromNet(stUserSecurity);
   CJsonReply reply(pConn);
@@ -85,24 +85,27 @@ void CWebCtrl::get_UserSecurity(mg_connection* pConn, http_message* /*pMsg*/) {
   reply.Result(nRet == 0);
   printf("stUserSecurity.stCustomUser[0].strFD_UserPWD = %s\n",
          stUserSecurity.stCustomUser[0].strFD_UserPWD);
+  TraceFun();
 }
 
 int CWebCtrl::setUserSecurityToNet(stUserSec rec, uint8_t ucUser) {
   TraceFun();
-  // Deliberate: only the first user's password can be changed; for others the message stays empty.
-  const stSetOutcome outcome =
-      ucUser == 0 ? TransactSection(SET("<stUserSec><stCustomUser><USER_0 strFD_UserPWD=\"%s\" />"
-                                        "</stCustomUser></stUserSec>"),
-                                    rec.stCustomUser[0].strFD_UserPWD)
-                  : Transact("", 0, kDeviceTimeoutSec);
-  Conclude(outcome);
-  if (outcome.Accepted()) return 0;
+  CSetExchange exchange(*this);
+  if (ucUser == 0) {
+    exchange.Send(SET("<stUserSec><stCustomUser><USER_0 strFD_UserPWD=\"%s\" />"
+                      "</stCustomUser></stUserSec>"),
+                  rec.stCustomUser[0].strFD_UserPWD);
+  } else {
+    // Deliberate: only the first user's password can be changed; for others the message is empty.
+    exchange.SendText("", 0, kDeviceTimeoutSec);
+  }
+  if (exchange.IsAccepted()) return 0;
   TraceFun();
   return -1;
 }
 
 void CWebCtrl::set_UserSecurity(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   CFormReader<> userForm(*pMsg);
   const char* pszUser = userForm.Get("strUserName", Presence::kNonEmpty);
   const uint8_t ucUser = pszUser != nullptr ? static_cast<uint8_t>(TextToInt(pszUser)) : kNoUser;
@@ -111,10 +114,11 @@ void CWebCtrl::set_UserSecurity(mg_connection* pConn, http_message* pMsg) {
   stUserSec rec{};
   if (ucUser == 0) Store<&stUserItem::strFD_UserPWD>(rec.stCustomUser[0], pszPasswd);
   ReplyResult(pConn, setUserSecurityToNet(rec, ucUser) == 0);
+  TraceFun();
 }
 
 void CWebCtrl::get_Login(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stUserSec stUserSecurity{};
   const int nRet = getLoginFromNet(stUserSecurity);
   CJsonReply reply(pConn);
@@ -126,10 +130,11 @@ void CWebCtrl::get_Login(mg_connection* pConn, http_message* /*pMsg*/) {
   Store<&stLogin::strFD_NormalPasswd>(m_stLogin, stUserSecurity.strFD_NormalPasswd);
   printf("===========m_stLogin.strFD_NormalPasswd================%s\n",
          m_stLogin.strFD_NormalPasswd);
+  TraceFun();
 }
 
 void CWebCtrl::set_Login(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   // Deliberate: the client gets the whole reply of get_Login first, then a second one.
   get_Login(pConn, pMsg);
   CFormReader<> form(*pMsg);
@@ -145,4 +150,5 @@ void CWebCtrl::set_Login(mg_connection* pConn, http_message* pMsg) {
   }
   printf("''''''''''''''''''''''''''''ret=='%d\n", nRet);
   ReplyResult(pConn, nRet == 0);
+  TraceFun();
 }

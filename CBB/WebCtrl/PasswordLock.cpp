@@ -15,10 +15,10 @@ constexpr uint32_t kClockOffsetSec = 28800;  // the stored lock time is 8 hours 
 constexpr uint32_t kLockOutSec = 3600;
 constexpr uint8_t kMaxErrors = 5;
 
-constexpr CQuery<stLockOfPassword> kQuery{QUERY("<stLockOfPassword>"), IMPORT(stLockOfPassword),
-                                          256};
+constexpr stQuery<stLockOfPassword> kQuery{QUERY("<stLockOfPassword>"), IMPORT(stLockOfPassword),
+                                           256};
 
-constexpr CFormField<stLockOfPassword> kForm[] = {
+constexpr stFormField<stLockOfPassword> kForm[] = {
     {"ucFD_ErrorCount", Presence::kNonEmpty, Store<&stLockOfPassword::ucFD_ErrorCount>},
     {"time", Presence::kNonEmpty, Store<&stLockOfPassword::uiFD_LockTime>}};
 
@@ -33,13 +33,10 @@ stLockState EvaluateLock(const stLockOfPassword& rec, uint32_t uiNow) {
   return {0, rec.uiFD_LockTime, true};
 }
 
-int CWebCtrl::getLockOfPasswordFromNet(stLockOfPassword& rec) {
-  const CFunTrace trace;
-  return Query(kQuery, rec);
-}
+int CWebCtrl::getLockOfPasswordFromNet(stLockOfPassword& rec) { return Ask(kQuery, rec); }
 
 void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stLockOfPassword rec{};
   const int nRet = getLockOfPasswordFromNet(rec);
   const stLockState state = EvaluateLock(rec, static_cast<uint32_t>(time(nullptr)));
@@ -48,22 +45,23 @@ void CWebCtrl::get_LockOfPassword(mg_connection* pConn, http_message* /*pMsg*/) 
   reply.Add("ucFD_ErrorCount", state.nErrorCount);
   reply.Piece({", \"time\": \"", std::to_string(static_cast<int>(state.uiTime)), "\" "});
   reply.Result(nRet == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setLockOfPasswordToNet(uint8_t ucErrorCount, uint32_t uiLockTime) {
   TraceFun();
-  const stSetOutcome outcome =
-      TransactSection(SET("<stLockOfPassword ucFD_ErrorCount=\"%d\" uiFD_LockTime=\"%d\" />"),
-                      ucErrorCount, static_cast<int>(uiLockTime));
-  Conclude(outcome);
-  if (outcome.Accepted()) return 0;
+  CSetExchange exchange(*this);
+  exchange.Send(SET("<stLockOfPassword ucFD_ErrorCount=\"%d\" uiFD_LockTime=\"%d\" />"),
+                ucErrorCount, static_cast<int>(uiLockTime));
+  if (exchange.IsAccepted()) return 0;
   TraceFun();
   return -1;
 }
 
 void CWebCtrl::set_LockOfPassword(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stLockOfPassword rec{};
   ReadForm<256>(*pMsg, kForm, rec);
   ReplyResult(pConn, setLockOfPasswordToNet(rec.ucFD_ErrorCount, rec.uiFD_LockTime) == 0);
+  TraceFun();
 }

@@ -11,16 +11,16 @@
 namespace {
 
 // Deliberate: most section tags are left open; the device application expects them so.
-constexpr CQuery<stDisplay> kLangQuery{QUERY("<stDisplay>"), IMPORT(stDisplay), 512};
-constexpr CQuery<stBaseInfo> kBaseQuery{QUERY("<stBaseInfo>"), IMPORT(stBaseInfo), 512};
-constexpr CQuery<stVideoMirror> kMirrorQuery{QUERY("<stVideoMirror>"), IMPORT(stVideoMirror)};
-constexpr CQuery<stMainStream> kMainStreamQuery{QUERY("<stMainStream StartChn=\"0\">"),
-                                                IMPORT(stMainStream)};
-constexpr CQuery<stSubStream> kSubStreamQuery{QUERY("<stSubStream>"), IMPORT(stSubStream)};
-constexpr CQuery<stNetWorkMode> kNetWModeQuery{QUERY("<stNetWorkMode>"), IMPORT(stNetWorkMode)};
-constexpr CQuery<stMobileGNet> kGNetQuery{QUERY("<stMobileGNet>"), IMPORT(stMobileGNet)};
-constexpr CQuery<stLocalEth0> kLocalNetQuery{QUERY("<stLocalEth0>"), IMPORT(stLocalEth0)};
-constexpr CQuery<stVersion> kVersionQuery{QUERY("<stVersion />"), IMPORT(stVersion)};
+constexpr stQuery<stDisplay> kLangQuery{QUERY("<stDisplay>"), IMPORT(stDisplay), 512};
+constexpr stQuery<stBaseInfo> kBaseQuery{QUERY("<stBaseInfo>"), IMPORT(stBaseInfo), 512};
+constexpr stQuery<stVideoMirror> kMirrorQuery{QUERY("<stVideoMirror>"), IMPORT(stVideoMirror)};
+constexpr stQuery<stMainStream> kMainStreamQuery{QUERY("<stMainStream StartChn=\"0\">"),
+                                                 IMPORT(stMainStream)};
+constexpr stQuery<stSubStream> kSubStreamQuery{QUERY("<stSubStream>"), IMPORT(stSubStream)};
+constexpr stQuery<stNetWorkMode> kNetWModeQuery{QUERY("<stNetWorkMode>"), IMPORT(stNetWorkMode)};
+constexpr stQuery<stMobileGNet> kGNetQuery{QUERY("<stMobileGNet>"), IMPORT(stMobileGNet)};
+constexpr stQuery<stLocalEth0> kLocalNetQuery{QUERY("<stLocalEth0>"), IMPORT(stLocalEth0)};
+constexpr stQuery<stVersion> kVersionQuery{QUERY("<stVersion />"), IMPORT(stVersion)};
 
 int ImportFirstCms(TiXmlElement* pSection, stCMS& rec) {
   CConfig_Task task;
@@ -28,12 +28,12 @@ int ImportFirstCms(TiXmlElement* pSection, stCMS& rec) {
   if (nRet == 0) rec = task.Record().stCMSInfo[0];
   return nRet;
 }
-constexpr CQuery<stCMS> kVCmsQuery{QUERY("<stCMS>"), ImportFirstCms};
+constexpr stQuery<stCMS> kVCmsQuery{QUERY("<stCMS>"), ImportFirstCms};
 
 void EmitLanguage(CJsonReply& reply, const char* pszKey, const stDisplay& rec) {
   reply.Add(pszKey, strcmp(rec.strLanguage, "CN") == 0 ? "CN" : "EN");
 }
-constexpr CJsonField<stDisplay> kLangJson[] = {{"strLanguage", EmitLanguage}};
+constexpr stJsonField<stDisplay> kLangJson[] = {{"strLanguage", EmitLanguage}};
 
 // The time zone's piece ends with a blank.
 void EmitTimeZone(CJsonReply& reply, const char* pszKey, const stBaseInfo& rec) {
@@ -41,27 +41,27 @@ void EmitTimeZone(CJsonReply& reply, const char* pszKey, const stBaseInfo& rec) 
 }
 // Deliberate: the service's own clock is shown, not the device's strFD_CurTime; the handler puts it
 // into the record.
-constexpr CJsonField<stBaseInfo> kBaseJson[] = {
+constexpr stJsonField<stBaseInfo> kBaseJson[] = {
     {"strFD_DeviceNo", Emit<&stBaseInfo::strFD_DeviceNo>},
     {"ucFD_TimeZone", EmitTimeZone},
     {"ucFD_GpsSTFlag", Emit<&stBaseInfo::ucFD_GpsSTFlag>},
     {"strFD_CurTime", Emit<&stBaseInfo::strFD_CurTime>}};
 
 constexpr auto kMirrorItem = &stVideoMirror::stVideoMirrorPara;
-constexpr CJsonField<stVideoMirror> kMirrorJson[] = {
+constexpr stJsonField<stVideoMirror> kMirrorJson[] = {
     {"strFD_LeftRight", EmitItem<kMirrorItem, &stVideoMirrorItem::ucFD_LeftRight>},
     {"strFD_UpDown", EmitItem<kMirrorItem, &stVideoMirrorItem::ucFD_UpDown>}};
 
 constexpr auto kVideoItem = &stMainStream::stVideoPara;
-constexpr CJsonField<stMainStream> kMainStreamJson[] = {
+constexpr stJsonField<stMainStream> kMainStreamJson[] = {
     {"ucFD_FrameRate", EmitItem<kVideoItem, &stVideoItem::ucFD_FrameRate>},
     {"uiFD_BitRate", EmitItem<kVideoItem, &stVideoItem::uiFD_BitRate>}};
 
-constexpr CJsonField<stSubStream> kSubStreamJson[] = {
+constexpr stJsonField<stSubStream> kSubStreamJson[] = {
     {"ucFD_SFrameRate", Emit<&stSubStream::ucFD_FrameRate>},
     {"uiFD_SBitRate", Emit<&stSubStream::uiFD_BitRate>}};
 
-constexpr CJsonField<stNetWorkMode> kNetWModeJson[] = {
+constexpr stJsonField<stNetWorkMode> kNetWModeJson[] = {
     {"ucFD_NetWType", Emit<&stNetWorkMode::ucFD_NetType>}};
 
 void EmitCmsAddress(CJsonReply& reply, const char* pszKey, const stCMS& rec) {
@@ -71,18 +71,18 @@ void EmitCmsAddress(CJsonReply& reply, const char* pszKey, const stCMS& rec) {
     reply.Add(pszKey, rec.strFD_Domain);
   }
 }
-constexpr CJsonField<stCMS> kVCmsJson[] = {{"ucFD_AddressType", Emit<&stCMS::ucFD_AddressType>},
-                                           {"strFD_Address", EmitCmsAddress},
-                                           {"usFD_Port", Emit<&stCMS::usFD_Port>}};
+constexpr stJsonField<stCMS> kVCmsJson[] = {{"ucFD_AddressType", Emit<&stCMS::ucFD_AddressType>},
+                                            {"strFD_Address", EmitCmsAddress},
+                                            {"usFD_Port", Emit<&stCMS::usFD_Port>}};
 
-constexpr CJsonField<stMobileGNet> kGNetJson[] = {
+constexpr stJsonField<stMobileGNet> kGNetJson[] = {
     {"ucFD_NetType", Emit<&stMobileGNet::ucFD_NetType>},
     {"strFD_Apn", Emit<&stMobileGNet::strFD_Apn>},
     {"strFD_PhoneNo", Emit<&stMobileGNet::strFD_PhoneNo>},
     {"strFD_UserName", Emit<&stMobileGNet::strFD_UserName>},
     {"strFD_UserPasswd", Emit<&stMobileGNet::strFD_UserPasswd>}};
 
-constexpr CJsonField<stLocalEth0> kLocalNetJson[] = {
+constexpr stJsonField<stLocalEth0> kLocalNetJson[] = {
     {"strFD_LocalIp", EmitAddress<&stLocalEth0::uiFD_LocalIp>},
     {"strFD_NetMask", EmitAddress<&stLocalEth0::uiFD_NetMask>},
     {"strFD_GateWay", EmitAddress<&stLocalEth0::uiFD_GateWay>},
@@ -92,120 +92,85 @@ constexpr CJsonField<stLocalEth0> kLocalNetJson[] = {
 void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& rec) {
   reply.Piece({" \"", pszKey, "\": \"", rec.strAppVer, "\""});
 }
-constexpr CJsonField<stVersion> kVersionJson[] = {{"strFD_AppVersion", Emit<&stVersion::strAppVer>},
-                                                  {"strFD_KnlVersion", EmitKernelVersion}};
+constexpr stJsonField<stVersion> kVersionJson[] = {
+    {"strFD_AppVersion", Emit<&stVersion::strAppVer>}, {"strFD_KnlVersion", EmitKernelVersion}};
 
-// A whole query endpoint: a failed query still answers, with zero and empty values.
+// A whole query endpoint, traced in the name of its handler: a failed query still answers, with
+// zero and empty values.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, CWebCtrl& self, int (CWebCtrl::*pfnQuery)(R& rec),
-            const CJsonField<R> (&rows)[N]) {
+            const stJsonField<R> (&rows)[N], const char* pszHandler = __builtin_FUNCTION()) {
+  TraceFun(pszHandler);
   R rec{};
   const int nRet = (self.*pfnQuery)(rec);
   ReplyFields(pConn, rows, rec, nRet == 0);
+  TraceFun(pszHandler);
 }
 
 }  // namespace
 
-int CWebCtrl::getLangInfoFromNet(stDisplay& rec) {
-  const CFunTrace trace;
-  return Query(kLangQuery, rec);
-}
+int CWebCtrl::getLangInfoFromNet(stDisplay& rec) { return Ask(kLangQuery, rec); }
 
 void CWebCtrl::get_LangInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getLangInfoFromNet, kLangJson);
 }
 
-int CWebCtrl::getBaseInfoFromNet(stBaseInfo& rec) {
-  const CFunTrace trace;
-  return Query(kBaseQuery, rec);
-}
+int CWebCtrl::getBaseInfoFromNet(stBaseInfo& rec) { return Ask(kBaseQuery, rec); }
 
 void CWebCtrl::get_BaseInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   const tm now = LocalNow();
   stBaseInfo rec{};
   const int nRet = getBaseInfoFromNet(rec);
   strftime(rec.strFD_CurTime, sizeof(rec.strFD_CurTime), "%Y-%m-%d %H:%M:%S", &now);
   ReplyFields(pConn, kBaseJson, rec, nRet == 0);
+  TraceFun();
 }
 
-int CWebCtrl::getMirrorInfoFromNet(stVideoMirror& rec) {
-  const CFunTrace trace;
-  return Query(kMirrorQuery, rec);
-}
+int CWebCtrl::getMirrorInfoFromNet(stVideoMirror& rec) { return Ask(kMirrorQuery, rec); }
 
 void CWebCtrl::get_MirrorInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getMirrorInfoFromNet, kMirrorJson);
 }
 
-int CWebCtrl::getMainStreamInfoFromNet(stMainStream& rec) {
-  const CFunTrace trace;
-  return Query(kMainStreamQuery, rec);
-}
+int CWebCtrl::getMainStreamInfoFromNet(stMainStream& rec) { return Ask(kMainStreamQuery, rec); }
 
 void CWebCtrl::get_MainStreamInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getMainStreamInfoFromNet, kMainStreamJson);
 }
 
-int CWebCtrl::getSubStreamInfoFromNet(stSubStream& rec) {
-  const CFunTrace trace;
-  return Query(kSubStreamQuery, rec);
-}
+int CWebCtrl::getSubStreamInfoFromNet(stSubStream& rec) { return Ask(kSubStreamQuery, rec); }
 
 void CWebCtrl::get_SubStreamInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getSubStreamInfoFromNet, kSubStreamJson);
 }
 
-int CWebCtrl::getNetWModeInfoFromNet(stNetWorkMode& rec) {
-  const CFunTrace trace;
-  return Query(kNetWModeQuery, rec);
-}
+int CWebCtrl::getNetWModeInfoFromNet(stNetWorkMode& rec) { return Ask(kNetWModeQuery, rec); }
 
 void CWebCtrl::get_NetWModeInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getNetWModeInfoFromNet, kNetWModeJson);
 }
 
-int CWebCtrl::getVCmsInfoFromNet(stCMS& rec) {
-  const CFunTrace trace;
-  return Query(kVCmsQuery, rec);
-}
+int CWebCtrl::getVCmsInfoFromNet(stCMS& rec) { return Ask(kVCmsQuery, rec); }
 
 void CWebCtrl::get_VCmsInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getVCmsInfoFromNet, kVCmsJson);
 }
 
-int CWebCtrl::getGNetInfoFromNet(stMobileGNet& rec) {
-  const CFunTrace trace;
-  return Query(kGNetQuery, rec);
-}
+int CWebCtrl::getGNetInfoFromNet(stMobileGNet& rec) { return Ask(kGNetQuery, rec); }
 
 void CWebCtrl::get_GNetInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getGNetInfoFromNet, kGNetJson);
 }
 
-int CWebCtrl::getLocalNetInfoFromNet(stLocalEth0& rec) {
-  const CFunTrace trace;
-  return Query(kLocalNetQuery, rec);
-}
+int CWebCtrl::getLocalNetInfoFromNet(stLocalEth0& rec) { return Ask(kLocalNetQuery, rec); }
 
 void CWebCtrl::get_LocalNetInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getLocalNetInfoFromNet, kLocalNetJson);
 }
 
-int CWebCtrl::getVersionInfoFromNet(stVersion& rec) {
-  const CFunTrace trace;
-  return Query(kVersionQuery, rec);
-}
+int CWebCtrl::getVersionInfoFromNet(stVersion& rec) { return Ask(kVersionQuery, rec); }
 
 void CWebCtrl::get_VersionInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
   Answer(pConn, *this, &CWebCtrl::getVersionInfoFromNet, kVersionJson);
 }

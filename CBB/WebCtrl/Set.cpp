@@ -35,47 +35,47 @@ int StoreItem(typename MemberOf<A>::Record& rec, const char* pszText) {
   return pfnStore((rec.*A)[0], pszText);
 }
 
-constexpr CFormField<stBaseInfo> kDeviceNoForm[] = {
+constexpr stFormField<stBaseInfo> kDeviceNoForm[] = {
     {"strFD_DeviceNo", Presence::kAlways, Store<&stBaseInfo::strFD_DeviceNo>}};
 
-constexpr CFormField<stBaseInfo> kBaseForm[] = {
+constexpr stFormField<stBaseInfo> kBaseForm[] = {
     {"strFD_DeviceNo", Presence::kAlways, Store<&stBaseInfo::strFD_DeviceNo>},
     {"ucFD_TimeZone", Presence::kLengthAbove0, Store<&stBaseInfo::ucFD_TimeZone>},
     {"ucFD_GpsSTFlag", Presence::kLengthAbove0, StoreSwitch<&stBaseInfo::ucFD_GpsSTFlag>}};
 
 constexpr auto kMirrorItem = &stVideoMirror::stVideoMirrorPara;
-constexpr CFormField<stVideoMirror> kMirrorForm[] = {
+constexpr stFormField<stVideoMirror> kMirrorForm[] = {
     {"strFD_UpDown", Presence::kNonEmpty,
      StoreItem<kMirrorItem, StoreSwitch<&stVideoMirrorItem::ucFD_UpDown>>},
     {"strFD_LeftRight", Presence::kNonEmpty,
      StoreItem<kMirrorItem, StoreSwitch<&stVideoMirrorItem::ucFD_LeftRight>>}};
 
 constexpr auto kVideoItem = &stMainStream::stVideoPara;
-constexpr CFormField<stMainStream> kMainStreamForm[] = {
+constexpr stFormField<stMainStream> kMainStreamForm[] = {
     {"ucFD_FrameRate", Presence::kLengthAbove0,
      StoreItem<kVideoItem, Store<&stVideoItem::ucFD_FrameRate>>},
     {"uiFD_BitRate", Presence::kLengthAbove0,
      StoreItem<kVideoItem, Store<&stVideoItem::uiFD_BitRate>>}};
 
-constexpr CFormField<stSubStream> kSubStreamForm[] = {
+constexpr stFormField<stSubStream> kSubStreamForm[] = {
     {"ucFD_SFrameRate", Presence::kLengthAbove0, Store<&stSubStream::ucFD_FrameRate>},
     {"uiFD_SBitRate", Presence::kLengthAbove0, Store<&stSubStream::uiFD_BitRate>}};
 
-constexpr CFormField<stNetWorkMode> kNetWModeForm[] = {
+constexpr stFormField<stNetWorkMode> kNetWModeForm[] = {
     {"ucFD_NetWType", Presence::kNonEmpty, Store<&stNetWorkMode::ucFD_NetType>}};
 
-constexpr CFormField<stCMS> kVCmsForm[] = {
+constexpr stFormField<stCMS> kVCmsForm[] = {
     {"ucFD_AddressType", Presence::kNonEmpty, Store<&stCMS::ucFD_AddressType>},
     {"usFD_Port", Presence::kNonEmpty, Store<&stCMS::usFD_Port>}};
 
-constexpr CFormField<stMobileGNet> kGNetForm[] = {
+constexpr stFormField<stMobileGNet> kGNetForm[] = {
     {"ucFD_NetType", Presence::kNonEmpty, Store<&stMobileGNet::ucFD_NetType>},
     {"strFD_Apn", Presence::kNonEmpty, Store<&stMobileGNet::strFD_Apn>},
     {"strFD_PhoneNo", Presence::kNonEmpty, Store<&stMobileGNet::strFD_PhoneNo>},
     {"strFD_UserName", Presence::kNonEmpty, Store<&stMobileGNet::strFD_UserName>},
     {"strFD_UserPasswd", Presence::kNonEmpty, Store<&stMobileGNet::strFD_UserPasswd>}};
 
-constexpr CFormField<stLocalEth0> kLocalNetForm[] = {
+constexpr stFormField<stLocalEth0> kLocalNetForm[] = {
     {"strFD_LocalIp", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_LocalIp>},
     {"strFD_NetMask", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_NetMask>},
     {"strFD_GateWay", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_GateWay>},
@@ -83,21 +83,25 @@ constexpr CFormField<stLocalEth0> kLocalNetForm[] = {
 
 // A whole set endpoint: what the form leaves out is sent as empty text or 0.
 template <class R, size_t N>
-void Answer(mg_connection* pConn, const http_message& msg, const CFormField<R> (&rows)[N],
-            CWebCtrl& self, int (CWebCtrl::*pfnSet)(R rec)) {
+void Answer(mg_connection* pConn, const http_message& msg, const stFormField<R> (&rows)[N],
+            CWebCtrl& self, int (CWebCtrl::*pfnSet)(R rec),
+            const char* pszHandler = __builtin_FUNCTION()) {
+  TraceFun(pszHandler);
   R rec{};
   ReadForm(msg, rows, rec);
   ReplyResult(pConn, (self.*pfnSet)(rec) == 0);
+  TraceFun(pszHandler);
 }
 
 }  // namespace
 
 int CWebCtrl::setLangInfoToNet(const char* pszLanguage) {
-  return Conclude(TransactSection(SET("<stDisplay strLanguage=\"%s\" />"), pszLanguage));
+  CSetExchange exchange(*this);
+  return exchange.Send(SET("<stDisplay strLanguage=\"%s\" />"), pszLanguage);
 }
 
 void CWebCtrl::set_LangInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   CFormReader<> form(*pMsg);
   int nRet = 0;  // Deliberate: a missing language counts as success.
   if (const char* pszText = form.Get("strLanguage", Presence::kLengthAbove0)) {
@@ -105,101 +109,103 @@ void CWebCtrl::set_LangInfo(mg_connection* pConn, http_message* pMsg) {
     nRet = setLangInfoToNet(strcmp(pszText, "CN") == 0 ? "CN" : "US");
   }
   ReplyResult(pConn, nRet == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setBaseInfoToNet(stBaseInfo rec, const char* pszCurTime) {
   TraceFun();
-  const stSetOutcome outcome = TransactSection(
+  CSetExchange exchange(*this);
+  const int nRet = exchange.Send(
       SET("<stBaseInfo strFD_DeviceNo=\"%s\" ucFD_TimeZone=\"%d\" ucFD_GpsSTFlag=\"%d\""
           " strFD_CurTime=\"%s\" />"),
       rec.strFD_DeviceNo, rec.ucFD_TimeZone, rec.ucFD_GpsSTFlag, pszCurTime);
-  if (!outcome.Accepted()) TraceFun();
-  return Conclude(outcome);
+  if (!exchange.IsAccepted()) TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::set_BaseInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stBaseInfo rec{};
   ReadForm(*pMsg, kBaseForm, rec);
   CFormReader<> form(*pMsg);
   const char* pszCurTime = form.Get("strFD_CurTime", Presence::kAlways);
   ReplyResult(pConn, setBaseInfoToNet(rec, pszCurTime) == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setDeviceNoToNet(stBaseInfo rec) {
   TraceFun();
-  const stSetOutcome outcome =
-      TransactSection(SET("<stBaseInfo strFD_DeviceNo=\"%s\"/>"), rec.strFD_DeviceNo);
-  if (!outcome.Accepted()) TraceFun();
-  return Conclude(outcome);
+  CSetExchange exchange(*this);
+  const int nRet = exchange.Send(SET("<stBaseInfo strFD_DeviceNo=\"%s\"/>"), rec.strFD_DeviceNo);
+  if (!exchange.IsAccepted()) TraceFun();
+  return nRet;
 }
 
 void CWebCtrl::set_DeviceNo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kDeviceNoForm, *this, &CWebCtrl::setDeviceNoToNet);
 }
 
 int CWebCtrl::setMirrorInfoToNet(stVideoMirror rec) {
+  CSetExchange exchange(*this);
   const stVideoMirrorItem& item = rec.stVideoMirrorPara[0];
-  return Conclude(TransactSection(
+  return exchange.Send(
       SET("<stVideoMirror><stVideoMirrorPara><VChn_0 ucFD_LeftRight=\"%d\" ucFD_UpDown=\"%d\"/>"
           "</stVideoMirrorPara></stVideoMirror>"),
-      item.ucFD_LeftRight, item.ucFD_UpDown));
+      item.ucFD_LeftRight, item.ucFD_UpDown);
 }
 
 void CWebCtrl::set_MirrorInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kMirrorForm, *this, &CWebCtrl::setMirrorInfoToNet);
 }
 
 int CWebCtrl::setMainStreamInfoToNet(stMainStream rec) {
+  CSetExchange exchange(*this);
   constexpr int kChannel = 0;
   const stVideoItem& item = rec.stVideoPara[0];
-  return Conclude(TransactSection(
+  return exchange.Send(
       SET("<stMainStream StartChn=\"%d\"><stVideoPara><VChn_%d ucFD_FrameRate=\"%d\""
           " uiFD_BitRate=\"%d\" /></stVideoPara></stMainStream>"),
-      kChannel, kChannel, item.ucFD_FrameRate, static_cast<int>(item.uiFD_BitRate)));
+      kChannel, kChannel, item.ucFD_FrameRate, static_cast<int>(item.uiFD_BitRate));
 }
 
 void CWebCtrl::set_MainStreamInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kMainStreamForm, *this, &CWebCtrl::setMainStreamInfoToNet);
 }
 
 int CWebCtrl::setSubStreamInfoToNet(stSubStream rec) {
+  CSetExchange exchange(*this);
   constexpr int kEncodeMode = 3;
-  return Conclude(TransactSection(
+  return exchange.Send(
       SET("<stSubStream ucFD_EncodeMode=\"%d\" ucFD_FrameRate=\"%d\" uiFD_BitRate=\"%d\" />"),
-      kEncodeMode, rec.ucFD_FrameRate, static_cast<int>(rec.uiFD_BitRate)));
+      kEncodeMode, rec.ucFD_FrameRate, static_cast<int>(rec.uiFD_BitRate));
 }
 
 void CWebCtrl::set_SubStreamInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kSubStreamForm, *this, &CWebCtrl::setSubStreamInfoToNet);
 }
 
 int CWebCtrl::setNetWModeInfoToNet(stNetWorkMode rec) {
-  return Conclude(TransactSection(SET("<stNetWorkMode ucFD_NetType=\"%d\"/>"), rec.ucFD_NetType));
+  CSetExchange exchange(*this);
+  return exchange.Send(SET("<stNetWorkMode ucFD_NetType=\"%d\"/>"), rec.ucFD_NetType);
 }
 
 void CWebCtrl::set_NetWModeInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kNetWModeForm, *this, &CWebCtrl::setNetWModeInfoToNet);
 }
 
 int CWebCtrl::setVCmsInfoToNet(stCMS rec) {
+  CSetExchange exchange(*this);
   if (rec.ucFD_AddressType != 0) {
-    return Conclude(TransactSection(
+    return exchange.Send(
         SET("<stCMS ucFD_AddressType=\"%d\" strFD_Domain=\"%s\" usFD_Port=\"%d\"/>"),
-        rec.ucFD_AddressType, rec.strFD_Domain, rec.usFD_Port));
+        rec.ucFD_AddressType, rec.strFD_Domain, rec.usFD_Port);
   }
-  return Conclude(
-      TransactSection(SET("<stCMS ucFD_AddressType=\"%d\" uiFD_IP=\"%s\" usFD_Port=\"%d\"/>"),
-                      rec.ucFD_AddressType, AddressText(rec.uiFD_IP).c_str(), rec.usFD_Port));
+  return exchange.Send(SET("<stCMS ucFD_AddressType=\"%d\" uiFD_IP=\"%s\" usFD_Port=\"%d\"/>"),
+                       rec.ucFD_AddressType, AddressText(rec.uiFD_IP).c_str(), rec.usFD_Port);
 }
 
 void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
+  TraceFun();
   stCMS rec{};
   ReadForm(*pMsg, kVCmsForm, rec);
   CFormReader<> form(*pMsg);
@@ -210,30 +216,30 @@ void CWebCtrl::set_VCmsInfo(mg_connection* pConn, http_message* pMsg) {
     StoreShownAddress<&stCMS::uiFD_IP>(rec, pszAddress);
   }
   ReplyResult(pConn, setVCmsInfoToNet(rec) == 0);
+  TraceFun();
 }
 
 int CWebCtrl::setGNetInfoToNet(stMobileGNet rec) {
-  return Conclude(
-      TransactSection(SET("<stMobileGNet ucFD_NetType=\"%d\" strFD_Apn=\"%s\" strFD_PhoneNo=\"%s\""
-                          " strFD_UserName=\"%s\" strFD_UserPasswd=\"%s\"/>"),
-                      rec.ucFD_NetType, rec.strFD_Apn, rec.strFD_PhoneNo, rec.strFD_UserName,
-                      rec.strFD_UserPasswd));
+  CSetExchange exchange(*this);
+  return exchange.Send(SET("<stMobileGNet ucFD_NetType=\"%d\" strFD_Apn=\"%s\" strFD_PhoneNo=\"%s\""
+                           " strFD_UserName=\"%s\" strFD_UserPasswd=\"%s\"/>"),
+                       rec.ucFD_NetType, rec.strFD_Apn, rec.strFD_PhoneNo, rec.strFD_UserName,
+                       rec.strFD_UserPasswd);
 }
 
 void CWebCtrl::set_GNetInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kGNetForm, *this, &CWebCtrl::setGNetInfoToNet);
 }
 
 int CWebCtrl::setLocalNetInfoToNet(stLocalEth0 rec) {
-  return Conclude(
-      TransactSection(SET("<stLocalEth0 uiFD_LocalIp=\"%s\" uiFD_NetMask=\"%s\" uiFD_GateWay=\"%s\""
-                          " strFD_Mac=\"%s\"/>"),
-                      AddressText(rec.uiFD_LocalIp).c_str(), AddressText(rec.uiFD_NetMask).c_str(),
-                      AddressText(rec.uiFD_GateWay).c_str(), rec.strFD_Mac));
+  CSetExchange exchange(*this);
+  return exchange.Send(
+      SET("<stLocalEth0 uiFD_LocalIp=\"%s\" uiFD_NetMask=\"%s\" uiFD_GateWay=\"%s\""
+          " strFD_Mac=\"%s\"/>"),
+      AddressText(rec.uiFD_LocalIp).c_str(), AddressText(rec.uiFD_NetMask).c_str(),
+      AddressText(rec.uiFD_GateWay).c_str(), rec.strFD_Mac);
 }
 
 void CWebCtrl::set_LocalNetInfo(mg_connection* pConn, http_message* pMsg) {
-  const CFunTrace trace;
   Answer(pConn, *pMsg, kLocalNetForm, *this, &CWebCtrl::setLocalNetInfoToNet);
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr CQuery<stSystemInfo> kQuery{QUERY("<stSystemInfo />"), IMPORT(stSystemInfo)};
+constexpr stQuery<stSystemInfo> kQuery{QUERY("<stSystemInfo />"), IMPORT(stSystemInfo)};
 
 constexpr uint8_t kWifiClient = 1;
 
@@ -16,7 +16,7 @@ using Scratch = char[64];
 using ValueText = std::string_view (*)(const stSystemInfo& rec, Scratch& szScratch);
 
 // One chunk of the reply: its exact text around one value of the record (null: no value).
-struct CStatusPiece {
+struct stStatusPiece {
   const char* pszBefore;
   ValueText pfnValue;
   const char* pszAfter;
@@ -41,7 +41,7 @@ std::string_view CmsAddress(const stSystemInfo& rec, Scratch& szScratch) {
   return szScratch;
 }
 
-constexpr CStatusPiece kPieces[] = {
+constexpr stStatusPiece kPieces[] = {
     {"{ ", nullptr, ""},
     {R"("gps":{ "ucFD_GpsExist": ")", FieldText<&stSystemInfo::GpsExist>, R"(")"},
     {R"(, "strFD_GpsPos": ")", FieldText<&stSystemInfo::GpsPos>, R"("},)"},
@@ -84,21 +84,20 @@ constexpr CStatusPiece kPieces[] = {
 
 }  // namespace
 
-int CWebCtrl::getSystemInfoFromNet(stSystemInfo& rec) {
-  const CFunTrace trace;
-  return Query(kQuery, rec);
-}
+int CWebCtrl::getSystemInfoFromNet(stSystemInfo& rec) { return Ask(kQuery, rec); }
 
 void CWebCtrl::get_SystemInfo(mg_connection* pConn, http_message* /*pMsg*/) {
-  const CFunTrace trace;
+  TraceFun();
   stSystemInfo rec{};
   const int nRet = getSystemInfoFromNet(rec);
   CJsonReply reply(pConn);
-  for (const CStatusPiece& piece : kPieces) {
+  for (const stStatusPiece& piece : kPieces) {
     Scratch szScratch;
-    const auto value = piece.pfnValue ? piece.pfnValue(rec, szScratch) : std::string_view();
+    const auto value =
+        piece.pfnValue != nullptr ? piece.pfnValue(rec, szScratch) : std::string_view();
     reply.Piece({piece.pszBefore, value, piece.pszAfter});
   }
   reply.Piece({"\"result\": ", nRet == 0 ? "1" : "0", " }"});
   reply.End();
+  TraceFun();
 }

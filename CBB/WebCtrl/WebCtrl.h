@@ -3,7 +3,7 @@
 //
 // Threads: the first thread calls Init and Start and then sleeps; everything else - handlers,
 // sessions, device exchanges - runs on the HTTP server thread, one request at a time, unlocked.
-// Each handler get_X, set_X answers the URI of its name; Router.cpp lists them.
+// Each handler get_X, set_X answers the URI of its name; Routes.h lists them.
 #pragma once
 
 #include <mongoose.h>
@@ -16,19 +16,12 @@
 
 struct stThread;
 template <class R>
-struct CQuery;
+struct stQuery;
 
 // The login passwords as the device last gave them, each cut to 7 characters.
 struct stLogin {
   char strFD_NormalPasswd[8];
   char strFD_AdminPasswd[8];
-};
-
-// What a set transaction brought: nRet 0 says only that a reply with a Result came back.
-struct stSetOutcome {
-  int nRet;
-  int nResult;
-  bool Accepted() const { return nRet == 0 && nResult == 0; }
 };
 
 class CWebCtrl {
@@ -60,6 +53,8 @@ class CWebCtrl {
   void SetDevice(const char* pszDeviceIp, int nDevicePort);
 
   bool IsStarted() const { return m_ucStarted != 0; }
+  const char* DeviceIp() const { return m_szDeviceIp; }
+  uint16_t DevicePort() const { return m_usDevicePort; }
   const char* WebRoot() const { return m_szWebRoot; }
   CSessions& Sessions() { return m_sessions; }
 
@@ -132,13 +127,10 @@ class CWebCtrl {
   // The query transaction with the device application; see control/VariCfgSec.h.
   int GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapacity);
   template <class R>
-  int Query(const CQuery<R>& query, R& rec);
-
-  // The set transaction; TransactSection formats the message first. Conclude restarts the service
-  // after an accepted set and gives the sender's result.
-  stSetOutcome Transact(const char* pszMsg, int nLen, int nTimeoutSec);
-  stSetOutcome TransactSection(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
-  int Conclude(const stSetOutcome& outcome);
+  int Query(const stQuery<R>& query, R& rec);
+  // The same between two traces in the name of the calling function.
+  template <class R>
+  int Ask(const stQuery<R>& query, R& rec, const char* pszFun = __builtin_FUNCTION());
 
   stThread* m_pThread = nullptr;
   std::atomic<uint8_t> m_ucStarted{0};  // a restart's second thread clears it, too

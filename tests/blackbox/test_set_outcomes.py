@@ -47,6 +47,14 @@ class TestEverySet:
             rig.daemon.stderr.expect()
 
 
+# Read as 32 bits of a 64-bit number, whatever the processor's own numbers have.
+@pytest.mark.parametrize("number, restarts", [("4294967296", True), ("4294967297", False)])
+def test_result_of_many_digits_counts_with_its_low_32_bits(rig, number, restarts):
+    reply = WITHOUT_RESULT.replace(b"/>", b' Result="%s"/>' % number.encode())
+    assert rig.post("/set_NetWModeInfo", "ucFD_NetWType=1", reply).body == b'{"result": 1 }'
+    rig.daemon.stderr.expect(*([BIND_FAILED[:-1]] if restarts else []))
+
+
 POINT = "ucFD_WorkMode=2&strFD_SSID=ap"
 MODE_ONLY = change('<stWifi ucFD_WorkMode="2"/>')
 VALUES = change(

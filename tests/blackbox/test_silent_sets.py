@@ -1,5 +1,7 @@
 """A device that does not answer: every set fails after its time-out, and nothing is sent again."""
 
+import time
+
 import pytest
 from device import ACCEPTED, REFUSED, SILENCE, answer, change, query
 
@@ -46,7 +48,9 @@ def test_unanswered_gb28181_set_has_no_channels_and_fails(rig):
 def test_unanswered_import_fails_after_its_longer_time_out(rig):
     text = '<VariCfgSec Action="DEVICE_QUERY"><stDisplay strLanguage="CN" /></VariCfgSec>'
     form = b"strFD_CfgPara=" + text.replace("<", "%3C").encode()
+    start = time.monotonic()
     assert rig.post("/import_CfgFile", form, SILENCE, SILENCE).body == b'{"result": 0 }'
+    assert time.monotonic() - start >= 10
     assert rig.device.requests == [change('<stDisplay strLanguage="CN" />')]
     rig.daemon.stderr.expect()
 

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Holds the C++ tree to its rules: how long a file may be, and which folder may include which.
+"""Holds the C++ tree to its rules: how long a file may be, which folder may include which, and what
+of the dialect clang-tidy does not know.
 
 usage: tree_rules.py <source folder>
 """
@@ -19,6 +20,11 @@ LAYERS = {
 MOST_LINES = {".cpp": 300, ".h": 120}
 # The one class that has every endpoint as a member cannot be shorter than their list.
 LONG_LISTS = {"CBB/WebCtrl/WebCtrl.h"}
+# What is not written here, and what stands for it.
+DIALECT = [
+    (r"^static (?!_)\w", "an anonymous namespace instead of static"),
+    (r"(^ *|[;)] |else )[\w.>\[\]-]+(\+\+|--)[;)]", "++ and -- before what they change"),
+]
 FREE = ("tests/", "bench/", "fuzz/", "tools/")
 
 
@@ -47,12 +53,20 @@ def include_problems(path, text):
             yield f"{path}: only CBB/WebCtrl may include the HTTP library"
 
 
+def dialect_problems(path, text):
+    for number, line in enumerate(text.split("\n"), 1):
+        for pattern, wanted in DIALECT:
+            if re.search(pattern, line):
+                yield f"{path}:{number}: {wanted}"
+
+
 def problems(path, text):
     lines = text.count("\n")
     most = MOST_LINES[os.path.splitext(path)[1]]
     if lines > most and path not in LONG_LISTS and not path.startswith("tests/"):
         yield f"{path}: {lines} lines, more than {most}"
     yield from include_problems(path, text)
+    yield from dialect_problems(path, text)
 
 
 def main():

@@ -74,8 +74,3 @@ def commands(text):
 def as_pattern(output):
     """An expected output as a pattern: an ellipsis stands for any text within a line."""
     return re.compile(".*".join(re.escape(part) for part in output.split("…")))
-
-
-def routes():
-    """The URIs of the router's table, in its order."""
-    return re.findall(r'^ +\{"(/\w+)", &CWebCtrl::\w+\},$', read("CBB/WebCtrl/Router.cpp"), re.M)

@@ -5,7 +5,8 @@ import os
 import re
 
 import pytest
-from documents import ROOT, blocks, documents, routes, sections
+from documents import ROOT, blocks, documents, sections
+from endpoints import routes
 
 API = "docs/api.md"
 

@@ -8,7 +8,8 @@ from urllib.parse import urlencode
 import jsonschema
 import pytest
 import yaml
-from documents import ROOT, read, routes
+from documents import ROOT, read
+from endpoints import routes
 from recorder import Recorder
 from test_api import told_variables
 

@@ -19,21 +19,21 @@ std::string Print(const TiXmlElement& elem) {
 }
 
 void MergeElement(const TiXmlElement& src, TiXmlElement& dst) {
-  for (const TiXmlAttribute* p = src.FirstAttribute(); p; p = p->Next())
+  for (const TiXmlAttribute* p = src.FirstAttribute(); p != nullptr; p = p->Next())
     dst.SetAttribute(p->Name(), p->Value());
-  for (const TiXmlElement* p = src.FirstChildElement(); p; p = p->NextSiblingElement()) {
+  for (const TiXmlElement* p = src.FirstChildElement(); p != nullptr; p = p->NextSiblingElement()) {
     TiXmlElement* pChild = dst.FirstChildElement(p->Value());
-    if (!pChild) pChild = dst.LinkEndChild(new TiXmlElement(p->Value()))->ToElement();
+    if (pChild == nullptr) pChild = dst.LinkEndChild(new TiXmlElement(p->Value()))->ToElement();
     MergeElement(*p, *pChild);
   }
 }
 
 void KeepItems(TiXmlElement& container, int nFirst, int nCount) {
   TiXmlElement* pNext = nullptr;
-  for (TiXmlElement* p = container.FirstChildElement(); p; p = pNext) {
+  for (TiXmlElement* p = container.FirstChildElement(); p != nullptr; p = pNext) {
     pNext = p->NextSiblingElement();
     const char* pszNumber = strrchr(p->Value(), '_');
-    const long nItem = pszNumber ? strtol(pszNumber + 1, nullptr, 10) : 0;
+    const long nItem = pszNumber != nullptr ? strtol(pszNumber + 1, nullptr, 10) : 0;
     if (nItem < nFirst || nItem - nFirst >= nCount) container.RemoveChild(p);
   }
 }
@@ -52,7 +52,7 @@ int CConfigDoc::Load(const std::string& strPath, std::string& strError) {
   // Legacy means byte by byte: no second byte of a GBK pair looks like markup.
   doc.Parse(text.str().c_str(), nullptr, TIXML_ENCODING_LEGACY);
   const TiXmlElement* pRoot = doc.FirstChildElement("VariCfgSec");
-  if (doc.Error() || !pRoot) {
+  if (doc.Error() || pRoot == nullptr) {
     strError = strPath + " holds no VariCfgSec document";
     return -1;
   }
@@ -77,10 +77,11 @@ int CConfigDoc::Save(const std::string& strPath, std::string& strError) const {
 }
 
 void CConfigDoc::Merge(const TiXmlElement& root) {
-  for (const TiXmlElement* p = root.FirstChildElement(); p; p = p->NextSiblingElement()) {
+  for (const TiXmlElement* p = root.FirstChildElement(); p != nullptr;
+       p = p->NextSiblingElement()) {
     const stSection* pOld = Find(p->Value());
-    auto pNew = pOld ? std::make_shared<TiXmlElement>(*pOld->pElem)
-                     : std::make_shared<TiXmlElement>(p->Value());
+    auto pNew = pOld != nullptr ? std::make_shared<TiXmlElement>(*pOld->pElem)
+                                : std::make_shared<TiXmlElement>(p->Value());
     MergeElement(*p, *pNew);
     pNew->RemoveAttribute("StartChn");  // chooses items of a message, is no setting
     Put(p->ValueStr(), std::move(pNew));
@@ -107,14 +108,14 @@ void CConfigDoc::Put(const std::string& strName, std::shared_ptr<const TiXmlElem
 
 const std::string* CConfigDoc::Section(std::string_view name) const {
   const stSection* pSection = Find(name);
-  return pSection ? &pSection->strText : nullptr;
+  return pSection != nullptr ? &pSection->strText : nullptr;
 }
 
 std::string CConfigDoc::SectionItems(std::string_view name, int nFirst, int nCount) const {
   const stSection* pSection = Find(name);
-  if (!pSection) return "";
+  if (pSection == nullptr) return "";
   TiXmlElement elem(*pSection->pElem);
-  for (TiXmlElement* p = elem.FirstChildElement(); p; p = p->NextSiblingElement())
+  for (TiXmlElement* p = elem.FirstChildElement(); p != nullptr; p = p->NextSiblingElement())
     KeepItems(*p, nFirst, nCount);
   return Print(elem);
 }

@@ -101,7 +101,7 @@ int CDevice::ApplySet(const stRequest& req) {
   msg.SetTabSize(0);
   msg.Parse(std::string(req.text).c_str(), nullptr, TIXML_ENCODING_LEGACY);
   const TiXmlElement* pRoot = msg.RootElement();
-  if (msg.Error() || !pRoot || !pRoot->FirstChildElement()) return -1;
+  if (msg.Error() || pRoot == nullptr || pRoot->FirstChildElement() == nullptr) return -1;
   CConfigDoc next = m_doc;
   next.Merge(*pRoot);
   std::string strError;

@@ -139,12 +139,13 @@ int CFaults::Add(const std::string& strLine, std::string& strError) {
   const std::string strName(line.substr(0, nColon));
   for (const stFaultKind& kind : kKinds)
     if (strName == kind.pszName) fault.pKind = &kind;
-  if (!fault.pKind) {
+  if (fault.pKind == nullptr) {
     strError = "unknown fault '" + strName + "'";
     return -1;
   }
   const bool bGiven = nColon != std::string_view::npos;
-  if ((!bGiven && !fault.pKind->pszDefault) || (bGiven && fault.pKind->rule == ArgRule::kNone)) {
+  if ((!bGiven && fault.pKind->pszDefault == nullptr) ||
+      (bGiven && fault.pKind->rule == ArgRule::kNone)) {
     strError = "fault '" + strName + "' " + (bGiven ? "takes no" : "needs an") + " argument";
     return -1;
   }

@@ -10,7 +10,7 @@ CSocket::~CSocket() {
 int CSocket::Open(const sockaddr_in& addr, bool bShared) {
   m_nFd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (m_nFd < 0) return -1;
-  const int nShared = bShared;
+  const int nShared = static_cast<int>(bShared);
   setsockopt(m_nFd, SOL_SOCKET, SO_REUSEADDR, &nShared, sizeof(nShared));
   if (bind(m_nFd, reinterpret_cast<const sockaddr*>(&addr), sizeof(addr)) != 0) return -1;
   socklen_t nLen = sizeof(m_addr);

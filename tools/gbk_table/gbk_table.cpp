@@ -10,11 +10,13 @@
 #include <bitset>
 #include <string>
 
-static constexpr int kCodesPerLine = 5;
+namespace {
+
+constexpr int kCodesPerLine = 5;
 
 // The UCS-2 value of a two-byte code, or kGbkUnassigned where iconv knows none. -1: iconv answered
 // with something that a table of single UCS-2 values cannot hold.
-static int Ucs2Of(iconv_t pConverter, int nCode) {
+int Ucs2Of(iconv_t pConverter, int nCode) {
   char szIn[] = {static_cast<char>(nCode >> 8), static_cast<char>(nCode & 0xFF)};
   unsigned char szOut[8];
   char* pIn = szIn;
@@ -27,13 +29,17 @@ static int Ucs2Of(iconv_t pConverter, int nCode) {
   return szOut[0] << 8 | szOut[1];
 }
 
+}  // namespace
+
 struct stMapping {
   stGbkCode codes[kGbkCodes];
   int nAssigned;
 };
 
+namespace {
+
 // Returns 0, or -1 after naming the code that breaks the rules.
-static int ReadMapping(iconv_t pConverter, stMapping& mapping) {
+int ReadMapping(iconv_t pConverter, stMapping& mapping) {
   std::bitset<65536> seen;
   mapping.nAssigned = 0;
   for (int nCode = kGbkFirst; nCode <= kGbkLast; ++nCode) {
@@ -51,7 +57,7 @@ static int ReadMapping(iconv_t pConverter, stMapping& mapping) {
   return 0;
 }
 
-static std::string Format(const stMapping& mapping) {
+std::string Format(const stMapping& mapping) {
   std::string text = "// Written by tools/gbk_table from the C library's CP936. Do not edit.\n";
   for (int i = 0; i < kGbkCodes; ++i) {
     char szEntry[32];
@@ -63,9 +69,9 @@ static std::string Format(const stMapping& mapping) {
   return text;
 }
 
-static int WriteFile(const char* pszPath, const std::string& text) {
+int WriteFile(const char* pszPath, const std::string& text) {
   FILE* pFile = fopen(pszPath, "w");
-  if (!pFile) {
+  if (pFile == nullptr) {
     perror(pszPath);
     return -1;
   }
@@ -74,6 +80,8 @@ static int WriteFile(const char* pszPath, const std::string& text) {
   perror(pszPath);
   return -1;
 }
+
+}  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 2) {

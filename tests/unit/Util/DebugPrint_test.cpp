@@ -26,7 +26,7 @@ class DebugPrintTest : public testing::Test {
 // The levels from -1 to 6 whose messages print.
 std::string PrintingLevels() {
   return Printed([] {
-    for (int i = -1; i <= 6; i++) DebugPrint(i, "%d ", i);
+    for (int i = -1; i <= 6; ++i) DebugPrint(i, "%d ", i);
   });
 }
 
@@ -57,17 +57,17 @@ TEST_F(DebugPrintTest, Threshold5SilencesThePrintButNotTheHexDump) {
   EXPECT_EQ("", Printed([] { DebugHex(4, "RX", "A", 1); }));
 }
 
-TEST_F(DebugPrintTest, WritesPastTheOutputBuffer) {
+TEST_F(DebugPrintTest, WritesAtOnceAndBehindWhatWasPrintedBefore) {
   const std::string strOut = Printed([] {
     static char s_szBuffer[4096];
     fflush(stdout);
     setvbuf(stdout, s_szBuffer, _IOFBF, sizeof(s_szBuffer));
-    printf("buffered ");
+    printf("before ");
     DebugPrint(4, "at once ");
-    fflush(stdout);
+    EXPECT_EQ(6, write(STDOUT_FILENO, "behind", 6));
     setvbuf(stdout, nullptr, _IOLBF, 0);
   });
-  EXPECT_EQ("at once buffered ", strOut);
+  EXPECT_EQ("before at once behind", strOut);
 }
 
 TEST_F(DebugPrintTest, CutsAMessageAtItsBuffer) {

@@ -41,7 +41,7 @@ class LoggerTest : public testing::Test {
   std::set<std::string> Names() const {
     std::set<std::string> names;
     DIR* const pDir = opendir(m_strDir.c_str());
-    if (!pDir) return names;
+    if (pDir == nullptr) return names;
     while (const dirent* pEntry = readdir(pDir))
       if (pEntry->d_name[0] != '.') names.insert(pEntry->d_name);
     closedir(pDir);
@@ -49,7 +49,7 @@ class LoggerTest : public testing::Test {
   }
   void Touch(const std::string& strName) const { std::ofstream(m_strDir + strName) << "old"; }
   void TouchMany(int nCount) const {
-    for (int i = 0; i < nCount; i++) {
+    for (int i = 0; i < nCount; ++i) {
       char szName[32];
       snprintf(szName, sizeof(szName), "web_20200101_0000%02d", i);
       Touch(szName);
@@ -153,13 +153,18 @@ TEST_F(LoggerTest, HeadsEachLineWithNumberAndTime) {
                            std::to_string(uiFirst + 1) + ">" + strTime + "no line end"));
 }
 
-TEST_F(LoggerTest, CutsALineAtItsBuffer) {
+TEST_F(LoggerTest, WritesLinesOfAnyLengthWhole) {
   ASSERT_EQ(0, Log().init("web", m_strDir.c_str()));
   FillFile();
   for (const std::string& strName : Names()) unlink((m_strDir + strName).c_str());
-  Log().log("%s", std::string(5000, 'x').c_str());
+  std::string strPattern;
+  for (const size_t nLen : {2000, 2047, 2048, 5000, 100000}) {
+    const std::string strLong(nLen, static_cast<char>('a' + nLen % 7));
+    Log().log("%s\n", strLong.c_str());
+    strPattern += "<L[0-9]+> \\[[0-9: -]+\\]:" + strLong + "\n";
+  }
   ASSERT_EQ(1u, Names().size());
-  EXPECT_EQ(2047u, Read(*Names().begin()).size());
+  EXPECT_TRUE(testing::Value(Read(*Names().begin()), MatchesRegex(strPattern)));
 }
 
 TEST_F(LoggerTest, FirstLineOfAFileClearsOldFiles) {
@@ -231,6 +236,21 @@ TEST_F(LoggerTest, ClearLogReportsADirectoryThatCannotBeCreated) {
               MatchesRegex(ErrorLine("clearLog", "reopen dir:\\[" + m_strDir +
                                                      "\\] error:No such file or directory\\.")));
   EXPECT_NE("", testing::internal::GetCapturedStderr()) << "mkdir says why it failed";
+}
+
+// Given without a slash at its end; the files are inside of it all the same.
+TEST_F(LoggerTest, ClearLogShowsTheDirectoryAsItWasGiven) {
+  const std::string strGiven = m_strDir.substr(0, m_strDir.size() - 1);
+  ASSERT_EQ(0, Log().init("web", strGiven.c_str()));
+  for (const std::string& strName : Names()) unlink((m_strDir + strName).c_str());
+  TouchMany(1);
+  EXPECT_EQ(
+      "\033[32m\033[1mLogger::clearLog, [rm -rf " + m_strDir + "web_20200101_000000]\n\033[0m",
+      Printed([] { EXPECT_EQ(0, Log().clearLog(0)); }));
+  ASSERT_EQ(0, system(("rm -rf " + m_strDir + " && touch " + m_strRoot + "/log").c_str()));
+  EXPECT_THAT(Printed([] { EXPECT_EQ(-1, Log().clearLog(30)); }),
+              MatchesRegex(ErrorLine("clearLog",
+                                     "open dir:\\[" + strGiven + "\\] error:Not a directory\\.")));
 }
 
 TEST_F(LoggerTest, ClearLogNeverRunsAFileNameAsACommand) {

@@ -53,7 +53,7 @@ TEST(GetIfAddr, LeavesNoDescriptorBehind) {
   uint32_t uiAddr = 0;
   const int nBefore = dup(STDOUT_FILENO);
   close(nBefore);
-  for (int i = 0; i < 3; i++) {
+  for (int i = 0; i < 3; ++i) {
     GetIfAddr("lo", uiAddr);
     GetIfAddr("nosuchif0", uiAddr);
   }
@@ -64,9 +64,9 @@ TEST(GetIfAddr, LeavesNoDescriptorBehind) {
 
 TEST(GetIfAddr, ServesSeveralThreads) {
   std::vector<std::thread> threads;
-  for (int i = 0; i < 4; i++)
+  for (int i = 0; i < 4; ++i)
     threads.emplace_back([] {
-      for (int n = 0; n < 100; n++) {
+      for (int n = 0; n < 100; ++n) {
         uint32_t uiAddr = 0;
         EXPECT_EQ(0, GetIfAddr("lo", uiAddr));
         EXPECT_EQ(htonl(INADDR_LOOPBACK), uiAddr);

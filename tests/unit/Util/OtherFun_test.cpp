@@ -2,18 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <vector>
 
 namespace {
 
-struct CTextCase {
+struct stTextCase {
   const char* pszText;
   int nExpected;
 };
 
 TEST(IsIpAddrStr, WantsThreeDotsAndLimitsAllGroupsButTheLast) {
-  const CTextCase kCases[] = {
+  const stTextCase kCases[] = {
       {"192.168.0.1", 1},
       {"0.0.0.0", 1},
       {"255.255.255.255", 1},
@@ -39,30 +40,57 @@ TEST(IsIpAddrStr, WantsThreeDotsAndLimitsAllGroupsButTheLast) {
       {" 1.2.3.4", 0},
       {"1.2.3.-4", 0},
   };
-  for (const CTextCase& row : kCases)
-    EXPECT_EQ(row.nExpected, IsIpAddrStr(row.pszText)) << (row.pszText ? row.pszText : "null");
+  for (const stTextCase& row : kCases)
+    EXPECT_EQ(row.nExpected, IsIpAddrStr(row.pszText))
+        << (row.pszText != nullptr ? row.pszText : "null");
 }
 
 TEST(IsHexStr, WantsPrefixAndAtLeastOneDigit) {
-  const CTextCase kCases[] = {
+  const stTextCase kCases[] = {
       {"0x0", 1}, {"0X1f", 1},  {"0xabcdefABCDEF0123456789", 1},
       {"0x", 0},  {"0X", 0},    {"0", 0},
       {"", 0},    {nullptr, 0}, {"0x1g", 0},
       {"1x1", 0}, {"x11", 0},   {"0x 1", 0},
       {"11", 0},  {"0x-1", 0},  {"0x1 ", 0},
   };
-  for (const CTextCase& row : kCases)
-    EXPECT_EQ(row.nExpected, IsHexStr(row.pszText)) << (row.pszText ? row.pszText : "null");
+  for (const stTextCase& row : kCases)
+    EXPECT_EQ(row.nExpected, IsHexStr(row.pszText))
+        << (row.pszText != nullptr ? row.pszText : "null");
 }
 
 TEST(IsDecStr, PassesDigitsBehindAnOptionalMinus) {
-  const CTextCase kCases[] = {
+  const stTextCase kCases[] = {
       {"", 1},      {"-", 1},  {"-12", 1}, {"0", 1},   {"99999999999999999999", 1},
       {nullptr, 0}, {"+5", 0}, {"1-2", 0}, {"--1", 0}, {"1.5", 0},
       {" 1", 0},    {"1 ", 0}, {"a", 0},
   };
-  for (const CTextCase& row : kCases)
-    EXPECT_EQ(row.nExpected, IsDecStr(row.pszText)) << (row.pszText ? row.pszText : "null");
+  for (const stTextCase& row : kCases)
+    EXPECT_EQ(row.nExpected, IsDecStr(row.pszText))
+        << (row.pszText != nullptr ? row.pszText : "null");
+}
+
+TEST(TextToInt, ReadsTheLeadingNumber) {
+  const stTextCase kCases[] = {{"0", 0},
+                               {"12", 12},
+                               {"-12", -12},
+                               {"+12", 12},
+                               {" \t\n12", 12},
+                               {"12abc", 12},
+                               {"abc", 0},
+                               {"", 0},
+                               {"--1", 0},
+                               {"0x10", 0},
+                               {"2147483647", INT_MAX},
+                               {"2147483648", INT_MIN},
+                               {"-2147483648", INT_MIN},
+                               {"-2147483649", INT_MAX},
+                               {"4294967295", -1},
+                               {"4294967297", 1},
+                               {"9223372036854775807", -1},
+                               {"9223372036854775808", -1},
+                               {"-9223372036854775809", 0}};
+  for (const stTextCase& row : kCases)
+    EXPECT_EQ(row.nExpected, TextToInt(row.pszText)) << row.pszText;
 }
 
 TEST(HexStrToUInt, ReadsExactlyTheGivenCountModulo2To32) {
@@ -105,7 +133,7 @@ std::vector<uint8_t> Bytes(const char* pszHex, int nHexLen, int nRoom, int nExpe
     EXPECT_EQ(nRoom, nLen) << pszHex;
     nLen = 0;
   }
-  for (size_t i = static_cast<size_t>(nLen); i < sizeof(bytes); i++)
+  for (size_t i = static_cast<size_t>(nLen); i < sizeof(bytes); ++i)
     EXPECT_EQ(0xEE, bytes[i]) << pszHex << ": byte " << i << " lies behind the result";
   return std::vector<uint8_t>(bytes, bytes + nLen);
 }

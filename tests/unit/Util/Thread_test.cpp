@@ -134,7 +134,7 @@ TEST(AutoLock, HoldsTheMutexForItsScope) {
   CMutex mutex;
   int nShared = 0;
   const auto Count = [&] {
-    for (int i = 0; i < 50000; i++) {
+    for (int i = 0; i < 50000; ++i) {
       const AutoLock lock(mutex);
       nShared = nShared + 1;
     }

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "CBB/WebCtrl/WebCtrl.h"
-#include "tests/unit/WebCtrl/Device.h"
 #include "tests/unit/WebCtrl/HttpConn.h"
+#include "tests/unit/WebCtrl/OneRequest.h"
 #include "tests/unit/control/NetSpace.h"
 
 namespace {
@@ -16,26 +15,6 @@ using testing::HasSubstr;
 constexpr char kNeedsNetSpace[] = "no private network namespace";
 constexpr char kQuery[] = R"(<VariCfgSec Action="DEVICE_QUERY"></VariCfgSec>)";
 constexpr char kRefusal[] = R"(<VariCfgSec Action="DEVICE_SET" Result="1"/>)";
-
-// What one request makes the device receive, the browser receive and the service print.
-struct stOutcome {
-  std::vector<std::string> requests;
-  std::string strSent;
-  std::string strPrinted;
-};
-
-stOutcome Ask(const std::string& strRequest, const std::string& strDeviceReply) {
-  setvbuf(stdout, nullptr, _IONBF, 0);  // keeps its order with the debug print
-  CDevice device([&](const std::string&) { return strDeviceReply; });
-  CWebCtrl webCtrl;
-  webCtrl.SetDevice("127.0.0.1", device.Port());
-  CHttpConn conn;
-  CRequest request(strRequest);
-  testing::internal::CaptureStdout();
-  webCtrl.DoHttpRequeset(conn.Get(), request.Get());
-  const std::string strPrinted = testing::internal::GetCapturedStdout();
-  return {device.Requests(), conn.Sent(), strPrinted};
-}
 
 std::string Repeat(const char* pszText, size_t nTimes) {
   std::string strAll;

@@ -113,7 +113,7 @@ struct stSample {
   char strAlways[4];
 };
 
-constexpr CFormField<stSample> kFields[] = {
+constexpr stFormField<stSample> kFields[] = {
     {"ucNumber", Presence::kLengthAbove0, Store<&stSample::ucNumber>},
     {"strText", Presence::kNonEmpty, Store<&stSample::strText>},
     {"strAlways", Presence::kAlways, Store<&stSample::strAlways>}};

@@ -132,10 +132,10 @@ struct stItems {
 };
 
 TEST(ReplyFields, WritesTheRowsInOrderAndTheResult) {
-  constexpr CJsonField<stSample> kRows[] = {{"text", Emit<&stSample::strText>},
-                                            {"uc", Emit<&stSample::ucNumber>},
-                                            {"ui", Emit<&stSample::uiNumber>},
-                                            {"ip", EmitAddress<&stSample::uiAddress>}};
+  constexpr stJsonField<stSample> kRows[] = {{"text", Emit<&stSample::strText>},
+                                             {"uc", Emit<&stSample::ucNumber>},
+                                             {"ui", Emit<&stSample::uiNumber>},
+                                             {"ip", EmitAddress<&stSample::uiAddress>}};
   const stSample rec{200, 0xFFFFFFFFU, "seven..", inet_addr("1.2.3.4")};
   for (const bool bOk : {false, true}) {
     CHttpConn conn;
@@ -151,7 +151,7 @@ TEST(ReplyFields, WritesTheRowsInOrderAndTheResult) {
 }
 
 TEST(ReplyFields, TakesTheFirstOfSeveralItems) {
-  constexpr CJsonField<stItems> kRows[] = {{"n", EmitItem<&stItems::items, &stItem::ucNumber>}};
+  constexpr stJsonField<stItems> kRows[] = {{"n", EmitItem<&stItems::items, &stItem::ucNumber>}};
   const stItems rec{{{3}, {4}}};
   CHttpConn conn;
   ReplyFields(conn.Get(), kRows, rec, true);

@@ -6,9 +6,13 @@
 
 #include <cstdio>
 #include <fstream>
+#include <set>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "CBB/WebCtrl/HttpLoop.h"
+#include "CBB/WebCtrl/Routes.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 #include "tests/unit/WebCtrl/Device.h"
 #include "tests/unit/WebCtrl/HttpConn.h"
@@ -25,18 +29,6 @@ constexpr char kNeedsNetSpace[] = "no private network namespace";
 constexpr char kStart[] = "--------------------------DoHttpRequeset, start.\n";
 constexpr char kFile[] = "------------others-------mg_serve_http.\n";
 
-constexpr const char* kNames[] = {
-    "get_LangInfo",       "set_LangInfo",       "get_BaseInfo",      "set_BaseInfo",
-    "get_UserSecurity",   "set_UserSecurity",   "cmp_UserSecurity",  "get_LockOfPassword",
-    "set_LockOfPassword", "set_DeviceNo",       "get_MirrorInfo",    "set_MirrorInfo",
-    "get_MainStreamInfo", "set_MainStreamInfo", "get_SubStreamInfo", "set_SubStreamInfo",
-    "get_NetWModeInfo",   "set_NetWModeInfo",   "get_VCmsInfo",      "set_VCmsInfo",
-    "get_WifiInfo",       "set_WifiInfo",       "get_GNetInfo",      "set_GNetInfo",
-    "get_GB28181Info",    "set_GB28181Info",    "get_cpu_usage",     "get_VersionInfo",
-    "get_SystemInfo",     "set_Login",          "get_Login",         "get_LocalNetInfo",
-    "set_LocalNetInfo",   "export_CfgFile",     "import_CfgFile"};
-static_assert(sizeof(kNames) / sizeof(kNames[0]) == 35);
-
 // What one request prints and sends.
 struct stOutcome {
   std::string strPrinted;
@@ -44,7 +36,6 @@ struct stOutcome {
 };
 
 stOutcome Route(CWebCtrl& webCtrl, const std::string& strRequest) {
-  setvbuf(stdout, nullptr, _IONBF, 0);  // keeps its order with the debug print
   CHttpConn conn;
   CRequest request(strRequest);
   testing::internal::CaptureStdout();
@@ -87,7 +78,8 @@ TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
     CDevice device([](const std::string&) { return R"(<VariCfgSec Action="" Result="1"><s/>)"; });
     CWebCtrl webCtrl;
     webCtrl.SetDevice("127.0.0.1", device.Port());
-    for (const std::string strName : kNames) {
+    for (const stRoute& route : kRoutes) {
+      const std::string strName(route.Name());
       const stOutcome outcome = Route(
           webCtrl, Post("/" + strName + "?time=1", "strLanguage=CN&strFD_CfgPara=<VariCfgSec/>"));
       EXPECT_THAT(outcome.strPrinted, StartsWith(kStart + EntryLine(strName)));
@@ -95,6 +87,37 @@ TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
       EXPECT_THAT(TakeReply(outcome.strSent).Body(),
                   testing::ContainsRegex("\"result\": [0-9]+ }$"))
           << strName;
+    }
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+// The plain traces of what was printed, but for those whose line numbers are fixed.
+std::vector<std::string> TraceLines(const std::string& strPrinted) {
+  std::vector<std::string> lines;
+  std::istringstream text(strPrinted);
+  for (std::string strLine; std::getline(text, strLine);) {
+    const bool bFixed = strLine.rfind("FUN:GetParaInfoByCmd", 0) == 0;
+    if (strLine.rfind("FUN:", 0) == 0 && !bFixed) lines.push_back(strLine);
+  }
+  return lines;
+}
+
+TEST(DoHttpRequeset, TracesEveryEntryAndExitWithALineOfItsOwn) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    for (const char* pszReply : {R"(<VariCfgSec Action="" Result="1"><s/>)", "no reply of ours"}) {
+      CDevice device([&](const std::string&) { return pszReply; });
+      CWebCtrl webCtrl;
+      webCtrl.SetDevice("127.0.0.1", device.Port());
+      for (const stRoute& route : kRoutes) {
+        const std::string strName(route.Name());
+        const auto lines = TraceLines(
+            Route(webCtrl, Post("/" + strName, "strLanguage=CN&strFD_CfgPara=<VariCfgSec/>"))
+                .strPrinted);
+        EXPECT_GE(lines.size(), strName == "get_cpu_usage" ? 0U : 2U) << strName;
+        const std::set<std::string> distinct(lines.begin(), lines.end());
+        EXPECT_EQ(lines.size(), distinct.size()) << testing::PrintToString(lines);
+      }
     }
   });
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;

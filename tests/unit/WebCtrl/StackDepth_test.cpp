@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "CBB/WebCtrl/Routes.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 #include "tests/unit/WebCtrl/Device.h"
 #include "tests/unit/WebCtrl/HttpConn.h"
@@ -29,17 +30,6 @@ constexpr int kIncludes = 12;  // more than the HTTP library follows
 constexpr size_t kLarge = 200000;
 constexpr char kLast[] = "GET /get_cpu_usage HTTP/1.1\r\n\r\n";
 constexpr char kLastAnswered[] = "\"strFD_SSID\": \"new \"";
-
-constexpr const char* kNames[] = {
-    "get_LangInfo",       "set_LangInfo",       "get_BaseInfo",      "set_BaseInfo",
-    "get_UserSecurity",   "set_UserSecurity",   "cmp_UserSecurity",  "get_LockOfPassword",
-    "set_LockOfPassword", "set_DeviceNo",       "get_MirrorInfo",    "set_MirrorInfo",
-    "get_MainStreamInfo", "set_MainStreamInfo", "get_SubStreamInfo", "set_SubStreamInfo",
-    "get_NetWModeInfo",   "set_NetWModeInfo",   "get_VCmsInfo",      "set_VCmsInfo",
-    "get_WifiInfo",       "set_WifiInfo",       "get_GNetInfo",      "set_GNetInfo",
-    "get_GB28181Info",    "set_GB28181Info",    "get_cpu_usage",     "get_VersionInfo",
-    "get_SystemInfo",     "set_Login",          "get_Login",         "get_LocalNetInfo",
-    "set_LocalNetInfo",   "export_CfgFile",     "import_CfgFile"};
 
 struct stPath {
   std::string strName;
@@ -76,7 +66,8 @@ std::string LongForm() {
 std::vector<stPath> Paths() {
   std::vector<stPath> paths;
   const std::string strRefused = DeepMessage("1", 0);
-  for (const std::string strName : kNames) {
+  for (const stRoute& route : kRoutes) {
+    const std::string strName(route.Name());
     paths.push_back({strName, Post("/" + strName, LongForm()) + kLast, strRefused, "result"});
   }
   const std::string strWhole = DeepMessage("1", 29000);

@@ -2,12 +2,16 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "control/VariCfgSec.h"
 #include "tests/unit/WebCtrl/Device.h"
 #include "tests/unit/control/NetSpace.h"
 
@@ -51,6 +55,27 @@ class CCountingCtrl : public CWebCtrl {
   std::string m_calls;
 };
 
+// Whether somebody holds the port that the exchanges are bound to.
+bool IsExchangeOpen() {
+  const int nSock = socket(AF_INET, SOCK_DGRAM, 0);
+  sockaddr_in addr{};
+  addr.sin_family = AF_INET;
+  addr.sin_port = htons(kLocalPort);
+  const bool bTaken = bind(nSock, reinterpret_cast<sockaddr*>(&addr), sizeof(addr)) != 0;
+  close(nSock);
+  return bTaken;
+}
+
+// Looks at the exchange when a restart is asked for, instead of restarting.
+class CWatchingCtrl : public CWebCtrl {
+ public:
+  int Restart() override {
+    m_open.push_back(IsExchangeOpen());
+    return 0;
+  }
+  std::vector<bool> m_open;
+};
+
 TEST(CWebCtrl, IsOneObjectFor6000AtFirst) {
   EXPECT_EQ(&CWebCtrl::Instance(), &CWebCtrl::Instance());
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
@@ -88,6 +113,64 @@ TEST(CWebCtrl, RestartGoesThroughItsSlotsBackToTheAddressOfInit) {
     EXPECT_EQ("Stop Start()", webCtrl.m_calls);
     // Only the address goes back.
     EXPECT_EQ(Shown("127.0.0.1", device.Port()), QueriedDevice(webCtrl));
+  });
+  if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
+}
+
+stWifi AccessPoint() {
+  stWifi rec{};
+  rec.ucFD_WorkMode = 2;
+  return rec;
+}
+
+const struct {
+  const char* pszName;
+  int (*pfnSet)(CWebCtrl& webCtrl);
+} kSenders[] = {
+    {"Lang", [](CWebCtrl& ctrl) { return ctrl.setLangInfoToNet("CN"); }},
+    {"Base", [](CWebCtrl& ctrl) { return ctrl.setBaseInfoToNet({}, ""); }},
+    {"DeviceNo", [](CWebCtrl& ctrl) { return ctrl.setDeviceNoToNet({}); }},
+    {"UserSecurity 0", [](CWebCtrl& ctrl) { return ctrl.setUserSecurityToNet({}, 0); }},
+    {"UserSecurity 2", [](CWebCtrl& ctrl) { return ctrl.setUserSecurityToNet({}, 2); }},
+    {"Lock", [](CWebCtrl& ctrl) { return ctrl.setLockOfPasswordToNet(0, 0); }},
+    {"Mirror", [](CWebCtrl& ctrl) { return ctrl.setMirrorInfoToNet({}); }},
+    {"MainStream", [](CWebCtrl& ctrl) { return ctrl.setMainStreamInfoToNet({}); }},
+    {"SubStream", [](CWebCtrl& ctrl) { return ctrl.setSubStreamInfoToNet({}); }},
+    {"NetWMode", [](CWebCtrl& ctrl) { return ctrl.setNetWModeInfoToNet({}); }},
+    {"VCms, address", [](CWebCtrl& ctrl) { return ctrl.setVCmsInfoToNet({}); }},
+    {"VCms, domain",
+     [](CWebCtrl& ctrl) {
+       return ctrl.setVCmsInfoToNet({1, 0, "", 0});
+     }},
+    {"Wifi, station", [](CWebCtrl& ctrl) { return ctrl.setWifiInfoToNet({}); }},
+    {"Wifi, point", [](CWebCtrl& ctrl) { return ctrl.setWifiInfoToNet(AccessPoint()); }},
+    {"GNet", [](CWebCtrl& ctrl) { return ctrl.setGNetInfoToNet({}); }},
+    {"GB28181", [](CWebCtrl& ctrl) { return ctrl.setGB28181InfoToNet({}); }},
+    {"LocalNet", [](CWebCtrl& ctrl) { return ctrl.setLocalNetInfoToNet({}); }},
+    {"Import", [](CWebCtrl& ctrl) { return ctrl.import_CfgFileFromNet("<x/>"); }},
+};
+
+// The device's answer in turn; the socket of the exchange closes behind all else that a set does.
+void ExpectClosedLast(const char* pszName, int (*pfnSet)(CWebCtrl&),
+                      const std::vector<std::string>& results) {
+  size_t nAnswered = 0;
+  CDevice device([&](const std::string&) {
+    return R"(<VariCfgSec Action="DEVICE_SET" Result=")" + results[nAnswered++] + "\"/>";
+  });
+  CWatchingCtrl webCtrl;
+  webCtrl.SetDevice("127.0.0.1", device.Port());
+  Printed([&] { EXPECT_EQ(0, pfnSet(webCtrl)) << pszName; });
+  EXPECT_EQ(std::vector<bool>{true}, webCtrl.m_open) << pszName;
+  EXPECT_EQ(results.size(), device.Requests().size()) << pszName;
+  EXPECT_FALSE(IsExchangeOpen()) << pszName;
+}
+
+TEST(CWebCtrl, EverySetKeepsItsSocketUntilTheServiceHasRestarted) {
+  const bool bRan = RunInNetSpace(Eth0::kNone, [] {
+    for (const auto& sender : kSenders) ExpectClosedLast(sender.pszName, sender.pfnSet, {"0"});
+    ExpectClosedLast("the point's values",
+                     [](CWebCtrl& ctrl) { return ctrl.setWifiInfoToNet(AccessPoint()); },
+                     {"1", "0"});
   });
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <climits>
 #include <cmath>
 
 namespace {
@@ -18,7 +17,7 @@ struct stSample {
 int Refuse(stSample&, const char*) { return -1; }
 int Ask(stSample&, const char*) { return 1; }
 
-constexpr CAttr<stSample> kSample[] = {
+constexpr stAttr<stSample> kSample[] = {
     ATTR(stSample, ucFirst),
     ATTR(stSample, usSecond),
     ATTR(stSample, szName),
@@ -89,32 +88,6 @@ TEST(ItemIndex, IsTheDigitBehindTheFirstUnderscore) {
     EXPECT_EQ(ItemIndex(row.pszName, Suffix::kExactlyTwo), row.nExact) << row.pszName;
     EXPECT_EQ(ItemIndex(row.pszName, Suffix::kAtLeastTwo), row.nAtLeast) << row.pszName;
   }
-}
-
-TEST(TextToInt, ReadsTheLeadingNumber) {
-  const struct {
-    const char* pszText;
-    int nValue;
-  } kRows[] = {{"0", 0},
-               {"12", 12},
-               {"-12", -12},
-               {"+12", 12},
-               {" \t\n12", 12},
-               {"12abc", 12},
-               {"abc", 0},
-               {"", 0},
-               {"--1", 0},
-               {"0x10", 0},
-               {"2147483647", INT_MAX},
-               {"2147483648", INT_MIN},
-               {"-2147483648", INT_MIN},
-               {"-2147483649", INT_MAX},
-               {"4294967295", -1},
-               {"4294967297", 1},
-               {"9223372036854775807", -1},
-               {"9223372036854775808", -1},
-               {"-9223372036854775809", 0}};
-  for (const auto& row : kRows) EXPECT_EQ(TextToInt(row.pszText), row.nValue) << row.pszText;
 }
 
 TEST(TextToFloat, StaysDefinedBeyondItsRange) {

@@ -44,7 +44,7 @@ extern "C" void* __real_calloc(size_t nCount, size_t nSize);
 extern "C" void* __wrap_calloc(size_t nCount, size_t nSize);
 void* __wrap_calloc(size_t nCount, size_t nSize) {
   if (!g_bRefuseMemory) return __real_calloc(nCount, nSize);
-  g_nRefused++;
+  ++g_nRefused;
   return nullptr;
 }
 
@@ -128,7 +128,7 @@ TEST(Cms, ChoosesTheSlot) {
   for (const auto& row : kRows) {
     CConfig_Task task;
     EXPECT_EQ(task.Import_stCMS(CSection(R"(<s usFD_Port="6608"/>)"), row.nSlot), 0);
-    for (int i = 0; i < 5; i++)
+    for (int i = 0; i < 5; ++i)
       EXPECT_EQ(task.Record().stCMSInfo[i].usFD_Port, i == row.nStored ? 6608 : 0) << row.nSlot;
   }
 }
@@ -141,7 +141,7 @@ TEST(Vehicle, ChoosesTheCopy) {
   for (const auto& row : kRows) {
     CConfig_Task task;
     EXPECT_EQ(task.Import_stVehicle(CSection(R"(<s strFD_CarVIN="VIN"/>)"), row.nCopy), 0);
-    for (int i = 0; i < 2; i++)
+    for (int i = 0; i < 2; ++i)
       EXPECT_STREQ(task.Record().stVehicleInfo[i].strFD_CarVIN, i == row.nStored ? "VIN" : "");
   }
 }
@@ -193,11 +193,11 @@ TEST(SystemInfo, EmptiesTheRevisionOfAnotherText) {
 
 TEST(Gb28181, SharesTheStorageOfLensAndAlarmIdentifiers) {
   stGB28181 rec{};
-  for (int k = 0; k < 8; k++) {
+  for (int k = 0; k < 8; ++k) {
     EXPECT_EQ(rec.LensId(k), rec.strSubId[k]);
     EXPECT_EQ(rec.AlarmInId(k), rec.strSubId[k + 2]);
   }
-  for (int k = 0; k < 6; k++) EXPECT_EQ(rec.AlarmInId(k), rec.LensId(k + 2));
+  for (int k = 0; k < 6; ++k) EXPECT_EQ(rec.AlarmInId(k), rec.LensId(k + 2));
 }
 
 TEST(Gb28181, ReadsTheFirstSubDeviceOnly) {
@@ -222,6 +222,41 @@ TEST(GSensor, AsksForRecalibrationAndReadsOn) {
   EXPECT_EQ(task.Import_stGSensor(CSection(R"(<s fFD_X="1"/>)")), 0);
 }
 
+// Two containers, one behind the other: what ends the first one's reading ends the import.
+TEST(AlarmLinkage, LeavesLaterContainersUnreadBehindAnItemBeyondTheLast) {
+  const struct {
+    const char* pszItem;
+    int nRet;
+    uint8_t ucNumber;  // of the first item in the second container
+  } kRows[] = {{"ITEM_7", 0, 3}, {"ITEM_8", 0, 0}, {"ITEM_9", 0, 0}, {"ITEM", -1, 0}};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.pszItem);
+    CConfig_Task task;
+    const std::string strXml = std::string("<s><stAlarmLinkageItem><") + row.pszItem +
+                               R"(/></stAlarmLinkageItem><stAlarmOutIO><IO_0 ucIONumber="3"/>)"
+                               "</stAlarmOutIO></s>";
+    EXPECT_EQ(task.Import_stAlarmLinkage(CSection(strXml.c_str())), row.nRet);
+    EXPECT_EQ(task.Record().stAlarmLinkageInfo.stAlarmOutIO[0].ucIONumber, row.ucNumber);
+  }
+}
+
+TEST(Ipc, LeavesLaterContainersUnreadBehindAnItemBeyondTheLast) {
+  const struct {
+    const char* pszItem;
+    int nRet;
+    uint32_t uiEnd;  // of the first item in the second container
+  } kRows[] = {{"CHN_0", 0, 60}, {"CHN_9", 0, 0}, {"CHN_10", -1, 0}};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.pszItem);
+    CConfig_Task task;
+    const std::string strXml = std::string("<s><stChnIpc><") + row.pszItem +
+                               R"(/></stChnIpc><stFunTPeriod><T_0 strFD_EndT="00:01:00"/>)"
+                               "</stFunTPeriod></s>";
+    EXPECT_EQ(task.Import_stIpc(CSection(strXml.c_str())), row.nRet);
+    EXPECT_EQ(task.Record().stIpcInfo.stFunTPeriod[0].strFD_EndT, row.uiEnd);
+  }
+}
+
 TEST(Reserve, ReadsWholeBytes) {
   const struct {
     const char* pszText;
@@ -240,11 +275,20 @@ TEST(Reserve, ReadsWholeBytes) {
   }
 }
 
-TEST(Reserve, CutsALongerBlock) {
-  CConfig_Task task;
-  TiXmlElement elem("s");
-  elem.SetAttribute("ucReserveData", std::string(1000, 'F'));
-  EXPECT_EQ(task.Import_stReserve(&elem), 0);
-  for (const uint8_t ucByte : task.Record().stReserveInfo.ucReserveData) EXPECT_EQ(ucByte, 0xFF);
-  EXPECT_EQ(task.Record().stIpcInfo.ucFD_Enable, 0);
+TEST(Reserve, StoresNothingOfATextLongerThanTheBlock) {
+  constexpr size_t kBytes = sizeof(stReserve::ucReserveData);
+  const struct {
+    size_t nDigits;
+    uint8_t ucStored;
+  } kRows[] = {{2 * kBytes, 0xFF}, {2 * kBytes + 1, 0xFF}, {2 * kBytes + 2, 0}, {30000, 0}};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.nDigits);
+    CConfig_Task task;
+    TiXmlElement elem("s");
+    elem.SetAttribute("ucReserveData", std::string(row.nDigits, 'F'));
+    EXPECT_EQ(task.Import_stReserve(&elem), 0);
+    const stReserve& rec = task.Record().stReserveInfo;
+    EXPECT_EQ(std::count(rec.ucReserveData, rec.ucReserveData + kBytes, row.ucStored), kBytes);
+    EXPECT_EQ(task.Record().stIpcInfo.ucFD_Enable, 0);
+  }
 }

@@ -21,7 +21,7 @@ void ExpectStored(const stSection& section, const stGroup* pGroup, const stField
   CImport import(section, kUntouched);
   TiXmlElement* pHolder = &elem;
   size_t nBase = 0;
-  if (pGroup) {
+  if (pGroup != nullptr) {
     pHolder = AddItem(elem, pGroup->strContainer, "ITEM_" + std::to_string(pGroup->nItems - 1));
     nBase = pGroup->nOffset + (pGroup->nItems - 1) * pGroup->nItemSize;
   }
@@ -46,7 +46,7 @@ void ExpectRows(Kind eKind, const Row (&rows)[N], Fn fnBytes) {
   size_t nFields = 0;
   ForEachField([&](const stSection& section, const stGroup* pGroup, const stField& field) {
     if (field.eKind != eKind) return;
-    nFields++;
+    ++nFields;
     for (const Row& row : rows)
       ExpectStored(section, pGroup, field, {row.first, fnBytes(row, field)});
   });
@@ -131,7 +131,7 @@ TEST(Import, CutsTextsToCapacityLessOne) {
   size_t nFields = 0;
   ForEachField([&](const stSection& section, const stGroup* pGroup, const stField& field) {
     if (field.eKind != Kind::kText) return;
-    nFields++;
+    ++nFields;
     for (const size_t nLen : {size_t{0}, field.nWidth - 1, field.nWidth, size_t{5000}}) {
       const std::string strText(nLen, 'x');
       ExpectStored(section, pGroup, field,
@@ -145,7 +145,7 @@ TEST(Import, LetsIdentifiersFillTheirBytes) {
   size_t nFields = 0;
   ForEachField([&](const stSection& section, const stGroup* pGroup, const stField& field) {
     if (field.eKind != Kind::kIdentifier) return;
-    nFields++;
+    ++nFields;
     for (const size_t nLen : {0, 20, 31, 32, 33, 5000}) {
       const std::string strText(nLen, '7');
       ExpectStored(section, pGroup, field, {strText, OfText(strText.substr(0, 32), 32)});

@@ -30,7 +30,7 @@ void ExpectAllImported(const stSection& section, int (*pfnCase)(int)) {
   unsigned uiSeed = 0;
   Fill(elem, section.fields, 0, uiSeed, pfnCase, import);
   for (const stGroup& group : section.groups)
-    for (size_t i = 0; i < group.nItems; i++)
+    for (size_t i = 0; i < group.nItems; ++i)
       Fill(*AddItem(elem, group.strContainer, "ITEM_" + std::to_string(i)), group.fields,
            group.nOffset + i * group.nItemSize, uiSeed, pfnCase, import);
   EXPECT_EQ(import.Run(elem), 0);
@@ -107,7 +107,7 @@ TEST(Import, ReadsItemsByTheDigitInTheirNames) {
   size_t nGroups = 0;
   for (const stSection& section : Sections()) {
     for (const stGroup& group : section.groups) {
-      nGroups++;
+      ++nGroups;
       for (const auto& row : kRows) {
         SCOPED_TRACE(section.strName + " " + group.strContainer + " " + row.pszName);
         TiXmlElement elem(section.strName);

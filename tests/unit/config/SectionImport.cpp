@@ -5,7 +5,7 @@
 
 Bytes OfNumber(uint32_t uiValue, size_t nWidth) {
   Bytes bytes(nWidth);
-  for (size_t i = 0; i < nWidth; i++) bytes[i] = static_cast<unsigned char>(uiValue >> (8 * i));
+  for (size_t i = 0; i < nWidth; ++i) bytes[i] = static_cast<unsigned char>(uiValue >> (8 * i));
   return bytes;
 }
 
@@ -77,7 +77,7 @@ bool CImport::IsAsExpected() const { return memcmp(&m_is, m_should.data(), sizeo
 TiXmlElement* AddItem(TiXmlElement& section, const std::string& strContainer,
                       const std::string& strItem) {
   TiXmlElement* pContainer = section.FirstChildElement(strContainer);
-  if (!pContainer) {
+  if (pContainer == nullptr) {
     pContainer = section.InsertEndChild(TiXmlElement(strContainer))->ToElement();
   }
   return pContainer->InsertEndChild(TiXmlElement(strItem))->ToElement();

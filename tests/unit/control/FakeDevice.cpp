@@ -67,7 +67,7 @@ std::string CFakeDevice::Receive() {
   const ssize_t nGot = recvmsg(m_nSock, &msg, 0);
   strData.resize(nGot > 0 ? static_cast<size_t>(nGot) : 0);
   cmsghdr* const pInfo = nGot >= 0 ? CMSG_FIRSTHDR(&msg) : nullptr;
-  if (pInfo && pInfo->cmsg_type == IP_PKTINFO) {
+  if (pInfo != nullptr && pInfo->cmsg_type == IP_PKTINFO) {
     in_pktinfo info;
     memcpy(&info, CMSG_DATA(pInfo), sizeof(info));
     m_requestDst = info.ipi_addr;

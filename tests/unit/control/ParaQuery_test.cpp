@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kRequest[] = "<VariCfgSec Action=\"DEVICE_QUERY\"><stDisplay></VariCfgSec>";
 
-struct CQueryOutcome {
+struct stQueryOutcome {
   int nRet;
   int nCapacity;
   std::string strBuf;
@@ -24,8 +24,8 @@ struct CQueryOutcome {
 };
 
 // Runs one query whose request stands in the reply's own buffer, behind it a longer text.
-CQueryOutcome Query(CFakeDevice& device, int nCapacity, const std::vector<std::string>& replies) {
-  CQueryOutcome outcome;
+stQueryOutcome Query(CFakeDevice& device, int nCapacity, const std::vector<std::string>& replies) {
+  stQueryOutcome outcome;
   outcome.nCapacity = nCapacity;
   outcome.strBuf = std::string(kRequest) + '\0' + std::string(40000, '#');
   device.AnswerWith(replies);
@@ -44,7 +44,7 @@ void InNetSpace(Eth0 eth0, const std::function<void()>& fn) {
 TEST(GetParaInfoByCmd, ReadsExactlyTheReply) {
   InNetSpace(Eth0::kNone, [] {
     CFakeDevice device;
-    const CQueryOutcome outcome = Query(device, 512, {"<reply/>"});
+    const stQueryOutcome outcome = Query(device, 512, {"<reply/>"});
     EXPECT_EQ(0, outcome.nRet);
     EXPECT_EQ(8, outcome.nCapacity);
     EXPECT_STREQ("<reply/>", outcome.strBuf.c_str());
@@ -76,7 +76,7 @@ TEST(GetParaInfoByCmd, TerminatesAReplyThatFillsTheCapacity) {
     for (const int nCapacity : {1, 512, 2048, kReplyMax, 30720}) {
       CFakeDevice device;
       const int nReply = nCapacity < kReplyMax ? nCapacity : kReplyMax;
-      const CQueryOutcome outcome =
+      const stQueryOutcome outcome =
           Query(device, nCapacity, {std::string(static_cast<size_t>(nReply), 'r')});
       EXPECT_EQ(0, outcome.nRet) << nCapacity;
       EXPECT_EQ(nReply, outcome.nCapacity);
@@ -88,7 +88,7 @@ TEST(GetParaInfoByCmd, TerminatesAReplyThatFillsTheCapacity) {
 TEST(GetParaInfoByCmd, LeavesTheBufferAloneWhenItFails) {
   InNetSpace(Eth0::kNone, [] {
     CFakeDevice device;
-    const CQueryOutcome outcome = Query(device, 512, {std::string(513, 'r')});
+    const stQueryOutcome outcome = Query(device, 512, {std::string(513, 'r')});
     EXPECT_EQ(-1, outcome.nRet);
     EXPECT_EQ(512, outcome.nCapacity);
     EXPECT_STREQ(kRequest, outcome.strBuf.c_str());
@@ -99,7 +99,7 @@ TEST(GetParaInfoByCmd, LeavesTheBufferAloneWhenItFails) {
 TEST(GetParaInfoByCmd, FailsWhenNoReplyComes) {
   InNetSpace(Eth0::kNone, [] {
     CFakeDevice device;
-    const CQueryOutcome outcome = Query(device, 512, {});
+    const stQueryOutcome outcome = Query(device, 512, {});
     EXPECT_EQ(-1, outcome.nRet);
     EXPECT_STREQ(kRequest, outcome.strBuf.c_str());
   });

@@ -132,7 +132,7 @@ TEST_F(UdpCtrlSocketTest, TimesOutSilently) {
 }
 
 TEST_F(UdpCtrlSocketTest, DiscardsWhatArrivedBeforeTheRequest) {
-  for (int i = 0; i < 20; i++) m_device.Send("late reply " + std::to_string(i));
+  for (int i = 0; i < 20; ++i) m_device.Send("late reply " + std::to_string(i));
   m_device.Send("");
   ASSERT_EQ(0, m_sock.SendDataToHost("again", 5));
   EXPECT_EQ(-2, Receive(100, 0));
@@ -181,7 +181,7 @@ TEST(CUdpCtrlSocket, BindsTheLocalPortEachTimeAnew) {
     usPort = free.Port();
   }
   CFakeDevice device;
-  for (int i = 0; i < 3; i++) {
+  for (int i = 0; i < 3; ++i) {
     CUdpCtrlSocket sock("127.0.0.1", device.Port(), usPort, 1, "lo");
     ASSERT_EQ(0, sock.SendDataToHost("x", 1));
     EXPECT_EQ("x", device.Receive());

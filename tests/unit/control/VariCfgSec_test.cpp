@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <iterator>
 #include <random>
 #include <string>
 
 #include "tests/unit/Util/Printed.h"
-#include "tests/unit/control/FakeDevice.h"
-#include "tests/unit/control/NetSpace.h"
 
 namespace {
 
@@ -21,8 +18,8 @@ constexpr char kIsReply[] = "CWebCtrl::GetParaCmdType, is resp msg, do't handle.
 
 std::string Nested(int nDepth) {
   std::string strText = "<VariCfgSec Action=\"DEVICE_QUERY\">";
-  for (int i = 1; i < nDepth; i++) strText += "<a>";
-  for (int i = 1; i < nDepth; i++) strText += "</a>";
+  for (int i = 1; i < nDepth; ++i) strText += "<a>";
+  for (int i = 1; i < nDepth; ++i) strText += "</a>";
   return strText + "</VariCfgSec>";
 }
 
@@ -88,6 +85,25 @@ TEST(CheckRoot, LooksNoDeeperThanTheRoot) {
   EXPECT_EQ(0, CheckRoot(Nested(300000).c_str()));
 }
 
+// Far too deep for the parser, above the root as well as below it.
+TEST(CheckRoot, LetsTheRootAloneDecide) {
+  std::string strDeep;
+  for (int i = 0; i < 100; ++i) strDeep += "<a b='>'>";
+  for (int i = 0; i < 100; ++i) strDeep += "</a>";
+  for (const std::string& strHead :
+       {std::string("<!-- <VariCfgSec> -->"), std::string("<?xml version=\"1.0\"?>"),
+        std::string("\xEF\xBB\xBF<?xml encoding='UTF-8'?>\r\n<!DOCTYPE x>"), strDeep, strDeep + " ",
+        "<Other/>" + strDeep}) {
+    EXPECT_EQ(0, CheckRoot((strHead + Nested(100)).c_str())) << strHead;
+    EXPECT_EQ(0, CheckRoot((strHead + "<VariCfgSec Action='>'>" + strDeep).c_str())) << strHead;
+    EXPECT_EQ(0, CheckRoot((strHead + "<VariCfgSec Action=x/>" + strDeep).c_str())) << strHead;
+    EXPECT_EQ(kNotAction, Printed([&] {
+                EXPECT_EQ(-1, CheckRoot((strHead + "<VariCfgSec a=''>" + strDeep).c_str()));
+              }));
+    EXPECT_EQ(-2, CheckRoot((strHead + "<Other>" + strDeep + Nested(1)).c_str())) << strHead;
+  }
+}
+
 TEST(CheckRoot, JudgesRandomTextsAsTheWholeMessageIsJudged) {
   constexpr const char* kTokens[] = {"<VariCfgSec", " Action", "=", "\"",   "'",
                                      ">",           "/>",      "<", "/",    " ",
@@ -97,14 +113,14 @@ TEST(CheckRoot, JudgesRandomTextsAsTheWholeMessageIsJudged) {
   std::uniform_int_distribution<size_t> token(0, std::size(kTokens) - 1);
   int nGood = 0;
   Printed([&] {
-    for (int i = 0; i < 100000; i++) {
+    for (int i = 0; i < 100000; ++i) {
       std::string strText = i % 2 != 0 ? "<VariCfgSec Action=" : "<VariCfgSec ";
-      for (int n = 0; n < 12; n++) strText += kTokens[token(random)];
+      for (int n = 0; n < 12; ++n) strText += kTokens[token(random)];
       TiXmlDocument doc;
       TiXmlElement* pRoot = nullptr;
       const int nRet = CheckMessage(strText.c_str(), doc, pRoot);
       ASSERT_EQ(nRet, CheckRoot(strText.c_str())) << strText;
-      nGood += nRet == 0;
+      nGood += static_cast<int>(nRet == 0);
     }
   });
   EXPECT_GT(nGood, 1000);  // the texts are worth the name
@@ -255,58 +271,6 @@ TEST(GetParaCmdType, RefusesUnusableMessages) {
     EXPECT_EQ(kNoCode, Classify(row.strText, strPrinted));
     EXPECT_EQ(row.bHasRoot ? row.pszPrinted : kNoRoot, strPrinted) << row.strText;
   }
-}
-
-constexpr char kSet[] =
-    "<VariCfgSec Action=\"DEVICE_SET\"><stDisplay strLanguage=\"en\" /></VariCfgSec>";
-
-TEST(SetParaInfoByCmd, ReturnsTheResultOfTheDevice) {
-  const struct {
-    std::string strReply;
-    int nRet;
-    int nResult;
-  } kCases[] = {
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"0\" />", 0, 0},
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"3\"></VariCfgSec>", 0, 3},
-      {"<VariCfgSec Action=\"DEVICE_SET\" x=\"9\" Result=\"-7\"/>", 0, -7},
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"none\"/>", 0, 0},
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"\"/>", 0, 0},
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"" + std::string(509, '0') + "12345\"/>", 0, 12},
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"5" + std::string(29000, ' ') + "\"/>", 0, 5},
-      {"<VariCfgSec Action=\"DEVICE_SET\" Result=\"4\"/>" + std::string(1, '\0') + "rest", 0, 4},
-      {"<VariCfgSec Action=\"DEVICE_SET\"/>", -1, 0},
-      {"<VariCfgSec Result=\"0\" Action=\"DEVICE_SET\"/>", -1, 0},
-      {"no reply of ours", -1, 0},
-      {std::string(30001, 'x'), -1, 0},
-      {Nested(40), -1, 0},
-  };
-  for (const auto& row : kCases) {
-    CFakeDevice device;
-    CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
-    device.AnswerWith({row.strReply});
-    int nResult = 777;
-    EXPECT_EQ(row.nRet, SetParaInfoByCmd(sock, kSet, static_cast<int>(strlen(kSet)), nResult, 10))
-        << row.strReply.substr(0, 80);
-    EXPECT_EQ(row.nRet ? 777 : row.nResult, nResult) << row.strReply.substr(0, 80);
-    EXPECT_EQ(kSet, device.Request()) << "sent without a terminator";
-  }
-}
-
-TEST(SetParaInfoByCmd, FailsWithoutAReply) {
-  const CFakeDevice device;
-  CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
-  int nResult = 777;
-  EXPECT_EQ(-1, SetParaInfoByCmd(sock, kSet, 1, nResult, 0));
-  EXPECT_EQ(777, nResult);
-}
-
-TEST(SetParaInfoByCmd, FailsWhenTheSendFails) {
-  const CFakeDevice device;
-  CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
-  sock.CloseCtrlSocket();
-  int nResult = 777;
-  EXPECT_EQ(-1, SetParaInfoByCmd(sock, kSet, 1, nResult, 10));
-  EXPECT_EQ(777, nResult);
 }
 
 }  // namespace

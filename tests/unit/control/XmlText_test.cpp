@@ -14,14 +14,14 @@ namespace {
 // The deepest nesting of elements that the parser has built, errors or not.
 int Depth(const TiXmlNode& node) {
   int nDeepest = 0;
-  for (const TiXmlNode* p = node.FirstChild(); p; p = p->NextSibling())
-    nDeepest = std::max(nDeepest, Depth(*p) + (p->ToElement() ? 1 : 0));
+  for (const TiXmlNode* p = node.FirstChild(); p != nullptr; p = p->NextSibling())
+    nDeepest = std::max(nDeepest, Depth(*p) + (p->ToElement() != nullptr ? 1 : 0));
   return nDeepest;
 }
 
 std::string Repeat(const char* pszText, int nCount) {
   std::string strAll;
-  for (int i = 0; i < nCount; i++) strAll += pszText;
+  for (int i = 0; i < nCount; ++i) strAll += pszText;
   return strAll;
 }
 
@@ -194,7 +194,7 @@ std::string RandomText(std::mt19937& random) {
   std::string strText = kHeads[Below(std::size(kHeads))];
   const char* const pszNesting = kNesting[Below(std::size(kNesting))];
   const size_t nNestingPercent = Below(100);
-  for (size_t n = Below(120); n > 0; n--)
+  for (size_t n = Below(120); n > 0; --n)
     strText += Below(100) < nNestingPercent ? pszNesting : kTokens[Below(std::size(kTokens))];
   return strText;
 }
@@ -204,7 +204,7 @@ TEST(ParseXml, JudgesRandomTextsAsTheParserBuildsThem) {
   int nErrorFree = 0;
   for (const unsigned uiSeed : {1u, 2u, 3u, 4u}) {
     std::mt19937 random(uiSeed);
-    for (int i = 0; i < 15000; i++) {
+    for (int i = 0; i < 15000; ++i) {
       const std::string strText = RandomText(random);
       TiXmlDocument doc;
       const int nRet = ParseXml(doc, strText.c_str());
@@ -218,13 +218,46 @@ TEST(ParseXml, JudgesRandomTextsAsTheParserBuildsThem) {
         ASSERT_TRUE(free.Error() || Depth(free) > kXmlDepthMax)
             << "refused for nothing: " << strText;
       }
-      nDeep += Depth(free) > kXmlDepthMax;
-      nErrorFree += !free.Error();
+      nDeep += static_cast<int>(Depth(free) > kXmlDepthMax);
+      nErrorFree += static_cast<int>(!free.Error());
     }
   }
   // The texts are worth the name: both kinds occur often.
   EXPECT_GT(nDeep, 3000);
   EXPECT_GT(nErrorFree, 3000);
+}
+
+// What the parser makes of the outermost level: each node's kind and value, each tag's attributes.
+std::string Outside(const TiXmlDocument& doc) {
+  std::string strAll;
+  for (const TiXmlNode* p = doc.FirstChild(); p != nullptr; p = p->NextSibling()) {
+    strAll += std::to_string(p->Type()) + p->Value();
+    if (p->ToElement() == nullptr) continue;
+    for (const TiXmlAttribute* pAttr = p->ToElement()->FirstAttribute(); pAttr != nullptr;
+         pAttr = pAttr->Next())
+      strAll += std::string(" ") + pAttr->Name() + "=" + pAttr->Value();
+  }
+  return strAll;
+}
+
+// A mistake inside of an element stops the parser; what follows it is there without the inside.
+TEST(OutermostXml, KeepsWhatTheParserMakesOfTheOutermostLevel) {
+  int nInside = 0;
+  std::mt19937 random(5);
+  for (int i = 0; i < 15000; ++i) {
+    const std::string strText = RandomText(random);
+    TiXmlDocument whole;
+    whole.Parse((strText + std::string(8, '\0')).c_str());
+    const std::string strOutermost = OutermostXml(strText.c_str());
+    TiXmlDocument outermost;
+    outermost.Parse((strOutermost + std::string(8, '\0')).c_str());
+    const std::string strSame = Outside(outermost).substr(0, Outside(whole).size());
+    ASSERT_EQ(Outside(whole), strSame) << strText << "\n" << strOutermost;
+    ASSERT_TRUE(whole.Error() || Outside(outermost) == strSame) << strText << "\n" << strOutermost;
+    ASSERT_LE(Depth(outermost), 1) << strText << "\n" << strOutermost;
+    nInside += static_cast<int>(Depth(whole) > 1);
+  }
+  EXPECT_GT(nInside, 3000);  // the texts are worth the name
 }
 
 }  // namespace

@@ -7,16 +7,24 @@ void* __real_calloc(size_t nCount, size_t nSize);
 void* __real_realloc(void* pOld, size_t nSize);
 }
 
-static size_t g_nBytes;
-static int g_nFailing;
+namespace {
+
+size_t g_nBytes;
+int g_nFailing;
+
+}  // namespace
 
 size_t AllocatedBytes() { return g_nBytes; }
 void FailAllocation(int n) { g_nFailing = n; }
 
-static bool Fails(size_t nSize) {
+namespace {
+
+bool Fails(size_t nSize) {
   g_nBytes += nSize;
   return g_nFailing != 0 && --g_nFailing == 0;
 }
+
+}  // namespace
 
 extern "C" {
 void* __wrap_malloc(size_t nSize) { return Fails(nSize) ? nullptr : __real_malloc(nSize); }

@@ -12,26 +12,34 @@
 
 #include "tests/unit/encoding/Memory.h"
 
-static int Compare(uint32_t uiLeft, uint32_t uiRight) { return uiLeft != uiRight; }
-static uint16_t LowBits(uint32_t uiKey) { return static_cast<uint16_t>(uiKey); }
-static uint16_t AllAlike(uint32_t) { return 65535; }
+namespace {
+
+int Compare(uint32_t uiLeft, uint32_t uiRight) { return static_cast<int>(uiLeft != uiRight); }
+uint16_t LowBits(uint32_t uiKey) { return static_cast<uint16_t>(uiKey); }
+uint16_t AllAlike(uint32_t) { return 65535; }
+
+}  // namespace
 
 struct stTableDeleter {
   void operator()(alg_table* pTable) const { Table_free(&pTable); }
 };
 using TablePtr = std::unique_ptr<alg_table, stTableDeleter>;
 
-static TablePtr NewTable(int nHint = 0, TableHash pfnHash = LowBits) {
+namespace {
+
+TablePtr NewTable(int nHint = 0, TableHash pfnHash = LowBits) {
   return TablePtr(Table_new(nHint, Compare, pfnHash));
 }
 
-static std::map<uint32_t, uint32_t> Contents(const alg_table* pTable) {
+std::map<uint32_t, uint32_t> Contents(const alg_table* pTable) {
   const std::unique_ptr<uint32_t, decltype(&free)> array(Table_toArray(pTable, 0), free);
   std::map<uint32_t, uint32_t> contents;
   for (int i = 0; i < Table_length(pTable); ++i)
     contents[array.get()[2 * i]] = array.get()[2 * i + 1];
   return contents;
 }
+
+}  // namespace
 
 TEST(Table, TakesItsBucketCountFromThePrimes) {
   const struct {
@@ -99,10 +107,14 @@ TEST(Table, KeepsKeysOfOneBucketApart) {
   EXPECT_EQ(0u, Table_get<LowBits>(table.get(), 0x20003));
 }
 
-static int CompareLowByte(uint32_t uiLeft, uint32_t uiRight) {
-  return (uiLeft & 0xFF) != (uiRight & 0xFF);
+namespace {
+
+int CompareLowByte(uint32_t uiLeft, uint32_t uiRight) {
+  return static_cast<int>((uiLeft & 0xFF) != (uiRight & 0xFF));
 }
-static uint16_t LowByte(uint32_t uiKey) { return uiKey & 0xFF; }
+uint16_t LowByte(uint32_t uiKey) { return uiKey & 0xFF; }
+
+}  // namespace
 
 TEST(Table, AsksTheCompareFunctionWhatIsEqual) {
   const TablePtr table(Table_new(0, CompareLowByte, LowByte));

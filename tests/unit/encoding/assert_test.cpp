@@ -6,17 +6,19 @@
 
 #include "encoding/unicode_utf-8.h"
 
-static const char kArrays[] = "pInput != ((void *)0) && pOutput != ((void *)0)";
+namespace {
 
-static const char* g_pszNoText = nullptr;
-static char* g_pNoBytes = nullptr;
-static uint32_t* g_pNoCodes = nullptr;
-static uint16_t* g_pNoGbk = nullptr;
-static uint32_t g_codes[8] = {'a'};
-static char g_szBytes[8];
-static int g_nOne = 1, g_nFive = 5, g_nZero = 0, g_nEnough = 8;
+const char kArrays[] = "pInput != ((void *)0) && pOutput != ((void *)0)";
 
-static const struct {
+const char* g_pszNoText = nullptr;
+char* g_pNoBytes = nullptr;
+uint32_t* g_pNoCodes = nullptr;
+uint16_t* g_pNoGbk = nullptr;
+uint32_t g_codes[8] = {'a'};
+char g_szBytes[8];
+int g_nOne = 1, g_nFive = 5, g_nZero = 0, g_nEnough = 8;
+
+const struct {
   const char* pszText;
   void (*pfnBreak)();
 } kRows[] = {
@@ -49,6 +51,8 @@ static const struct {
     {kArrays, [] { enc_unicode_to_GBK_str(g_codes, g_pNoBytes, &g_nEnough); }},
     {"*nMembOut >= 2", [] { enc_unicode_to_GBK_str(g_codes, g_szBytes, &g_nOne); }},
 };
+
+}  // namespace
 
 TEST(AssertionDeathTest, AbortsWithItsText) {
   int nRow = 0;

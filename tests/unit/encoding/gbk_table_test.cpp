@@ -41,8 +41,10 @@ TEST(GbkTable, HasNoValueTwice) {
   EXPECT_EQ(10225, nUnassigned);
 }
 
+namespace {
+
 // The rights that the kernel gives the memory at an address, "r--p" and the like.
-static std::string RightsOf(const void* pAddress) {
+std::string RightsOf(const void* pAddress) {
   std::ifstream maps("/proc/self/maps");
   std::string line;
   while (std::getline(maps, line)) {
@@ -54,6 +56,8 @@ static std::string RightsOf(const void* pAddress) {
   }
   return "";
 }
+
+}  // namespace
 
 TEST(GbkTable, LiesInReadOnlyMemory) {
   for (const stGbkCode* pEntry : {&kGbkTable[0], &kGbkTable[kGbkCodes - 1]}) {

@@ -14,8 +14,10 @@ struct stDecoded {
   std::vector<uint32_t> codes;
 };
 
+namespace {
+
 // Through the string function; the code point behind the capacity must stay untouched.
-static stDecoded FromGbk(const std::string& text, int nCapacity = 100) {
+stDecoded FromGbk(const std::string& text, int nCapacity = 100) {
   std::vector<uint32_t> output(static_cast<size_t>(nCapacity) + 1, 0xDEADBEEF);
   int nCodes = nCapacity;
   const int nRet = enc_GBK_to_unicode_str(text.c_str(), output.data(), &nCodes);
@@ -23,6 +25,8 @@ static stDecoded FromGbk(const std::string& text, int nCapacity = 100) {
   output.resize(static_cast<size_t>(nCodes));
   return {nRet, output};
 }
+
+}  // namespace
 
 TEST(GbkOne, ConvertsEveryTwoByteInputLikeIconv) {
   CIconv toUcs4("WCHAR_T", "CP936");

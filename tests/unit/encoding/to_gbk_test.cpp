@@ -9,9 +9,11 @@
 #include "encoding/unicode_utf-8.h"
 #include "tests/unit/encoding/Iconv.h"
 
-static const uint16_t kUntouched = 0xBEEF;
+namespace {
 
-static std::string EncodedOne(uint32_t uiCode) {
+const uint16_t kUntouched = 0xBEEF;
+
+std::string EncodedOne(uint32_t uiCode) {
   uint16_t usGbk = kUntouched;
   const int nRet = enc_unicode_to_GBK_one(uiCode, &usGbk);
   if (nRet == 1) return std::string(1, static_cast<char>(usGbk));
@@ -23,9 +25,11 @@ static std::string EncodedOne(uint32_t uiCode) {
 
 // iconv writes the euro sign as the single byte 0x80, which is no character here, and drops the
 // language tags without a fault.
-static bool DiffersFromIconv(uint32_t uiCode) {
+bool DiffersFromIconv(uint32_t uiCode) {
   return uiCode == 0x20AC || (uiCode >= 0xE0000 && uiCode <= 0xE007F);
 }
+
+}  // namespace
 
 TEST(ToGbkOne, AgreesWithIconvOnEveryCodePoint) {
   CIconv toGbk("CP936", "WCHAR_T");
@@ -33,7 +37,7 @@ TEST(ToGbkOne, AgreesWithIconvOnEveryCodePoint) {
   int nTwoByte = 0;
   for (uint32_t uiCode = 0; uiCode <= 0x10FFFF; ++uiCode) {
     const std::string gbk = EncodedOne(uiCode);
-    nTwoByte += gbk.size() == 2;
+    nTwoByte += static_cast<int>(gbk.size() == 2);
     if (!toGbk.Convert(Ucs4(uiCode), expected) || DiffersFromIconv(uiCode)) expected.clear();
     ASSERT_EQ(expected, gbk) << std::hex << uiCode;
   }
@@ -65,7 +69,9 @@ struct stEncoded {
   std::string bytes;
 };
 
-static stEncoded ToGbk(std::vector<uint32_t> codes, int nCapacity = 100) {
+namespace {
+
+stEncoded ToGbk(std::vector<uint32_t> codes, int nCapacity = 100) {
   codes.push_back(0);
   std::vector<char> output(static_cast<size_t>(nCapacity) + 1, '#');
   int nBytes = nCapacity;
@@ -73,6 +79,8 @@ static stEncoded ToGbk(std::vector<uint32_t> codes, int nCapacity = 100) {
   EXPECT_EQ('#', output.back());
   return {nRet, std::string(output.data(), static_cast<size_t>(nBytes))};
 }
+
+}  // namespace
 
 TEST(ToGbkString, ConvertsCharacters) {
   const struct {
@@ -105,7 +113,9 @@ TEST(ToGbkString, StopsOnceFewerThanTwoBytesRemain) {
   EXPECT_EQ(1, ToGbk(codes, 13).nRet);
 }
 
-static std::string RandomGbk(std::mt19937& random) {
+namespace {
+
+std::string RandomGbk(std::mt19937& random) {
   std::string text;
   for (int i = static_cast<int>(random() % 400); i > 0; --i) {
     const stGbkCode& code = kGbkTable[random() % kGbkCodes];
@@ -118,6 +128,8 @@ static std::string RandomGbk(std::mt19937& random) {
   }
   return text;
 }
+
+}  // namespace
 
 TEST(RoundTrip, GivesBackRandomGbkDocuments) {
   std::mt19937 random(5);

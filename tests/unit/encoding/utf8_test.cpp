@@ -7,8 +7,10 @@
 #include "encoding/unicode_utf-8.h"
 #include "tests/unit/encoding/Iconv.h"
 
+namespace {
+
 // The ends of every length of UTF-8.
-static const struct {
+const struct {
   uint32_t uiCode;
   const char* pszUtf8;
 } kEnds[] = {
@@ -30,19 +32,19 @@ static const struct {
 };
 
 // The second byte of a two-byte sequence must be 0x80 to 0x9F.
-static bool Refused(uint32_t uiCode) {
+bool Refused(uint32_t uiCode) {
   return uiCode >= 0x80 && uiCode < 0x800 && (uiCode & 0x3F) >= 0x20;
 }
 
 // What five bytes decode to: the lead byte's two bits stand at 30-31 instead of 24-25.
-static uint32_t FiveByteValue(uint32_t uiCode) {
-  return (uiCode & 0xFFFFFF) | (uiCode >> 24) << 30;
-}
+uint32_t FiveByteValue(uint32_t uiCode) { return (uiCode & 0xFFFFFF) | (uiCode >> 24) << 30; }
 
-static std::string Encoded(uint32_t uiCode) {
+std::string Encoded(uint32_t uiCode) {
   char szBytes[6];
   return std::string(szBytes, static_cast<size_t>(enc_unicode_to_utf8_one(uiCode, szBytes, 6)));
 }
+
+}  // namespace
 
 TEST(Utf8FromOne, WritesTheEndsOfEveryLength) {
   for (const auto& row : kEnds)
@@ -168,7 +170,9 @@ struct stDecoded {
   std::vector<uint32_t> codes;
 };
 
-static stDecoded FromUtf8(const std::string& text, int nCapacity = 100) {
+namespace {
+
+stDecoded FromUtf8(const std::string& text, int nCapacity = 100) {
   std::vector<uint32_t> output(static_cast<size_t>(nCapacity) + 1, 0xDEADBEEF);
   int nCodes = nCapacity;
   const int nRet = enc_utf8_to_unicode_str(text.c_str(), output.data(), &nCodes);
@@ -176,6 +180,8 @@ static stDecoded FromUtf8(const std::string& text, int nCapacity = 100) {
   output.resize(static_cast<size_t>(nCodes));
   return {nRet, output};
 }
+
+}  // namespace
 
 TEST(Utf8String, ConvertsCharacters) {
   const struct {
@@ -240,7 +246,9 @@ struct stEncoded {
   std::string bytes;
 };
 
-static stEncoded ToUtf8(std::vector<uint32_t> codes, int nCapacity = 100) {
+namespace {
+
+stEncoded ToUtf8(std::vector<uint32_t> codes, int nCapacity = 100) {
   codes.push_back(0);
   std::vector<char> output(static_cast<size_t>(nCapacity) + 1, '#');
   int nBytes = nCapacity;
@@ -248,6 +256,8 @@ static stEncoded ToUtf8(std::vector<uint32_t> codes, int nCapacity = 100) {
   EXPECT_EQ('#', output.back());
   return {nRet, std::string(output.data(), static_cast<size_t>(nBytes))};
 }
+
+}  // namespace
 
 TEST(Utf8FromString, ConvertsCharacters) {
   const struct {
