@@ -11,7 +11,6 @@
 
 #include "CBB/Http/LibraryMemory.h"
 #include "CBB/Http/Refusals.h"
-#include "CBB/Http/Server.h"
 
 namespace {
 
@@ -28,8 +27,8 @@ void CutBody(mbuf& sent, size_t nFrom) {
 
 }  // namespace
 
-CConnection::CConnection(CServer& server, mg_connection& conn, uint64_t nNowMs, uint64_t nUse)
-    : m_server(server), m_conn(conn), m_nAcceptMs(nNowMs), m_nLastUse(nUse) {}
+CConnection::CConnection(CHost& host, mg_connection& conn)
+    : m_host(host), m_conn(conn), m_nAcceptMs(host.NowMs()), m_nLastUse(host.NextUse()) {}
 
 CConnection& CConnection::Of(const mg_connection& conn) {
   return *static_cast<CConnection*>(conn.user_data);
@@ -47,7 +46,7 @@ bool CConnection::WantsBytes() const {
 
 void CConnection::OnReadable() {
   if (!WantsBytes()) {
-    m_server.Events().Want(m_conn, false, !AllSent(), true);
+    m_host.Events().Want(m_conn, false, !AllSent(), true);
   } else if (m_state == State::kLastReply) {
     Drop();
   } else {
@@ -66,7 +65,7 @@ void CConnection::OnWritable() { Send(); }
 
 void CConnection::OnEndOfStream() {
   m_bEnded = true;
-  m_server.Events().Want(m_conn, false, !AllSent(), true);
+  m_host.Events().Want(m_conn, false, !AllSent(), true);
   if (m_state == State::kReading || m_state == State::kAnswering) {
     m_state = State::kHungUp;
     if (!bQueued) Advance();
@@ -98,8 +97,8 @@ void CConnection::Act(stTurn turn) {
       break;
     case stTurn::kServe:
       m_bServed = true;
-      m_nLastUse = m_server.NextUse();
-      m_server.Enqueue(*this);
+      m_nLastUse = m_host.NextUse();
+      m_host.Enqueue(*this);
       break;
     case stTurn::kRefuse:
       Refuse(turn.nStatus);
@@ -134,10 +133,10 @@ void CConnection::Part() {
   if (m_bEnded) {
     Close();
   } else if (m_nPartMs == 0) {
-    m_nPartMs = m_server.NowMs() + kPartMs;
+    m_nPartMs = m_host.NowMs() + kPartMs;
     shutdown(m_conn.sock, SHUT_WR);
-    m_server.Parting(*this);
-    m_server.Events().Want(m_conn, true, false, true);
+    m_host.Parting(*this);
+    m_host.Events().Want(m_conn, true, false, true);
   }
 }
 
@@ -178,7 +177,7 @@ void CConnection::Serve() {
 }
 
 void CConnection::Answer() {
-  http_message& msg = m_server.Message();
+  http_message& msg = m_host.Message();
   m_request.Fill(m_conn.recv_mbuf.buf, msg);
   try {
     m_conn.handler(&m_conn, MG_EV_HTTP_REQUEST, &msg);
@@ -203,7 +202,7 @@ void CConnection::Send() {
   if (AllSent()) Sent();
 }
 
-void CConnection::Watch() { m_server.Events().Want(m_conn, WantsBytes(), !AllSent(), false); }
+void CConnection::Watch() { m_host.Events().Want(m_conn, WantsBytes(), !AllSent(), false); }
 
 // How many bytes have left: 0 when the socket takes none, -1 when the client is gone.
 ssize_t CConnection::SendSome() {

@@ -10,14 +10,33 @@
 #include <utility>
 
 #include "CBB/Http/Body.h"
+#include "CBB/Http/Events.h"
 #include "CBB/Http/Request.h"
 #include "CBB/Http/Turns.h"
 
-class CServer;
+class CConnection;
+
+// What a connection needs of the server that it belongs to.
+class CHost {
+ public:
+  // A request has arrived whole: its client gets a turn. Once until the turn has come.
+  virtual void Enqueue(CConnection& conn) = 0;
+
+  // All is said: the connection is closed at its PartMs, if it is not before.
+  virtual void Parting(CConnection& conn) = 0;
+
+  virtual CEvents& Events() = 0;
+  virtual uint64_t NowMs() const = 0;   // of the round under way
+  virtual uint64_t NextUse() = 0;       // a number larger than all before
+  virtual http_message& Message() = 0;  // for the request that is being answered
+
+ protected:
+  ~CHost() = default;
+};
 
 class CConnection {
  public:
-  CConnection(CServer& server, mg_connection& conn, uint64_t nNowMs, uint64_t nUse);
+  CConnection(CHost& host, mg_connection& conn);
   CConnection(const CConnection&) = delete;
   CConnection& operator=(const CConnection&) = delete;
 
@@ -78,7 +97,7 @@ class CConnection {
   ssize_t SendWithBody();
   void Sent();
 
-  CServer& m_server;
+  CHost& m_host;
   mg_connection& m_conn;
   State m_state = State::kReading;
   CRequest m_request;

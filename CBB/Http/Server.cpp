@@ -149,7 +149,7 @@ void CServer::OnEvent(mg_connection* pConn, int nEvent, void* pData) {
 }
 
 void CServer::Open(mg_connection& conn) {
-  conn.user_data = new (std::nothrow) CConnection(*this, conn, m_nNowMs, NextUse());
+  conn.user_data = new (std::nothrow) CConnection(*this, conn);
   if (conn.user_data == nullptr) {
     NoteMemoryShortage();
     conn.flags |= MG_F_CLOSE_IMMEDIATELY;

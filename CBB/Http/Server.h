@@ -17,7 +17,7 @@ constexpr int kMaxConnections = 2000;
 // are not read. Beyond it the one that holds most is closed.
 constexpr size_t kMaxHeldBytes = 8U << 20;
 
-class CServer : private CWatcher {
+class CServer : private CWatcher, private CHost {
  public:
   // pfnHandler is called with event 100 for each whole request, and with the library's events that
   // come while it is being answered.
@@ -42,14 +42,6 @@ class CServer : private CWatcher {
   // The port that it listens on.
   int Port() const;
 
-  // For its connections.
-  CEvents& Events() { return m_events; }
-  http_message& Message() { return m_message; }
-  uint64_t NowMs() const { return m_nNowMs; }
-  uint64_t NextUse() { return ++m_nUses; }
-  void Enqueue(CConnection& conn);
-  void Parting(CConnection& conn);
-
  private:
   // Clients whose turn comes, the first in front.
   struct stQueue {
@@ -66,6 +58,13 @@ class CServer : private CWatcher {
   void Open(mg_connection& conn);
   void Forget(CConnection& conn);
 
+  void Enqueue(CConnection& conn) override;
+  void Parting(CConnection& conn) override;
+  CEvents& Events() override { return m_events; }
+  uint64_t NowMs() const override { return m_nNowMs; }
+  uint64_t NextUse() override { return ++m_nUses; }
+  http_message& Message() override { return m_message; }
+
   void Accepted(mg_connection& conn) override;
   void CannotAccept() override;
   void Readable(mg_connection& conn) override;
@@ -73,7 +72,6 @@ class CServer : private CWatcher {
   void EndOfStream(mg_connection& conn) override;
   void Broken(mg_connection& conn) override;
 
-  void Look();
   void Settle(mg_connection& conn);
   void ServeTurns();
   int WaitMs(int nWaitMs) const;

@@ -7,6 +7,7 @@
 
 #include "CBB/Http/Server.h"
 #include "CBB/Util/Print.h"
+#include "CBB/WebCtrl/HttpOptions.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 
 namespace {
@@ -24,11 +25,6 @@ void PrintSetting(mg_connection* pConn, const char* pszName) {
 }
 
 }  // namespace
-
-mg_serve_http_opts& HttpOptions() {
-  static mg_serve_http_opts opts{};
-  return opts;
-}
 
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
   if (nEvent == MG_EV_HTTP_REQUEST) {

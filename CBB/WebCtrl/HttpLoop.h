@@ -3,9 +3,6 @@
 
 #include <mongoose.h>
 
-// The library's file-serving options: only the document root is set. One for the process.
-mg_serve_http_opts& HttpOptions();
-
 // Serves HTTP on TCP port 80 with the document root pszWebRoot, which must outlive the call, and
 // hands every whole request to CWebCtrl::DoHttpRequeset on the calling thread. Returns only on
 // failure (-1): the port cannot be bound, or the document root is not there.

@@ -6,7 +6,7 @@
 
 #include "CBB/Http/Files.h"
 #include "CBB/Util/DebugPrint.h"
-#include "CBB/WebCtrl/HttpLoop.h"
+#include "CBB/WebCtrl/HttpOptions.h"
 #include "CBB/WebCtrl/JsonReply.h"
 #include "CBB/WebCtrl/Routes.h"
 
