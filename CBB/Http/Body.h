@@ -32,6 +32,9 @@ class CBody {
   size_t Left() const { return m_nLeft; }
   bool HoldsFile() const { return m_nFd >= 0; }
 
+  // The bytes of a text that nobody else has any more.
+  size_t Held() const { return m_pText.use_count() == 1 ? m_pText->size() : 0; }
+
   // Of a text: where what is left begins.
   const char* Text() const { return m_pText->data() + m_nAt; }
 

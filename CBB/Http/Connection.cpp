@@ -28,14 +28,18 @@ void CutBody(mbuf& sent, size_t nFrom) {
 }  // namespace
 
 CConnection::CConnection(CHost& host, mg_connection& conn)
-    : m_host(host), m_conn(conn), m_nAcceptMs(host.NowMs()), m_nLastUse(host.NextUse()) {}
+    : m_host(host),
+      m_conn(conn),
+      m_nAcceptMs(host.NowMs()),
+      m_nUsedMs(m_nAcceptMs),
+      m_nLastUse(host.NextUse()) {}
 
 CConnection& CConnection::Of(const mg_connection& conn) {
   return *static_cast<CConnection*>(conn.user_data);
 }
 
 size_t CConnection::Held() const {
-  return m_conn.recv_mbuf.size + m_conn.send_mbuf.size + m_request.Held();
+  return m_conn.recv_mbuf.size + m_conn.send_mbuf.size + m_request.Held() + m_body.Held();
 }
 
 bool CConnection::WantsBytes() const {
@@ -57,8 +61,8 @@ void CConnection::OnReadable() {
 
 // Others have their turn before more of this client's bytes are received.
 void CConnection::OnReceived() {
-  m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len;
   Advance();
+  m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len;
 }
 
 void CConnection::OnWritable() { Send(); }
@@ -98,6 +102,7 @@ void CConnection::Act(stTurn turn) {
     case stTurn::kServe:
       m_bServed = true;
       m_nLastUse = m_host.NextUse();
+      m_nUsedMs = m_host.NowMs();
       m_host.Enqueue(*this);
       break;
     case stTurn::kRefuse:

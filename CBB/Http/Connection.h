@@ -26,7 +26,7 @@ class CHost {
   virtual void Parting(CConnection& conn) = 0;
 
   virtual CEvents& Events() = 0;
-  virtual uint64_t NowMs() const = 0;   // of the round under way
+  virtual uint64_t NowMs() const = 0;   // of a clock that nobody sets
   virtual uint64_t NextUse() = 0;       // a number larger than all before
   virtual http_message& Message() = 0;  // for the request that is being answered
 
@@ -66,7 +66,9 @@ class CConnection {
   bool IsLate(uint64_t nNowMs) const { return m_nPartMs != 0 && nNowMs >= m_nPartMs; }
   uint64_t PartMs() const { return m_nPartMs; }
 
-  stPlace Place(uint64_t nNowMs) const { return {m_bServed, nNowMs - m_nAcceptMs, m_nLastUse}; }
+  stPlace Place(uint64_t nNowMs) const {
+    return {m_bServed, nNowMs - m_nAcceptMs, nNowMs - m_nUsedMs, m_nLastUse};
+  }
 
   // What it holds for its client: bytes of memory, open files.
   size_t Held() const;
@@ -106,6 +108,7 @@ class CConnection {
   bool m_bServed = false;
   bool m_bEnded = false;  // the client sends no more
   uint64_t m_nAcceptMs;
+  uint64_t m_nUsedMs;
   uint64_t m_nLastUse;
   uint64_t m_nPartMs = 0;  // 0: not parting
 };

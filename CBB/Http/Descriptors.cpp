@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/select.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,7 +13,12 @@
 
 namespace {
 
+// Streams, listener, poll object, an exchange, a file about to be sent, the newest client.
+constexpr int kOtherDescriptors = 12;
 constexpr int kFirstClient = 32;
+
+// The lowest number for a client: as low as can be where no number is too high for select.
+int FirstClient() { return DescriptorLimit() > FD_SETSIZE ? kFirstClient : 0; }
 
 void OpenClosedStreams() {
   int nFd = STDIN_FILENO;
@@ -64,8 +70,19 @@ void RaiseDescriptorLimit(int nWanted) {
 }
 
 int MoveUp(int nFd) {
-  if (nFd < 0 || nFd >= kFirstClient) return nFd;
-  const int nMoved = fcntl(nFd, F_DUPFD_CLOEXEC, kFirstClient);
+  const int nFirst = FirstClient();
+  if (nFd < 0 || nFd >= nFirst) return nFd;
+  const int nMoved = fcntl(nFd, F_DUPFD_CLOEXEC, nFirst);
   close(nFd);
   return nMoved;
+}
+
+int Duplicate(int nFd) { return fcntl(nFd, F_DUPFD_CLOEXEC, FirstClient()); }
+
+int ClientDescriptors() {
+  return std::max(DescriptorLimit() - std::max(FirstClient(), kOtherDescriptors), 1);
+}
+
+COwnedFd::~COwnedFd() {
+  if (m_nFd >= 0) close(m_nFd);
 }

@@ -17,7 +17,30 @@ int DescriptorLimit();
 // Raises the process's limit of descriptors to nWanted, as far as it may.
 void RaiseDescriptorLimit(int nWanted);
 
+// How many descriptors clients may have for their sockets and files: the limit, less what the
+// service itself needs; one at least.
+int ClientDescriptors();
+
 // Moves an open descriptor of a client, its socket or its file, above the lowest numbers and
 // returns its new number, -1 when there is none left; -1 stays -1. The lowest numbers stay free for
 // the exchange with the device, which waits in select: that takes no number from FD_SETSIZE on.
+// Where there are no such numbers it stays where it is.
 int MoveUp(int nFd);
+
+// A second number for a client's open descriptor, above the lowest numbers; -1 when there is none
+// left.
+int Duplicate(int nFd);
+
+// A descriptor that is closed with the object.
+class COwnedFd {
+ public:
+  explicit COwnedFd(int nFd) : m_nFd(nFd) {}
+  ~COwnedFd();
+  COwnedFd(const COwnedFd&) = delete;
+  COwnedFd& operator=(const COwnedFd&) = delete;
+
+  int Get() const { return m_nFd; }
+
+ private:
+  int m_nFd;
+};

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "CBB/Http/Descriptors.h"
 #include "CBB/Http/LibraryFiles.h"
 
 namespace {
@@ -61,22 +62,19 @@ bool IsNotOlder(const struct stat& packed, const struct stat& plain) {
 
 // A packed form is kept whole or not taken.
 void AddPacked(stFile& file) {
-  const int nFd = OpenForReading(PackedPath(file).c_str());
-  if (nFd < 0) return;
-  file.bHasPacked = ReadForm(nFd, "-gz", file.packed) && file.packed.pText != nullptr &&
+  const COwnedFd fd(OpenForReading(PackedPath(file).c_str()));
+  if (fd.Get() < 0) return;
+  file.bHasPacked = ReadForm(fd.Get(), "-gz", file.packed) && file.packed.pText != nullptr &&
                     IsNotOlder(file.packed.stat, file.plain.stat);
   if (!file.bHasPacked) file.packed.pText = nullptr;
-  close(nFd);
 }
 
 // Whether a form is still what was looked at; bThere: whether it was there at all.
 bool IsUnchanged(const std::string& strPath, const stForm& form, bool bThere) {
-  const int nFd = OpenForReading(strPath.c_str());
-  if (nFd < 0) return !bThere;
+  const COwnedFd fd(OpenForReading(strPath.c_str()));
   struct stat now {};
-  const bool bSame = fstat(nFd, &now) == 0 && IsSame(now, form.stat);
-  close(nFd);
-  return bSame;
+  if (fd.Get() < 0) return !bThere;
+  return fstat(fd.Get(), &now) == 0 && IsSame(now, form.stat);
 }
 
 }  // namespace
@@ -85,44 +83,42 @@ size_t stFile::Bytes() const {
   return (plain.pText ? plain.pText->size() : 0) + (packed.pText ? packed.pText->size() : 0);
 }
 
-const stFile* CFileCache::Find(std::string_view uri) {
+std::shared_ptr<const stFile> CFileCache::Find(std::string_view uri) {
   const auto found = std::find_if(m_files.begin(), m_files.end(),
                                   [&](const auto& pFile) { return pFile->strUri == uri; });
   if (found == m_files.end()) return nullptr;
   stFile& file = **found;
   file.nUse = ++m_nUses;
   const time_t now = time(nullptr);
-  if (file.second == now) return &file;
+  if (file.second == now) return *found;
   const bool bPacked = file.packed.stat.st_ino != 0;
   if (IsUnchanged(file.strPath, file.plain, true) &&
       IsUnchanged(PackedPath(file), file.packed, bPacked)) {
     file.second = now;
-    return &file;
+    return *found;
   }
   Remove(static_cast<size_t>(found - m_files.begin()));
   return nullptr;
 }
 
-const stFile* CFileCache::Add(std::string strUri, std::string strPath, int nFd) {
-  auto pFile = std::make_unique<stFile>();
+std::shared_ptr<const stFile> CFileCache::Add(std::string strUri, std::string strPath, int nFd) {
+  const auto pFile = std::make_shared<stFile>();
   pFile->second = time(nullptr);
   pFile->strUri = std::move(strUri);
   pFile->strPath = std::move(strPath);
   if (!ReadForm(nFd, "", pFile->plain)) return nullptr;
   AddPacked(*pFile);
   pFile->nUse = ++m_nUses;
-  m_pLast = std::move(pFile);
-  const stFile* const pAdded = m_pLast.get();
-  if (pAdded->strUri.empty() || pAdded->plain.pText == nullptr) return pAdded;
-  m_nBytes += pAdded->Bytes();
-  m_files.push_back(std::move(m_pLast));
+  if (pFile->strUri.empty() || pFile->plain.pText == nullptr) return pFile;
+  m_files.push_back(pFile);
+  m_nBytes += pFile->Bytes();
   while (m_nBytes > kMaxCacheBytes || m_files.size() > kMaxFiles) {
     const auto oldest =
         std::min_element(m_files.begin(), m_files.end(),
                          [](const auto& a, const auto& b) { return a->nUse < b->nUse; });
     Remove(static_cast<size_t>(oldest - m_files.begin()));
   }
-  return pAdded;
+  return pFile;
 }
 
 void CFileCache::Remove(size_t nAt) {

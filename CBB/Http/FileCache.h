@@ -37,14 +37,13 @@ struct stFile {
 class CFileCache {
  public:
   // The file of a URI that was added before, as it is in this second; null when it is not there, is
-  // not the same any more, or may not be opened. Valid until the next call.
-  const stFile* Find(std::string_view uri);
+  // not the same any more, or may not be opened.
+  std::shared_ptr<const stFile> Find(std::string_view uri);
 
   // Reads the file at strPath, which was opened as nFd (the caller's), with its packed form. Keeps
   // it under strUri when it is small enough; others go for it, the longest unused first. An empty
-  // strUri is not kept. Returns null when the file changes all the time while it is read. Valid
-  // until the next call.
-  const stFile* Add(std::string strUri, std::string strPath, int nFd);
+  // strUri is not kept. Returns null when the file changes all the time while it is read.
+  std::shared_ptr<const stFile> Add(std::string strUri, std::string strPath, int nFd);
 
   // The texts that are kept, in bytes.
   size_t Bytes() const { return m_nBytes; }
@@ -52,8 +51,7 @@ class CFileCache {
  private:
   void Remove(size_t nAt);
 
-  std::vector<std::unique_ptr<stFile>> m_files;
-  std::unique_ptr<stFile> m_pLast;  // one that is not kept
+  std::vector<std::shared_ptr<stFile>> m_files;
   size_t m_nBytes = 0;
   uint64_t m_nUses = 0;
 };

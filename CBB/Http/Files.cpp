@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "CBB/Http/Conditions.h"
 #include "CBB/Http/Connection.h"
@@ -109,15 +111,17 @@ void SendFile(const stRequest& request, const stFile& file, int nFd) {
     SendStatus(&request.conn, part.nStatus, request.bKeepsOpen, !request.bHead);
     return;
   }
-  SendHead(request, file, form, bPacked, part);
-  if (request.bHead || part.nSize == 0) return;
-  CConnection& connection = CConnection::Of(request.conn);
-  if (form.pText != nullptr) {
-    connection.SetBody(CBody(form.pText, part.nAt, part.nSize));
-  } else {
-    connection.SetBody(CBody(MoveUp(dup(nFd)), static_cast<off_t>(part.nAt),
-                             static_cast<off_t>(part.nSize), form.stat.st_ctim));
+  const bool bBody = !request.bHead && part.nSize != 0;
+  const int nOwn = bBody && form.pText == nullptr ? Duplicate(nFd) : -1;
+  if (bBody && form.pText == nullptr && nOwn < 0) {
+    SendStatus(&request.conn, 503, request.bKeepsOpen, true);
+    return;
   }
+  CBody body = form.pText != nullptr ? CBody(form.pText, part.nAt, part.nSize)
+                                     : CBody(nOwn, static_cast<off_t>(part.nAt),
+                                             static_cast<off_t>(part.nSize), form.stat.st_ctim);
+  SendHead(request, file, form, bPacked, part);
+  if (bBody) CConnection::Of(request.conn).SetBody(std::move(body));
 }
 
 // The library's messages about includes name files by their whole path.
@@ -177,7 +181,8 @@ void ServeThroughLibrary(const stRequest& request, mg_serve_http_opts opts) {
   TakeAwayConditions(msg);
   opts.extra_headers = kPageFields;
   opts.custom_mime_types = kPageTypes;
-  FILE* const pFile = LibraryServeFile(&request.conn, &msg, &opts);
+  FILE* const pRaw = LibraryServeFile(&request.conn, &msg, &opts);
+  const std::unique_ptr<FILE, int (*)(FILE*)> pFile(pRaw, &fclose);
   const stOpened& opened = OpenedFile();
   if (*opened.pszPath == '\0' || IsPage(opened.pszPath)) {
     SendOther(request, opts);
@@ -185,18 +190,15 @@ void ServeThroughLibrary(const stRequest& request, mg_serve_http_opts opts) {
   }
   request.conn.send_mbuf.len = 0;
   request.conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
-  const int nFd = pFile != nullptr ? fileno(pFile) : OpenForReading(opened.pszPath);
-  const stFile* const pRead =
+  // The library has closed an empty file.
+  const COwnedFd again(pFile == nullptr ? OpenForReading(opened.pszPath) : -1);
+  const int nFd = pFile != nullptr ? fileno(pFile.get()) : again.Get();
+  const auto pRead =
       g_cache.Add(IsPlainUri(request.strUri) ? request.strUri : "", opened.pszPath, nFd);
   if (pRead != nullptr) {
     SendFile(request, *pRead, nFd);
   } else {
     SendStatus(&request.conn, 503, request.bKeepsOpen, !request.bHead);
-  }
-  if (pFile != nullptr) {
-    fclose(pFile);
-  } else if (nFd >= 0) {
-    close(nFd);
   }
 }
 
@@ -215,7 +217,7 @@ void ServeFile(mg_connection* pConn, http_message* pMsg, const mg_serve_http_opt
     return;
   }
   BeginFiles(opts.document_root);
-  const stFile* const pFile = IsPlainUri(request.strUri) ? g_cache.Find(request.strUri) : nullptr;
+  const auto pFile = IsPlainUri(request.strUri) ? g_cache.Find(request.strUri) : nullptr;
   if (pFile != nullptr) {
     SendFile(request, *pFile, -1);
   } else {

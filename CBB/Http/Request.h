@@ -19,6 +19,8 @@ enum class Reading {
   kRefused,
 };
 
+struct stRequestParse;
+
 class CRequest {
  public:
   CRequest();
@@ -29,7 +31,8 @@ class CRequest {
   // Reads on. received is everything from the request's first byte to the last that has arrived,
   // so it begins with what was given before, wherever that lies now. Empty lines in front of a
   // request are the caller's to take away (EmptyLines). What becomes of a request never depends on
-  // how its bytes were cut, nor on what stands behind it. Throws std::bad_alloc.
+  // how its bytes were cut, nor on what stands behind it. Without memory for it a request is
+  // refused with 503, and the shortage is noted.
   Reading Read(std::string_view received);
 
   Reading State() const { return m_reading; }
@@ -61,14 +64,12 @@ class CRequest {
   size_t Held() const;
 
  private:
-  struct stParse;
-  friend struct stParserCalls;
-
   void Feed(std::string_view received);
   void Refuse(int nStatus);
-  void Conclude(int nError);
+  bool SkipExtension(std::string_view received);
+  bool Conclude(int nError);
 
-  std::unique_ptr<stParse> m_pParse;  // null as long as nothing has arrived
+  std::unique_ptr<stRequestParse> m_pParse;  // null as long as nothing has arrived
   Reading m_reading = Reading::kPartial;
   int m_nRefusal = 0;
 };

@@ -15,8 +15,6 @@
 
 namespace {
 
-// Streams, listener, poll object, an exchange, a file about to be sent, the newest client.
-constexpr int kOtherDescriptors = 12;
 constexpr uint64_t kRoundMs = 2;          // of requests, before newcomers are looked for
 constexpr size_t kMuchHeld = 1U << 20;    // that is given back once it is free
 constexpr uint64_t kAcceptPauseMs = 100;  // when a client could not be accepted
@@ -71,7 +69,7 @@ int CServer::Bind(const char* pszAddress) {
   const int nOn = 1;
   setsockopt(m_pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
   setsockopt(m_pListener->sock, SOL_SOCKET, SO_OOBINLINE, &nOn, sizeof(nOn));
-  m_nPlaces = std::clamp(DescriptorLimit() - kOtherDescriptors, 1, kMaxConnections);
+  m_nPlaces = std::min(ClientDescriptors(), kMaxConnections);
   m_parting.reserve(static_cast<size_t>(m_nPlaces) + 1);
   m_nNowMs = ClockMs();
   return 0;
@@ -126,6 +124,8 @@ void CServer::Enqueue(CConnection& conn) {
   (m_bServing ? m_further : m_turns).Append(conn);
 }
 
+uint64_t CServer::NowMs() const { return ClockMs(); }
+
 void CServer::Parting(CConnection& conn) { m_parting.push_back(&conn); }
 
 // The library's events, in place of its own handler of the protocol, which would read requests.
@@ -178,7 +178,7 @@ void CServer::Accepted(mg_connection& conn) {
 void CServer::CannotAccept() {
   if (CloseFirst()) return;
   m_events.Want(*m_pListener, false, false, true);
-  m_nAcceptMs = m_nNowMs + kAcceptPauseMs;
+  m_nAcceptMs = ClockMs() + kAcceptPauseMs;
 }
 
 void CServer::Readable(mg_connection& conn) {
@@ -247,10 +247,10 @@ void CServer::ForEach(F pfnCall) {
 
 // Closes the client that needs its place least. Returns false when there is none.
 bool CServer::CloseFirst() {
+  const uint64_t nNowMs = ClockMs();
   CConnection* pFirst = nullptr;
   ForEach([&](CConnection& conn) {
-    if (pFirst == nullptr || GoesBefore(conn.Place(m_nNowMs), pFirst->Place(m_nNowMs)))
-      pFirst = &conn;
+    if (pFirst == nullptr || GoesBefore(conn.Place(nNowMs), pFirst->Place(nNowMs))) pFirst = &conn;
   });
   if (pFirst == nullptr) return false;
   pFirst->Close();

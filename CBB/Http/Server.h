@@ -61,7 +61,7 @@ class CServer : private CWatcher, private CHost {
   void Enqueue(CConnection& conn) override;
   void Parting(CConnection& conn) override;
   CEvents& Events() override { return m_events; }
-  uint64_t NowMs() const override { return m_nNowMs; }
+  uint64_t NowMs() const override;
   uint64_t NextUse() override { return ++m_nUses; }
   http_message& Message() override { return m_message; }
 

@@ -15,7 +15,11 @@ stTurn Next(const CRequest& request, bool bHungUp) {
   return {request.AwaitsContinue() ? stTurn::kContinue : stTurn::kWait, 0};
 }
 
-bool OnlyHolds(const stPlace& place) { return !place.bServed && place.nAgeMs >= kGraceMs; }
+// 0 goes first.
+int Rank(const stPlace& place) {
+  if (!place.bServed) return place.nAgeMs >= kGraceMs ? 0 : 2;
+  return place.nUnusedMs >= kUnusedMs ? 1 : 3;
+}
 
 }  // namespace
 
@@ -27,6 +31,6 @@ stTurn NextTurn(State state, const CRequest& request, bool bAllSent) {
 }
 
 bool GoesBefore(const stPlace& one, const stPlace& other) {
-  if (OnlyHolds(one) != OnlyHolds(other)) return OnlyHolds(one);
+  if (Rank(one) != Rank(other)) return Rank(one) < Rank(other);
   return one.nLastUse < other.nLastUse;
 }

@@ -42,13 +42,18 @@ stTurn NextTurn(State state, const CRequest& request, bool bAllSent);
 
 // What a connection is judged by when another one needs its place.
 struct stPlace {
-  bool bServed;       // it has sent a whole request
-  uint64_t nAgeMs;    // since it was accepted
-  uint64_t nLastUse;  // a number that grows from use to use: its last whole request, or its start
+  bool bServed;        // it has sent a whole request
+  uint64_t nAgeMs;     // since it was accepted
+  uint64_t nUnusedMs;  // since its last whole request, or since it was accepted
+  uint64_t nLastUse;   // a number that grows from use to use: its last whole request, or its start
 };
 
-// A client that has sent no whole request for so long only holds a place.
+// A client that has sent no whole request for so long only holds a place; one that had its last
+// reply so long ago does not need it now.
 constexpr uint64_t kGraceMs = 1000;
+constexpr uint64_t kUnusedMs = 10000;
 
-// Whether the connection of one goes before that of the other.
+// Whether the connection of one goes before that of the other: first those that only hold a place,
+// then the unused ones, then newcomers, last those in use; among equals the one whose last use is
+// longest ago.
 bool GoesBefore(const stPlace& one, const stPlace& other);
