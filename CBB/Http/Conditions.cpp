@@ -91,11 +91,18 @@ stSelection SelectRange(std::string_view range, size_t nSize) {
   return {206, nFirst, std::min(bFirst && bLast ? nLast + 1 : nSize, nSize) - nFirst};
 }
 
-// The weight behind an element of Accept-Encoding is nothing.
+// Among the parameters of an element of Accept-Encoding is a weight of nothing.
 bool IsRefused(std::string_view parameters) {
-  const size_t nWeight = parameters.find("q=");
-  if (nWeight == std::string_view::npos) return false;
-  return parameters.find_first_not_of("0.", nWeight + 2) == std::string_view::npos;
+  while (!parameters.empty()) {
+    parameters.remove_prefix(1);  // the semicolon
+    const std::string_view one = parameters.substr(0, parameters.find(';'));
+    parameters.remove_prefix(one.size());
+    const size_t nValue = std::min(one.find('='), one.size());
+    if (!HasListElement(one.substr(0, nValue), "q")) continue;
+    const std::string_view value = one.substr(std::min(nValue + 1, one.size()));
+    return value.find_first_of("123456789") == std::string_view::npos;
+  }
+  return false;
 }
 
 }  // namespace

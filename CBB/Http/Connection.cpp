@@ -73,7 +73,7 @@ void CConnection::OnEndOfStream() {
   if (m_state == State::kReading || m_state == State::kAnswering) {
     m_state = State::kHungUp;
     if (!bQueued) Advance();
-  } else if (m_nPartMs != 0) {
+  } else if (AllSent()) {
     Close();
   }
 }
@@ -137,6 +137,8 @@ void CConnection::Refuse(int nStatus) {
 void CConnection::Part() {
   if (m_bEnded) {
     Close();
+  } else if (m_bSilent) {
+    Watch();
   } else if (m_nPartMs == 0) {
     m_nPartMs = m_host.NowMs() + kPartMs;
     shutdown(m_conn.sock, SHUT_WR);
@@ -174,8 +176,9 @@ void CConnection::Serve() {
   m_request.Clear();
   m_bContinued = false;
   ForgetReceived(nLength);
-  if (bAnswered && (bCloses || bEnds)) {
+  if (bCloses || (bAnswered && bEnds)) {
     m_state = State::kLastReply;
+    m_bSilent = !bAnswered;
     mbuf_free(&m_conn.recv_mbuf);
   }
   Send();

@@ -106,7 +106,8 @@ class CConnection {
   CBody m_body;
   bool m_bContinued = false;  // the client was told to send the body of this request
   bool m_bServed = false;
-  bool m_bEnded = false;  // the client sends no more
+  bool m_bEnded = false;   // the client sends no more
+  bool m_bSilent = false;  // its last request got no answer, and nothing more does
   uint64_t m_nAcceptMs;
   uint64_t m_nUsedMs;
   uint64_t m_nLastUse;

@@ -108,13 +108,21 @@ void CEvents::Want(const mg_connection& conn, bool bReadable, bool bWritable, bo
   epoll_ctl(m_nPoll, EPOLL_CTL_MOD, conn.sock, &event);
 }
 
+// All that there is, before anybody has a turn: a reset must not wait behind other clients' bytes.
+// The system hands sockets out in turns, so that as many looks as there are sockets see each once.
 void CEvents::Poll(int nTimeoutMs) {
-  m_nEvents = epoll_wait(m_nPoll, m_events, kMaxEvents, nTimeoutMs);
-  for (int i = 0; i < m_nEvents; ++i) {
-    const epoll_event event = m_events[i];
-    if (event.data.ptr != nullptr) Tell(*static_cast<mg_connection*>(event.data.ptr), event, i);
-  }
-  m_nEvents = 0;
+  size_t nLooks = m_wanted.size() / kMaxEvents + 1;
+  do {
+    m_nEvents = epoll_wait(m_nPoll, m_events, kMaxEvents, nTimeoutMs);
+    const bool bMore = m_nEvents == kMaxEvents;
+    for (int i = 0; i < m_nEvents; ++i) {
+      const epoll_event event = m_events[i];
+      if (event.data.ptr != nullptr) Tell(*static_cast<mg_connection*>(event.data.ptr), event, i);
+    }
+    m_nEvents = 0;
+    nTimeoutMs = 0;
+    nLooks = bMore ? nLooks - 1 : 0;
+  } while (nLooks > 0);
 }
 
 void CEvents::Tell(mg_connection& conn, const epoll_event& event, int nAt) {
@@ -122,7 +130,9 @@ void CEvents::Tell(mg_connection& conn, const epoll_event& event, int nAt) {
     Accept(conn);
     return;
   }
-  if ((event.events & (EPOLLERR | EPOLLHUP)) != 0) {
+  // Behind an orderly end there may be bytes to read: left in the socket they would reset it.
+  const bool bEnded = (event.events & (EPOLLHUP | EPOLLIN)) == EPOLLHUP;
+  if ((event.events & EPOLLERR) != 0 || bEnded) {
     m_watcher.Broken(conn);
     return;
   }
@@ -136,7 +146,8 @@ void CEvents::Accept(mg_connection& listener) {
     socket_address address{};
     socklen_t nSize = sizeof(address);
     int nSock = accept4(listener.sock, &address.sa, &nSize, SOCK_NONBLOCK | SOCK_CLOEXEC);
-    if (nSock < 0 && (errno == EAGAIN || errno == ECONNABORTED || errno == EINTR)) return;
+    if (nSock < 0 && errno != EMFILE && errno != ENFILE && errno != ENOBUFS && errno != ENOMEM)
+      return;
     nSock = MoveUp(nSock);
     mg_connection* const pConn = nSock < 0 ? nullptr : mg_if_accept_new_conn(&listener);
     if (pConn == nullptr) {

@@ -20,11 +20,24 @@ bool IsSame(const struct stat& one, const struct stat& other) {
          one.st_ctim.tv_sec == other.st_ctim.tv_sec && one.st_ctim.tv_nsec == other.st_ctim.tv_nsec;
 }
 
-// As the HTTP library makes them, told apart by form.
-std::string MakeTag(const struct stat& stat, const char* pszForm) {
-  char szTag[64];
-  snprintf(szTag, sizeof(szTag), "\"%lx.%" PRId64 "%s\"", static_cast<unsigned long>(stat.st_mtime),
-           static_cast<int64_t>(stat.st_size), pszForm);
+// FNV-1a in 32 bits.
+uint32_t Hash(std::string_view text) {
+  uint32_t uiHash = 2166136261U;
+  for (const char c : text) uiHash = (uiHash ^ static_cast<unsigned char>(c)) * 16777619U;
+  return uiHash;
+}
+
+// As the HTTP library makes them, told apart by form and by what the library does not look at: two
+// versions of a page often have one length, and one date where a package gives it.
+std::string MakeTag(const stForm& form, const char* pszForm) {
+  const struct stat& stat = form.stat;
+  const uint32_t uiVersion =
+      form.pText != nullptr ? Hash(*form.pText)
+                            : static_cast<uint32_t>(stat.st_ctim.tv_nsec ^ stat.st_ctim.tv_sec);
+  char szTag[80];
+  snprintf(szTag, sizeof(szTag), "\"%lx.%" PRId64 ".%08" PRIx32 "%s\"",
+           static_cast<unsigned long>(stat.st_mtime), static_cast<int64_t>(stat.st_size), uiVersion,
+           pszForm);
   return szTag;
 }
 
@@ -42,13 +55,14 @@ bool ReadAll(int nFd, std::string& strText) {
 bool ReadForm(int nFd, const char* pszForm, stForm& form) {
   for (int i = 0; i < kMostTries; ++i) {
     if (fstat(nFd, &form.stat) != 0) return false;
-    form.strTag = MakeTag(form.stat, pszForm);
     form.pText = nullptr;
+    form.strTag = MakeTag(form, pszForm);
     if (form.stat.st_size > static_cast<off_t>(kMaxCachedFile)) return true;
     auto pText = std::make_shared<std::string>(static_cast<size_t>(form.stat.st_size), '\0');
     struct stat after {};
     if (!ReadAll(nFd, *pText) || fstat(nFd, &after) != 0 || !IsSame(form.stat, after)) continue;
     form.pText = std::move(pText);
+    form.strTag = MakeTag(form, pszForm);
     return true;
   }
   return false;

@@ -145,13 +145,29 @@ void HidePaths(mbuf& sent, const char* pszRoot) {
   mbuf_append(&sent, strText.data(), strText.size());
 }
 
-// What the library has answered that is no file: a page with includes stays as it is; a redirect
-// gets its reason; of an error only the status is taken.
+// Of the library's answer; 500 when there is none.
+int StatusOf(const std::string& strAnswer) {
+  constexpr size_t kAt = sizeof("HTTP/1.1");
+  return strAnswer.size() > kAt + 3 ? atoi(strAnswer.substr(kAt, 3).c_str()) : 500;
+}
+
+// To the same path with a slash behind it. Two slashes in front would name another host.
+void SendRedirect(const stRequest& request) {
+  const std::string& strUri = request.strUri;
+  const size_t nPath = strUri.find_first_not_of('/');
+  const std::string strPath = nPath == std::string::npos ? "" : strUri.substr(nPath);
+  mg_printf(&request.conn,
+            "HTTP/1.1 301 %s\r\nServer: Mongoose/" MG_VERSION
+            "\r\nLocation: /%s/\r\nContent-Length: 0\r\n\r\n",
+            ReasonPhrase(301), strPath.c_str());
+}
+
+// What the library has answered that is no file: a page with includes stays as it is; of a redirect
+// and of an error only the status is taken.
 void SendOther(const stRequest& request, const mg_serve_http_opts& opts) {
   mbuf& sent = request.conn.send_mbuf;
   const std::string strAnswer(sent.buf, sent.len);
-  const int nStatus =
-      atoi(strAnswer.substr(0, strAnswer.find("\r\n")).c_str() + sizeof("HTTP/1.1"));
+  const int nStatus = StatusOf(strAnswer);
   if (nStatus == 200) {
     HidePaths(sent, opts.document_root);
     return;
@@ -159,9 +175,7 @@ void SendOther(const stRequest& request, const mg_serve_http_opts& opts) {
   request.conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
   sent.len = 0;
   if (nStatus == 301) {
-    const std::string strRest = strAnswer.substr(strAnswer.find("\r\n"));
-    mg_printf(&request.conn, "HTTP/1.1 %d %s", nStatus, ReasonPhrase(nStatus));
-    mg_send(&request.conn, strRest.data(), static_cast<int>(strRest.size()));
+    SendRedirect(request);
   } else {
     SendStatus(&request.conn, nStatus, request.bKeepsOpen, !request.bHead);
   }

@@ -100,7 +100,7 @@ bool CRequest::Conclude(int nError) {
     const int nStatus = JudgeUnknownMethod(parse.Head(kMaxHeadBytes));
     if (nStatus != 0 || bTooLong) Refuse(nStatus != 0 ? nStatus : 414);
   } else {
-    Refuse(parse.nRefusal != 0 ? parse.nRefusal : 400);
+    Refuse(parse.RefusalFor(nError));
   }
   return m_reading != Reading::kPartial;
 }

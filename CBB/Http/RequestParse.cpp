@@ -164,6 +164,14 @@ int stRequestParse::LimitStatus() const {
   return Head(nFed).find('\n') == std::string_view::npos ? 414 : 431;
 }
 
+int stRequestParse::RefusalFor(int nError) const {
+  if (nRefusal != 0) return nRefusal;
+  // A plain number, but more than the parser can count.
+  const bool bTooLong = nError == HPE_INVALID_CONTENT_LENGTH &&
+                        std::string_view(parser.reason).find("overflow") != std::string_view::npos;
+  return bTooLong ? 413 : 400;
+}
+
 size_t stRequestParse::UpTo(size_t nEnd) const {
   const std::string_view there = received.substr(0, nEnd);
   if (nHead == 0) {

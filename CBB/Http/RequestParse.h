@@ -53,6 +53,9 @@ struct stRequestParse {
   size_t Limit() const;
   int LimitStatus() const;
 
+  // The status for a request that the parser has stopped at with this error.
+  int RefusalFor(int nError) const;
+
   // How far to feed in one go, up to nEnd: to the head's end, as what follows is judged by it; to
   // the end of a chunk's size, as its extensions are taken out; and nothing as long as such a line
   // is not whole.

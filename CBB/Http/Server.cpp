@@ -61,7 +61,8 @@ CServer::CServer(mg_event_handler_t pfnHandler) : m_pfnHandler(pfnHandler) {}
 int CServer::Bind(const char* pszAddress) {
   m_events.InitManager(m_mgr);
   m_pListener = mg_bind(&m_mgr, pszAddress, m_pfnHandler);
-  if (m_pListener == nullptr) return -1;
+  const bool bNoPoll = m_pListener != nullptr && (m_pListener->flags & MG_F_CLOSE_IMMEDIATELY) != 0;
+  if (m_pListener == nullptr || bNoPoll) return -1;
   mg_set_protocol_http_websocket(m_pListener);
   // Requests are read here, and handed on as the library would.
   m_pListener->proto_handler = &OnEvent;
