@@ -156,9 +156,7 @@ void SendRedirect(const stRequest& request) {
   const std::string& strUri = request.strUri;
   const size_t nPath = strUri.find_first_not_of('/');
   const std::string strPath = nPath == std::string::npos ? "" : strUri.substr(nPath);
-  mg_printf(&request.conn,
-            "HTTP/1.1 301 %s\r\nServer: Mongoose/" MG_VERSION
-            "\r\nLocation: /%s/\r\nContent-Length: 0\r\n\r\n",
+  mg_printf(&request.conn, "HTTP/1.1 301 %s\r\nLocation: /%s/\r\nContent-Length: 0\r\n\r\n",
             ReasonPhrase(301), strPath.c_str());
 }
 
