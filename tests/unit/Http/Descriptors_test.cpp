@@ -1,9 +1,8 @@
-#include "CBB/Util/Descriptors.h"
+#include "CBB/Http/Descriptors.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -141,24 +140,44 @@ TEST(GuardStdStreams, LeavesFilesAlone) {
             }));
 }
 
-TEST(CapDescriptors, LowersOnlyALimitThatIsTooHigh) {
+TEST(RaiseDescriptorLimit, RaisesAsFarAsItMay) {
   const struct {
     rlim_t nBefore;
-    rlim_t nAfter;
-  } rows[] = {{FD_SETSIZE + 1, FD_SETSIZE}, {FD_SETSIZE, FD_SETSIZE}, {64, 64}};
+    rlim_t nMost;
+    int nWanted;
+    int nAfter;
+  } rows[] = {{64, 256, 128, 128}, {64, 256, 256, 256}, {64, 256, 1000, 256},
+              {64, 256, 64, 64},   {128, 256, 64, 128}, {256, 256, 300, 256}};
   for (const auto& row : rows) {
-    EXPECT_EQ(0, InChild([&row] {
-                rlimit limit{};
-                getrlimit(RLIMIT_NOFILE, &limit);
-                if (limit.rlim_max < row.nBefore) return 0;
-                limit.rlim_cur = row.nBefore;
-                setrlimit(RLIMIT_NOFILE, &limit);
-                CapDescriptors();
-                getrlimit(RLIMIT_NOFILE, &limit);
-                return limit.rlim_cur == row.nAfter ? 0 : 1;
+    EXPECT_EQ(row.nAfter, InChild([&row] {
+                const rlimit limit = {row.nBefore, row.nMost};
+                if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return -1;
+                RaiseDescriptorLimit(row.nWanted);
+                return DescriptorLimit();
               }))
-        << row.nBefore;
+        << row.nBefore << " of " << row.nMost << ", wanted " << row.nWanted;
   }
+}
+
+TEST(MoveUp, LeavesTheLowestNumbersFree) {
+  EXPECT_EQ(0, InChild([] {
+              const int nLow = open("/dev/null", O_RDONLY | O_CLOEXEC);
+              const int nMoved = MoveUp(nLow);
+              if (!IsNull(nMoved) || nMoved < 32) return 1;
+              if (fcntl(nLow, F_GETFD) != -1) return 2;
+              if ((fcntl(nMoved, F_GETFD) & FD_CLOEXEC) == 0) return 3;
+              return MoveUp(nMoved) == nMoved ? 0 : 4;
+            }));
+}
+
+TEST(MoveUp, GivesUpWhatFindsNoPlace) {
+  EXPECT_EQ(0, InChild([] {
+              const rlimit limit = {32, 32};
+              setrlimit(RLIMIT_NOFILE, &limit);
+              const int nLow = open("/dev/null", O_RDONLY | O_CLOEXEC);
+              if (MoveUp(nLow) != -1) return 1;
+              return fcntl(nLow, F_GETFD) == -1 && MoveUp(-1) == -1 ? 0 : 2;
+            }));
 }
 
 }  // namespace
