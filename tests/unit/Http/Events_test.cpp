@@ -26,6 +26,7 @@ class CNotes : public CWatcher {
   void Readable(mg_connection& conn) override {
     Note("readable");
     if (m_pClosing == &conn) LibraryClose(m_conns[1]);
+    m_pClosing = nullptr;
     mg_if_can_recv_cb(&conn);
   }
   void Writable(mg_connection& /*conn*/) override { Note("writable"); }

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 #include "CBB/Http/LibraryFiles.h"
@@ -25,16 +26,16 @@ class FileCacheTest : public testing::Test {
     ASSERT_EQ(0, utimensat(AT_FDCWD, m_root.Path("root/" + strName).c_str(), times, 0));
   }
   // Keeps a file under its name, unless bKeep is false.
-  const stFile* Add(const std::string& strName, bool bKeep = true) {
+  std::shared_ptr<const stFile> Add(const std::string& strName, bool bKeep = true) {
     const std::string strPath = m_root.Path("root/" + strName);
     const int nFd = open(strPath.c_str(), O_RDONLY | O_CLOEXEC);
-    const stFile* const pFile = m_cache.Add(bKeep ? strName : "", strPath, nFd);
+    const auto pFile = m_cache.Add(bKeep ? strName : "", strPath, nFd);
     close(nFd);
     return pFile;
   }
   // The text that is kept for a name, or "-".
   std::string Kept(const std::string& strName) {
-    const stFile* const pFile = m_cache.Find(strName);
+    const auto pFile = m_cache.Find(strName);
     return pFile == nullptr ? "-" : *pFile->plain.pText;
   }
 
@@ -46,7 +47,7 @@ class FileCacheTest : public testing::Test {
 TEST_F(FileCacheTest, KeepsWhatWasRead) {
   Write("a.css", "text");
   EXPECT_EQ("-", Kept("a.css"));
-  const stFile* const pFile = Add("a.css");
+  const auto pFile = Add("a.css");
   ASSERT_NE(nullptr, pFile);
   EXPECT_EQ("text", *pFile->plain.pText);
   EXPECT_EQ(pFile, m_cache.Find("a.css"));
@@ -119,10 +120,10 @@ TEST_F(FileCacheTest, TakesThePackedFormBeside) {
       Write("a.css.gz", "gz");
       SetTime("a.css.gz", row.packed);
     }
-    const stFile* const pFile = Add("a.css", false);
+    const auto pFile = Add("a.css", false);
     ASSERT_EQ(row.bHasPacked, pFile->bHasPacked) << row.pszCase;
     EXPECT_EQ(row.bHasPacked ? 6U : 4U, pFile->Bytes()) << row.pszCase;
-    EXPECT_EQ("\"56d4da80.4\"", pFile->plain.strTag);
+    EXPECT_EQ("\"56d4db80.4\"", pFile->plain.strTag);
     EXPECT_NE(pFile->plain.strTag, pFile->packed.strTag);
   }
 }
@@ -154,7 +155,7 @@ TEST_F(FileCacheTest, KeepsNoLargeFile) {
   Write("a.css", std::string(kMaxCachedFile, 'x'));
   Write("b.css", std::string(kMaxCachedFile + 1, 'x'));
   EXPECT_EQ(kMaxCachedFile, Add("a.css")->plain.pText->size());
-  const stFile* const pLarge = Add("b.css");
+  const auto pLarge = Add("b.css");
   EXPECT_EQ(nullptr, pLarge->plain.pText);
   EXPECT_EQ(static_cast<off_t>(kMaxCachedFile + 1), pLarge->plain.stat.st_size);
   EXPECT_EQ(nullptr, m_cache.Find("b.css"));

@@ -229,11 +229,11 @@ TEST_F(FilesTest, LeavesNoDescriptorOpen) {
   Link("../outside/secret.css", "root/relative.css");
   Write("root/large.css", std::string(300000, 'x'));
   Write("root/page.shtml", "[<!--#include file=\"page.css\" -->]");
-  Fetch("/page.css");
   const size_t nBefore = OpenDescriptors();
   for (const char* pszUri :
        {"/page.css", "/relative.css", "/sub/", "/sub", "/nothing.css", "/large.css", "/page.shtml"})
     Fetch(pszUri);
+  m_server.PollUntil([&] { return m_server.Connections() == 0; });
   EXPECT_EQ(nBefore, OpenDescriptors());
 }
 

@@ -40,6 +40,7 @@ TEST(RequestRefusals, TellTheStatus) {
       {"GET / HTTP/0.9\r\n\r\n", 400},
       {"GET / http/1.1\r\n\r\n", 400},
       {"GET /\x01 HTTP/1.1\r\n\r\n", 400},
+      {"GET /\xC3\xA9 HTTP/1.1\r\n\r\n", 400},
       {"GET /\0 HTTP/1.1\r\n\r\n"s, 400},
       {"GET /#a HTTP/1.1\r\n\r\n", 400},
       {"GET a HTTP/1.1\r\n\r\n", 400},
@@ -183,15 +184,15 @@ TEST(RequestLimits, HoldForWhatStandsBetweenChunks) {
     std::string strBytes;
     std::string strStart;
   } rows[] = {
-      {"1;" + std::string(8000, 'e') + "\r\na\r\n0\r\n\r\n", "8063"},
+      {"1;" + std::string(8000, 'e') + "\r\na\r\n0\r\n\r\n", "8059: POST"},
       {"1;" + std::string(9000, 'e') + "\r\na\r\n0\r\n\r\n", "refused 431"},
       {"1;" + std::string(9000, 'e'), "refused 431"},
       {std::string(9000, '0'), "refused 431"},
       {"0\r\nT: " + std::string(9000, 't'), "refused 431"},
       {"0\r\n" + Repeat("T: t\r\n", 1500) + "\r\n", "refused 431"},
-      {"0\r\n" + Repeat("T: t\r\n", 1000) + "\r\n", "6053"},
+      {"0\r\n" + Repeat("T: t\r\n", 1000) + "\r\n", "6052: POST"},
       {"1;" + std::string(6000, 'e') + "\r\na\r\n0;" + std::string(6000, 'e') + "\r\n\r\n",
-       "12064"},
+       "12060: POST"},
   };
   for (const auto& row : rows) {
     const std::string strRead = Read(strHead + row.strBytes);

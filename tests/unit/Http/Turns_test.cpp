@@ -55,11 +55,13 @@ TEST(NextTurn, FollowsFromTheStateAlone) {
   }
 }
 
-// The places in the order in which they go. 999 ms are a moment, 1000 ms are not.
-TEST(GoesBefore, PutsThoseFirstThatOnlyHoldAPlace) {
+// The places in the order in which they go, at the edges of what counts as a moment.
+TEST(GoesBefore, PutsThoseFirstThatNeedTheirPlaceLeast) {
   constexpr stPlace kOrder[] = {
-      {false, 1000, 3}, {false, 5000, 9}, {false, 999, 1},
-      {true, 5000, 2},  {false, 0, 4},    {true, 0, 8},
+      {false, 1000, 1000, 3},  {false, 50000, 50000, 9},  // only hold a place
+      {true, 90000, 10000, 1}, {true, 10000, 99999, 6},   // unused
+      {false, 999, 999, 2},    {false, 0, 0, 8},          // newcomers
+      {true, 90000, 9999, 4},  {true, 0, 0, 5},           // in use
   };
   constexpr size_t kPlaces = sizeof(kOrder) / sizeof(kOrder[0]);
   for (size_t i = 0; i < kPlaces; ++i) {

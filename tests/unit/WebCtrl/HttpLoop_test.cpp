@@ -1,5 +1,4 @@
 #include "CBB/WebCtrl/HttpLoop.h"
-#include "CBB/WebCtrl/HttpOptions.h"
 
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -9,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CBB/WebCtrl/HttpOptions.h"
 #include "CBB/WebCtrl/WebCtrl.h"
 #include "tests/unit/Http/Loopback.h"
 #include "tests/unit/WebCtrl/Device.h"

@@ -125,7 +125,6 @@ TEST(DoHttpRequeset, TracesEveryEntryAndExitWithALineOfItsOwn) {
 
 // What a request for a file prints and sends: such a reply needs a server's connection.
 stOutcome RouteThroughServer(const std::string& strRequest) {
-  setvbuf(stdout, nullptr, _IONBF, 0);
   CTestServer server(&HttpEvent);
   testing::internal::CaptureStdout();
   const std::string strSent = Exchange(server, strRequest);
