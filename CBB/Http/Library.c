@@ -24,7 +24,7 @@
 #undef MBUF_SIZE_MAX_HEADROOM
 #define MBUF_SIZE_MAX_HEADROOM 8192
 
-#include <mongoose.c>
+#include <mongoose.c> /* NOLINT: the library as a whole, over the switches above */
 
 #include "CBB/Http/Library.h"
 

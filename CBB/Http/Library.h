@@ -14,7 +14,7 @@ struct mg_iface_vtable;
 struct mg_serve_http_opts;
 
 /* The library's own event interface. */
-extern const struct mg_iface_vtable mg_socket_iface_vtable;
+extern const struct mg_iface_vtable mg_socket_iface_vtable; /* NOLINT: its header has none */
 
 /* Closes a connection and frees it. Nothing of the library may be under way for it. */
 void LibraryClose(struct mg_connection* pConn);

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# clang-tidy.sh [file...]: what clang-tidy says about the product's sources (default: all of them)
-# under .clang-tidy. Needs a configured build/release for the compiler's options.
+# clang-tidy.sh [file...]: what clang-tidy says about the product's sources and every C file
+# (default: all of them) under .clang-tidy. Needs a configured build/release for the compiler's options.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 
 cd "$root"
 [ -f build/release/compile_commands.json ] || fail "configure first: cmake --preset release"
 [ $# -gt 0 ] ||
-  mapfile -t files < <(git ls-files CBB config control encoding tools | grep '\.cpp$')
+  mapfile -t files < <(git ls-files CBB config control encoding tools '*.c' | grep -E '\.(cpp|c)$')
 [ $# = 0 ] || files=("$@")
 [ ${#files[@]} -gt 0 ] || fail "found no source to look at"
 # The count of warnings in system headers that it prints to the error output is noise.

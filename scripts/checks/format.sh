@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Every C++ file of the project is laid out as .clang-format says.
+# Every C and C++ file of the project is laid out as .clang-format says.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 
 cd "$root"
-mapfile -t files < <(git ls-files '*.cpp' '*.h')
-[ ${#files[@]} -gt 0 ] || fail "found no C++ file to look at"
+mapfile -t files < <(git ls-files '*.cpp' '*.c' '*.h')
+[ ${#files[@]} -gt 0 ] || fail "found no C or C++ file to look at"
 clang-format --dry-run -Werror "${files[@]}"
 say "${#files[@]} files are laid out as they should be"

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Holds the C++ tree to its rules: how long a file may be, which folder may include which, and what
+"""Holds the C and C++ tree to its rules: how long a file may be, which folder may include which, and what
 of the dialect clang-tidy does not know.
 
 usage: tree_rules.py <source folder>
@@ -12,18 +12,26 @@ import sys
 LAYERS = {
     "encoding": set(),
     "CBB/Util": set(),
+    "CBB/Http": {"CBB/Util"},
     "control": {"CBB/Util"},
     "config": {"CBB/Util"},
-    "CBB/WebCtrl": {"CBB/Util", "control", "config", "encoding"},
+    "CBB/WebCtrl": {"CBB/Util", "CBB/Http", "control", "config", "encoding"},
     "tools/devsim": set(),
 }
-MOST_LINES = {".cpp": 300, ".h": 120}
+# Header of a library of others: the folders that may include it.
+LIBRARIES = {
+    "mongoose.h": {"CBB/Http", "CBB/WebCtrl"},
+    "mongoose.c": {"CBB/Http"},
+    "llhttp/llhttp.h": {"CBB/Http"},
+}
+MOST_LINES = {".cpp": 300, ".c": 300, ".h": 120}
 # The one class that has every endpoint as a member cannot be shorter than their list.
 LONG_LISTS = {"CBB/WebCtrl/WebCtrl.h"}
-# What is not written here, and what stands for it.
+# The files of a rule, what is not written in them, and what stands for it.
 DIALECT = [
-    (r"^static (?!_)\w", "an anonymous namespace instead of static"),
-    (r"(^ *|[;)] |else )[\w.>\[\]-]+(\+\+|--)[;)]", "++ and -- before what they change"),
+    (r"\.(cpp|h)$", r"^static (?!_)\w", "an anonymous namespace instead of static"),
+    (r"\.(cpp|c|h)$",
+     r"(^ *|[;)] |else )[\w.>\[\]-]+(\+\+|--)[;)]", "++ and -- before what they change"),
 ]
 FREE = ("tests/", "bench/", "fuzz/", "tools/")
 
@@ -48,15 +56,16 @@ def include_problems(path, text):
         target = layer_of(name)
         if layer and target and target != layer and target not in LAYERS[layer]:
             yield f"{path}: {layer} may not include {name}"
-    if re.search(r'^#include [<"]mongoose\.h', text, re.M) and layer != "CBB/WebCtrl":
-        if not path.startswith(FREE):
-            yield f"{path}: only CBB/WebCtrl may include the HTTP library"
+    for name in re.findall(r'^#include [<"]([^">]+)', text, re.M):
+        folders = LIBRARIES.get(name)
+        if folders and layer not in folders and not path.startswith(FREE):
+            yield f"{path}: only {' and '.join(sorted(folders))} may include {name}"
 
 
 def dialect_problems(path, text):
     for number, line in enumerate(text.split("\n"), 1):
-        for pattern, wanted in DIALECT:
-            if re.search(pattern, line):
+        for names, pattern, wanted in DIALECT:
+            if re.search(names, path) and re.search(pattern, line):
                 yield f"{path}:{number}: {wanted}"
 
 

@@ -1,7 +1,7 @@
 /* Preloaded into the daemon by tests: allocations that fail, a system time that jumps, and how much
    of the heap is in use. A test talks to it through a small file, named by FAULT_SHIM, that both
-   map. Only the program itself is meant, not what it starts. The layout is in tests/faults/shim.py. */
-#define _GNU_SOURCE
+   map. Only the program itself is meant, not what it starts. The layout: tests/faults/shim.py. */
+#define _GNU_SOURCE /* NOLINT: the C library's switch */
 #include <errno.h>
 #include <fcntl.h>
 #include <malloc.h>
@@ -26,9 +26,9 @@ struct shared {
 
 static struct shared* g_shared;
 
-extern void* __libc_malloc(size_t size);
-extern void* __libc_calloc(size_t count, size_t size);
-extern void* __libc_realloc(void* block, size_t size);
+extern void* __libc_malloc(size_t size);               /* NOLINT: its name */
+extern void* __libc_calloc(size_t count, size_t size); /* NOLINT: its name */
+extern void* __libc_realloc(void* block, size_t size); /* NOLINT: its name */
 
 __attribute__((constructor)) static void map_shared(void) {
   const char* path = getenv("FAULT_SHIM");
@@ -43,12 +43,12 @@ __attribute__((constructor)) static void map_shared(void) {
 static int fails(void) {
   if (g_shared == NULL || g_shared->until_failure < 0) return 0;
   if (g_shared->until_failure > 0) {
-    g_shared->until_failure--;
+    --g_shared->until_failure;
     return 0;
   }
   if (g_shared->to_fail == 0) return 0;
-  if (g_shared->to_fail > 0) g_shared->to_fail--;
-  g_shared->failed++;
+  if (g_shared->to_fail > 0) --g_shared->to_fail;
+  ++g_shared->failed;
   errno = ENOMEM;
   return 1;
 }
@@ -88,7 +88,7 @@ unsigned sleep(unsigned seconds) {
   if (g_shared != NULL) {
     struct mallinfo2 info = mallinfo2();
     g_shared->heap_in_use = (int64_t)(info.uordblks + info.hblkhd);
-    g_shared->sleeps++;
+    ++g_shared->sleeps;
   }
   return nanosleep(&left, &left) == 0 ? 0 : (unsigned)left.tv_sec;
 }

@@ -1,14 +1,13 @@
-// Requests that no browser sends, in pieces as a network may deliver them. The bytes end at a page
-// that cannot be read, so a step beyond them ends the test.
+// Requests that no browser sends, in pieces as a network may deliver them.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <random>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "CBB/WebCtrl/HttpLoop.h"
-#include "tests/unit/WebCtrl/HttpConn.h"
+#include "CBB/WebCtrl/HttpOptions.h"
+#include "tests/unit/Http/Loopback.h"
 
 namespace {
 
@@ -68,24 +67,25 @@ std::string RandomRequest(std::mt19937& random) {
   return strRequest;
 }
 
-void Deliver(CHttpConn& conn, std::string_view bytes, std::mt19937& random) {
-  while (!bytes.empty() && !conn.IsClosing()) {
+std::string Deliver(CTestServer& server, std::string_view bytes, std::mt19937& random) {
+  CTestClient client(server);
+  while (!bytes.empty()) {
     const size_t nPart = random() % 3 != 0 ? bytes.size() : 1 + random() % bytes.size();
-    conn.Receive(bytes.substr(0, nPart));
+    client.SendAll(bytes.substr(0, nPart));
     bytes.remove_prefix(nPart);
   }
-  conn.Close();
+  client.End();
+  return client.AwaitEnd();
 }
 
 TEST(HostileRequest, EndsWithWholeRepliesOrNone) {
   HttpOptions().document_root = "/no/such/folder";
   std::mt19937 random(20160301);
+  CTestServer server(&HttpEvent);
   testing::internal::CaptureStdout();
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < 3000; ++i) {
     const std::string strRequest = RandomRequest(random);
-    CHttpConn conn;
-    Deliver(conn, strRequest, random);
-    const std::string strSent = conn.Sent();
+    const std::string strSent = Deliver(server, strRequest, random);
     EXPECT_TRUE(strSent.empty() || strSent.compare(0, 9, "HTTP/1.1 ") == 0) << strRequest;
     EXPECT_LT(strSent.size(), 4096U) << strRequest;
   }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "CBB/WebCtrl/WebCtrl.h"
+#include "tests/unit/Http/ParsedRequest.h"
 #include "tests/unit/WebCtrl/Device.h"
 #include "tests/unit/WebCtrl/HttpConn.h"
 
@@ -14,7 +15,7 @@ stOutcome Ask(const std::string& strRequest,
   CWebCtrl webCtrl;
   webCtrl.SetDevice("127.0.0.1", device.Port());
   CHttpConn conn;
-  CRequest request(strRequest);
+  CParsedRequest request(strRequest);
   testing::internal::CaptureStdout();
   webCtrl.DoHttpRequeset(conn.Get(), request.Get());
   const std::string strPrinted = testing::internal::GetCapturedStdout();

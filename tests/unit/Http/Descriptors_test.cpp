@@ -1,4 +1,4 @@
-#include "CBB/Util/Descriptors.h"
+#include "CBB/Http/Descriptors.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -37,7 +37,7 @@ bool IsNull(int nFd) {
 // Writes until nothing more goes in, and returns why. Far more than any pipe or socket takes.
 int WriteUntilRefused(int nFd) {
   const std::string strText(4096, 'x');
-  for (int i = 0; i < 4096; i++) {
+  for (int i = 0; i < 4096; ++i) {
     if (write(nFd, strText.data(), strText.size()) < 0) return errno;
   }
   return 0;
@@ -141,24 +141,88 @@ TEST(GuardStdStreams, LeavesFilesAlone) {
             }));
 }
 
-TEST(CapDescriptors, LowersOnlyALimitThatIsTooHigh) {
+TEST(RaiseDescriptorLimit, RaisesAsFarAsItMay) {
   const struct {
     rlim_t nBefore;
-    rlim_t nAfter;
-  } rows[] = {{FD_SETSIZE + 1, FD_SETSIZE}, {FD_SETSIZE, FD_SETSIZE}, {64, 64}};
+    rlim_t nMost;
+    int nWanted;
+    int nAfter;
+  } rows[] = {{64, 200, 128, 128}, {64, 200, 200, 200}, {64, 200, 1000, 200},
+              {64, 200, 64, 64},   {128, 200, 64, 128}, {200, 200, 300, 200}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.nAfter, InChild([&row] {
+                const rlimit limit = {row.nBefore, row.nMost};
+                if (setrlimit(RLIMIT_NOFILE, &limit) != 0) return -1;
+                RaiseDescriptorLimit(row.nWanted);
+                return DescriptorLimit();
+              }))
+        << row.nBefore << " of " << row.nMost << ", wanted " << row.nWanted;
+  }
+}
+
+// The limit of the child process; false when it may not be had.
+bool SetLimit(int nDescriptors) {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  limit.rlim_cur = static_cast<rlim_t>(nDescriptors);
+  return setrlimit(RLIMIT_NOFILE, &limit) == 0;
+}
+
+TEST(ClientDescriptors, AreWhatTheServiceLeaves) {
+  const struct {
+    int nLimit;
+    int nClients;
+  } rows[] = {{1, 1}, {12, 1}, {13, 1}, {14, 2}, {1024, 1012}, {1025, 993}, {2100, 2068}};
   for (const auto& row : rows) {
     EXPECT_EQ(0, InChild([&row] {
-                rlimit limit{};
-                getrlimit(RLIMIT_NOFILE, &limit);
-                if (limit.rlim_max < row.nBefore) return 0;
-                limit.rlim_cur = row.nBefore;
-                setrlimit(RLIMIT_NOFILE, &limit);
-                CapDescriptors();
-                getrlimit(RLIMIT_NOFILE, &limit);
-                return limit.rlim_cur == row.nAfter ? 0 : 1;
+                if (!SetLimit(row.nLimit)) return 2;
+                return ClientDescriptors() == row.nClients ? 0 : 1;
               }))
-        << row.nBefore;
+        << row.nLimit;
   }
+}
+
+// Only where some number is too high for select.
+TEST(MoveUp, LeavesTheLowestNumbersFree) {
+  const struct {
+    int nLimit;
+    bool bMoves;
+  } rows[] = {{64, false}, {FD_SETSIZE, false}, {FD_SETSIZE + 1, true}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(0, InChild([&row] {
+                const int nLow = open("/dev/null", O_RDONLY | O_CLOEXEC);
+                if (!SetLimit(row.nLimit)) return 1;
+                const int nOther = Duplicate(nLow);
+                if ((nOther >= 32) != row.bMoves || !IsNull(nOther)) return 2;
+                const int nMoved = MoveUp(nLow);
+                if ((nMoved >= 32) != row.bMoves || !IsNull(nMoved)) return 3;
+                if ((fcntl(nMoved, F_GETFD) & FD_CLOEXEC) == 0) return 4;
+                if (row.bMoves && fcntl(nLow, F_GETFD) != -1) return 5;
+                return MoveUp(nMoved) == nMoved && MoveUp(-1) == -1 ? 0 : 6;
+              }))
+        << row.nLimit;
+  }
+}
+
+TEST(MoveUp, GivesUpWhatFindsNoPlace) {
+  EXPECT_EQ(0, InChild([] {
+              const int nLow = open("/dev/null", O_RDONLY | O_CLOEXEC);
+              if (!SetLimit(FD_SETSIZE + 1)) return 1;
+              while (Duplicate(nLow) >= 0) continue;
+              if (MoveUp(nLow) != -1) return 2;
+              return fcntl(nLow, F_GETFD) == -1 ? 0 : 3;
+            }));
+}
+
+TEST(OwnedFd, IsClosedWithItsOwner) {
+  const int nFd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  {
+    const COwnedFd owner(nFd);
+    EXPECT_EQ(nFd, owner.Get());
+    EXPECT_TRUE(IsNull(nFd));
+    const COwnedFd none(-1);
+  }
+  EXPECT_EQ(-1, fcntl(nFd, F_GETFD));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "CBB/Util/OpenInside.h"
+#include "CBB/Http/OpenInside.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "tests/unit/Http/WebRoot.h"
 
 namespace {
 
@@ -106,14 +108,14 @@ TEST_F(OpenInsideTest, FollowsAFolderThatIsALink) {
   EXPECT_FALSE(isOpened("in2/file"));
   std::filesystem::remove(strLink);
   std::filesystem::create_symlink("in2", strLink);
-  sleep(2);
+  AwaitNextSecond();
   EXPECT_TRUE(isOpened("link/file"));
   EXPECT_FALSE(isOpened("in/file"));
 }
 
 TEST_F(OpenInsideTest, NoticesAtOnceThatAFileMovesOut) {
   EXPECT_EQ("in/file", Read("in/file"));
-  usleep(20000);  // the file system's clock is a coarse one
+  AwaitNextTimeStamp();
   std::filesystem::rename(Path("in/file"), Path("moved"));
   std::filesystem::create_symlink("../moved", Path("in/file"));
   EXPECT_EQ(std::to_string(ENOENT), Read("in/file"));
@@ -132,18 +134,15 @@ TEST_F(OpenInsideTest, NoticesSoonThatAFileMovesOutWithItsFolder) {
   EXPECT_EQ("in/sub/file", Read("in/sub/file"));
   std::filesystem::rename(Path("in/sub"), Path("moved"));
   std::filesystem::create_symlink("../moved", Path("in/sub"));
-  sleep(2);
+  AwaitNextSecond();
   EXPECT_EQ(std::to_string(ENOENT), Read("in/sub/file"));
 }
 
 TEST_F(OpenInsideTest, LeavesNoDescriptorOpenForWhatItRefuses) {
-  const int nNext = open("/dev/null", O_RDONLY);
-  close(nNext);
+  const size_t nBefore = OpenDescriptors();
   Read("in");
   Read("file");
-  const int nLater = open("/dev/null", O_RDONLY);
-  close(nLater);
-  EXPECT_EQ(nNext, nLater);
+  EXPECT_EQ(nBefore, OpenDescriptors());
 }
 
 }  // namespace

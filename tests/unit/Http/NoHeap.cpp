@@ -1,4 +1,4 @@
-#include "tests/unit/WebCtrl/NoHeap.h"
+#include "tests/unit/Http/NoHeap.h"
 
 #include <cerrno>
 #include <cstddef>

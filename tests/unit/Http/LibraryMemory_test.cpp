@@ -1,7 +1,6 @@
-#include "CBB/Util/ReserveMemory.h"
+#include "CBB/Http/LibraryMemory.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstring>
@@ -9,21 +8,20 @@
 #include <string>
 #include <vector>
 
-#include "CBB/WebCtrl/HttpLoop.h"
-#include "tests/unit/WebCtrl/HttpConn.h"
-#include "tests/unit/WebCtrl/NoHeap.h"
+#include "tests/unit/Http/Loopback.h"
+#include "tests/unit/Http/NoHeap.h"
 
 namespace {
 
 constexpr size_t kSmall = 128;
 constexpr size_t kReserve = 160;
 
-class ReserveMemoryTest : public testing::Test {
+class LibraryMemoryTest : public testing::Test {
  protected:
-  ReserveMemoryTest() { TakeMemoryShortage(); }
-  ~ReserveMemoryTest() override { TakeMemoryShortage(); }
-  ReserveMemoryTest(const ReserveMemoryTest&) = delete;
-  ReserveMemoryTest& operator=(const ReserveMemoryTest&) = delete;
+  LibraryMemoryTest() { TakeMemoryShortage(); }
+  ~LibraryMemoryTest() override { TakeMemoryShortage(); }
+  LibraryMemoryTest(const LibraryMemoryTest&) = delete;
+  LibraryMemoryTest& operator=(const LibraryMemoryTest&) = delete;
 };
 
 bool IsZero(const void* pBlock, size_t nSize) {
@@ -31,7 +29,7 @@ bool IsZero(const void* pBlock, size_t nSize) {
   return std::all_of(pBytes, pBytes + nSize, [](char c) { return c == 0; });
 }
 
-TEST_F(ReserveMemoryTest, IsOrdinaryMemoryWhileThereIsSome) {
+TEST_F(LibraryMemoryTest, IsOrdinaryMemoryWhileThereIsSome) {
   void* pBlock = ReserveMalloc(8);
   pBlock = ReserveRealloc(pBlock, 100000);
   EXPECT_NE(nullptr, pBlock);
@@ -43,7 +41,7 @@ TEST_F(ReserveMemoryTest, IsOrdinaryMemoryWhileThereIsSome) {
   EXPECT_FALSE(IsMemoryShort());
 }
 
-TEST_F(ReserveMemoryTest, NotesAShortageUntilItIsTaken) {
+TEST_F(LibraryMemoryTest, NotesAShortageUntilItIsTaken) {
   EXPECT_EQ(nullptr, CNoHeap().Run([] { return ReserveMalloc(kSmall + 1); }));
   EXPECT_TRUE(IsMemoryShort());
   EXPECT_TRUE(IsMemoryShort());
@@ -57,12 +55,12 @@ TEST_F(ReserveMemoryTest, NotesAShortageUntilItIsTaken) {
   EXPECT_TRUE(TakeMemoryShortage());
 }
 
-TEST_F(ReserveMemoryTest, EmptyingABufferIsNoShortage) {
+TEST_F(LibraryMemoryTest, EmptyingABufferIsNoShortage) {
   EXPECT_EQ(nullptr, ReserveRealloc(ReserveMalloc(10), 0));
   EXPECT_FALSE(IsMemoryShort());
 }
 
-TEST_F(ReserveMemoryTest, GivesZeroedBlocksOfTheReserveAgainAndAgain) {
+TEST_F(LibraryMemoryTest, GivesZeroedBlocksOfTheReserveAgainAndAgain) {
   for (int nRound = 0; nRound < 3; ++nRound) {
     std::vector<void*> blocks(kReserve);
     CNoHeap().Run([&blocks] {
@@ -82,40 +80,33 @@ TEST_F(ReserveMemoryTest, GivesZeroedBlocksOfTheReserveAgainAndAgain) {
   }
 }
 
-// Whichever allocation fails, what is sent is a whole reply or nothing.
-TEST_F(ReserveMemoryTest, RequestIsAnsweredWholeOrNotAtAll) {
-  const std::string strRequest = "GET /get_cpu_usage HTTP/1.1\r\n\r\n";
-  int nUnanswered = 0;
-  for (int nFailing = 1;; ++nFailing) {
-    CHttpConn conn;
-    conn.Arrive(strRequest);
-    const bool bMet = CNoHeap(nFailing).Meets([&conn] { conn.Deliver(); });
-    if (!conn.IsClosing()) {
-      EXPECT_EQ("", TakeReply(conn.Sent()).strRest);
-      EXPECT_EQ(2U, TakeReply(conn.Sent()).chunks.size());
-    }
-    nUnanswered += conn.IsClosing() ? 1 : 0;
-    EXPECT_EQ(conn.IsClosing(), TakeMemoryShortage()) << nFailing;
-    if (!bMet) break;
-  }
-  EXPECT_GT(nUnanswered, 3);
+constexpr char kReply[] = "HTTP/1.1 200 OK\r\nContent-Length: 600\r\n\r\n";
+
+void Answer(mg_connection* pConn, int nEvent, void* /*pData*/) {
+  if (nEvent != MG_EV_HTTP_REQUEST) return;
+  mg_printf(pConn, "%s", kReply);
+  mg_printf(pConn, "%s", std::string(600, 'x').c_str());
 }
 
-TEST(ConnectionLimit, IsWhatTheDescriptorsLeave) {
-  rlimit before{};
-  getrlimit(RLIMIT_NOFILE, &before);
-  const struct {
-    rlim_t nDescriptors;
-    int nConnections;
-  } rows[] = {{1, 1},   {16, 1},    {17, 1},    {18, 1},    {20, 2},
-              {64, 24}, {271, 127}, {272, 128}, {1024, 128}};
-  for (const auto& row : rows) {
-    rlimit limit = before;
-    limit.rlim_cur = row.nDescriptors;
-    ASSERT_EQ(0, setrlimit(RLIMIT_NOFILE, &limit));
-    EXPECT_EQ(row.nConnections, ConnectionLimit()) << row.nDescriptors;
+// Whichever allocation fails, what is sent is a whole reply or nothing, and the server lives on.
+TEST_F(LibraryMemoryTest, RequestIsAnsweredWholeOrNotAtAll) {
+  const std::string strWhole = kReply + std::string(600, 'x');
+  CTestServer server(&Answer);
+  EXPECT_EQ(strWhole, Exchange(server, "GET / HTTP/1.1\r\n\r\n"));
+  int nUnanswered = 0;
+  for (int nFailing = 1;; ++nFailing) {
+    CTestClient client(server);
+    client.Send("GET / HTTP/1.1\r\n\r\n");
+    bool bShort = false;
+    const bool bMet = CNoHeap(nFailing).Meets([&] { bShort = server.Poll(); });
+    EXPECT_EQ(bMet, bShort) << nFailing;
+    EXPECT_EQ(bMet ? 0U : 1U, server.Connections()) << nFailing;
+    EXPECT_EQ(bMet, client.IsOver()) << nFailing;
+    EXPECT_EQ(bMet ? "" : strWhole, client.Received()) << nFailing;
+    if (!bMet) break;
+    ++nUnanswered;
   }
-  setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_GT(nUnanswered, 3);
 }
 
 }  // namespace

@@ -1,0 +1,20 @@
+// Bytes that end at a page which cannot be read: a step beyond them ends the test.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+class CGuarded {
+ public:
+  explicit CGuarded(size_t nMost);
+  ~CGuarded();
+  CGuarded(const CGuarded&) = delete;
+  CGuarded& operator=(const CGuarded&) = delete;
+
+  // Puts at most nMost bytes there, in place of those before. Returns where they begin.
+  char* Put(std::string_view bytes);
+
+ private:
+  size_t m_nData;
+  char* m_pPages;
+};

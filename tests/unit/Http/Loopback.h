@@ -1,0 +1,72 @@
+// A server on a loopback port and its clients, all on the test's thread: the server does something
+// only while it is polled, and a client knows when the server's system has its bytes.
+#pragma once
+
+#include <mongoose.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "CBB/Http/Server.h"
+
+class CTestServer {
+ public:
+  // nPlaces: how many clients it has room for; 0 for as many as the process may have.
+  explicit CTestServer(mg_event_handler_t pfnHandler, int nPlaces = 0);
+  ~CTestServer();
+  CTestServer(const CTestServer&) = delete;
+  CTestServer& operator=(const CTestServer&) = delete;
+
+  bool Poll() { return m_server.Poll(0); }
+
+  // Polls until pfnDone returns true. Records a failure when that takes too long.
+  void PollUntil(const std::function<bool()>& pfnDone);
+
+  size_t Connections() const { return m_server.Connections(); }
+  int Port() const { return m_server.Port(); }
+
+ private:
+  CServer m_server;
+};
+
+class CTestClient {
+ public:
+  // Connects, and waits until the server has accepted. nRoom: the size of its receive buffer.
+  explicit CTestClient(CTestServer& server, int nRoom = 0);
+  ~CTestClient();
+  CTestClient(const CTestClient&) = delete;
+  CTestClient& operator=(const CTestClient&) = delete;
+
+  // Sends without polling: the bytes have arrived, and the server knows nothing of them yet.
+  void Send(std::string_view bytes);
+
+  // Sends while the server takes what it wants, which may be less: it may end the connection.
+  void SendAll(std::string_view bytes);
+
+  void End();    // sends no more
+  void Reset();  // breaks the connection
+
+  // Everything that has come so far.
+  const std::string& Received();
+
+  // Polls until so many bytes have come, or the server has ended the stream.
+  const std::string& Await(size_t nBytes);
+  const std::string& AwaitEnd();
+
+  // Whether the server has ended the stream, and whether it did so by breaking the connection.
+  bool IsOver();
+  bool IsBroken();
+
+ private:
+  bool HasArrived() const;
+
+  CTestServer& m_server;
+  int m_nSock;
+  std::string m_strReceived;
+  bool m_bOver = false;
+  bool m_bBroken = false;
+};
+
+// What a client gets that sends these bytes and no more, up to the end of the connection.
+std::string Exchange(CTestServer& server, std::string_view bytes);
