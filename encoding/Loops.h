@@ -17,7 +17,9 @@ int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, int* nMe
                  G pfnEither) {
   const ptrdiff_t nCapacity = *nMembOut;
   ptrdiff_t nIn = 0, nOut = 0;
-  const auto Fits = [&] { return nLen - nIn >= kBurst * nMax && nCapacity - nOut >= kBurst; };
+  const auto Fits = [&] {
+    return nLen - nIn >= ptrdiff_t{kBurst} * nMax && nCapacity - nOut >= kBurst;
+  };
   const auto Step = [&] {
     const int nTaken = pfnEither(pInput + nIn, &pOutput[nOut]);
     nIn += nTaken;
@@ -53,7 +55,9 @@ int FromCodePoints(const uint32_t* pInput, char* pOutput, int* nMembOut, F pfnOn
   const uint32_t* const pEnd = pInput + wcslen(reinterpret_cast<const wchar_t*>(pInput));
   char* pOut = pOutput;
   char* const pLast = pOutput + *nMembOut - nMax;  // the last place where a character may begin
-  const auto Fits = [&] { return pEnd - pInput >= kBurst && pLast - pOut >= kBurst * nMax; };
+  const auto Fits = [&] {
+    return pEnd - pInput >= kBurst && pLast - pOut >= ptrdiff_t{kBurst} * nMax;
+  };
   const auto Step = [&] {
     const int nWritten = pfnEither(*pInput, pOut);
     pInput += static_cast<ptrdiff_t>(nWritten != 0);

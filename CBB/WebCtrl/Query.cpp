@@ -95,8 +95,8 @@ void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& r
 constexpr stJsonField<stVersion> kVersionJson[] = {
     {"strFD_AppVersion", Emit<&stVersion::strAppVer>}, {"strFD_KnlVersion", EmitKernelVersion}};
 
-// A whole query endpoint, traced in the name of its handler: a failed query still answers, with
-// zero and empty values.
+// A whole query endpoint: a failed query still answers, with zero and empty values.
+// Traced in the name of the handler that it does everything for.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, CWebCtrl& self, int (CWebCtrl::*pfnQuery)(R& rec),
             const stJsonField<R> (&rows)[N], const char* pszHandler = __builtin_FUNCTION()) {
