@@ -11,8 +11,8 @@ purposes="build run test ui check bench fuzz coverage cross package"
 
 packages_for() {
   case $1 in
-    # ca-certificates: package sources may be https ones.
-    build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev ca-certificates ;;
+    # node-llhttp: the request parser's sources. ca-certificates: package sources may be https ones.
+    build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev node-llhttp ca-certificates ;;
     # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
     run) echo net-tools iproute2 ;;
     # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; the last two hold

@@ -17,6 +17,12 @@ VERSIONS = [
     ("7.1", "the daemon needs 6.16 or a later one"),
     ("6.18", None),
 ]
+# (major version that the parser's header states or None for no file, text of the refusal or None)
+PARSERS = [
+    (None, "install Debian's package node-llhttp"),
+    ("7", "holds another llhttp than version 8"),
+    ("8", None),
+]
 # (text in the address table, in its place, the compiler's complaint)
 ADDRESSES = [
     ("203.0.113.101", "203.0.113.1", "pairs 1 and 2 have 13 characters"),
@@ -51,6 +57,19 @@ def library_problems(source, library, work):
             yield f"library {version}: {text}"
 
 
+def parser_problems(source, library, work):
+    for version, refusal in PARSERS:
+        folder = os.path.join(work, f"parser-{version}")
+        os.makedirs(os.path.join(folder, "llhttp"))
+        if version:
+            for name in ("llhttp.c", "http.c", "api.c", "llhttp/llhttp.h"):
+                with open(os.path.join(folder, name), "w", encoding="ascii") as file:
+                    file.write(f"#define LLHTTP_VERSION_MAJOR {version}\n")
+        code, text = configure(source, work, f"-DMONGOOSE_DIR={library}", f"-DLLHTTP_DIR={folder}")
+        if (code == 0) != (refusal is None) or (refusal or "") not in text:
+            yield f"parser {version}: {text}"
+
+
 def address_problems(source, library, work):
     with open(os.path.join(source, "CBB/WebCtrl/AddressTable.h"), encoding="ascii") as file:
         table = file.read()
@@ -69,7 +88,8 @@ def main():
     if len(sys.argv) != 3:
         sys.exit(__doc__)
     with tempfile.TemporaryDirectory() as work:
-        found = [*library_problems(*sys.argv[1:], work), *address_problems(*sys.argv[1:], work)]
+        found = [problem for check in (library_problems, parser_problems, address_problems)
+                 for problem in check(*sys.argv[1:], work)]
     sys.exit("\n".join(found) or None)
 
 

@@ -33,7 +33,7 @@ void* __wrap_calloc(size_t nCount, size_t nSize) {  // NOLINT
   return Fails() ? nullptr : __real_calloc(nCount, nSize);
 }
 void* __wrap_realloc(void* pBlock, size_t nSize) {  // NOLINT
-  return Fails() ? nullptr : __real_realloc(pBlock, nSize);
+  return nSize != 0 && Fails() ? nullptr : __real_realloc(pBlock, nSize);
 }
 }
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -55,7 +54,7 @@ void CWebRoot::Serve(mg_connection* pConn, int nEvent, void* pData) {
 }
 
 void AwaitNextSecond() {
-  for (const time_t now = time(nullptr); now == time(nullptr);) sched_yield();
+  for (const time_t now = time(nullptr); now == time(nullptr);) usleep(1000);
 }
 
 void AwaitNextTimeStamp() {
