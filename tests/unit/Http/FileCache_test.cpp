@@ -123,7 +123,7 @@ TEST_F(FileCacheTest, TakesThePackedFormBeside) {
     const auto pFile = Add("a.css", false);
     ASSERT_EQ(row.bHasPacked, pFile->bHasPacked) << row.pszCase;
     EXPECT_EQ(row.bHasPacked ? 6U : 4U, pFile->Bytes()) << row.pszCase;
-    EXPECT_EQ("\"56d4db80.4\"", pFile->plain.strTag);
+    EXPECT_EQ("\"56d4db80.4.bde64e3e\"", pFile->plain.strTag);
     EXPECT_NE(pFile->plain.strTag, pFile->packed.strTag);
   }
 }
@@ -194,6 +194,17 @@ TEST_F(FileCacheTest, LeavesNoDescriptorOpen) {
   AwaitNextSecond();
   EXPECT_EQ("text", Kept("a.css"));
   EXPECT_EQ(nBefore, OpenDescriptors());
+}
+
+TEST_F(FileCacheTest, TellsVersionsOfOneLengthAndDateApart) {
+  std::string strBefore;
+  for (const char* pszText : {"old!", "new!"}) {
+    Write("a.css", pszText);
+    SetTime("a.css", kTime);
+    const std::string strTag = Add("a.css", false)->plain.strTag;
+    EXPECT_NE(strBefore, strTag);
+    strBefore = strTag;
+  }
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ TEST(RequestRefusals, TellTheStatus) {
       {"POST / HTTP/1.1\r\nContent-Length: 1.0\r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length: one\r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length:\r\n\r\n", 400},
-      {"POST / HTTP/1.1\r\nContent-Length: 18446744073709551616\r\n\r\n", 400},
+      {"POST / HTTP/1.1\r\nContent-Length: 18446744073709551616\r\n\r\n", 413},
       {"POST / HTTP/1.1\r\nContent-Length: 9999999\r\n\r\n", 413},
       // Codings.
       {"POST / HTTP/1.1\r\nContent-Length: 3\r\nTransfer-Encoding: chunked\r\n\r\n", 400},
