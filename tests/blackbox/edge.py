@@ -110,11 +110,11 @@ CONTINUE = b"HTTP/1.1 100 Continue\r\n\r\n"
 class EdgeClient(Client):
     """A client that knows what it asked for, cuts what it sends and tells a reset from an end."""
 
-    def __init__(self, patience=1):
-        super().__init__()
+    def __init__(self, port=80, patience=1):
+        super().__init__(port=port)
         self._sock.settimeout(patience)
         self._sock.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self._port = self._sock.getsockname()[1]
+        self._ends = [f":{sock()[1]:04X}" for sock in (self._sock.getpeername, self._sock.getsockname)]
 
     def send_cut(self, data, places):
         """In pieces that the daemon reads one by one."""
@@ -125,13 +125,13 @@ class EdgeClient(Client):
                 wait_until(self._is_read, "the daemon to read")
 
     def _is_read(self):
-        """Whether the daemon has taken all that was sent, or has no such connection any more."""
+        """Whether the server has taken all that was sent, or has no such connection any more."""
         with open("/proc/net/tcp", encoding="ascii") as file:
             rows = [line.split() for line in file.readlines()[1:]]
-        mine = [r for r in rows if r[1].endswith(":0050") and r[2].endswith(f":{self._port:04X}")]
-        theirs = [r for r in rows if r[1].endswith(f":{self._port:04X}") and r[2].endswith(":0050")]
-        queues = [row[4].split(":")[1] for row in mine] + [row[4].split(":")[0] for row in theirs]
-        return all(int(queue, 16) == 0 for queue in queues)
+        ends = {(row[1][-5:], row[2][-5:]): row[4].split(":") for row in rows}
+        server, client = self._ends
+        (_, received), (sent, _) = ends.get((server, client), "00"), ends.get((client, server), "00")
+        return int(received, 16) == int(sent, 16) == 0
 
     def read_head(self):
         return self._until(b"\r\n\r\n")

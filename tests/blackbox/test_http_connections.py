@@ -53,7 +53,7 @@ LASTING = [
     ("1.0", ["Connection: te"], CLOSED),
     ("1.0", ["Connection: close"], CLOSED),
     ("1.0", ["Connection: keep-alive, close"], CLOSED),
-    ("1.0", ["Keep-Alive: timeout=5"], CLOSED),
+    ("1.0", ["Keep-Alive: max=5"], CLOSED),
     ("1.0", ["Proxy-Connection: keep-alive"], CLOSED),
 ]
 LASTS = pytest.mark.parametrize(

@@ -108,7 +108,7 @@ SERVED_HEADS = [
     carried_out("a name in small letters", set_number(LENGTH.lower())),
     carried_out("one name twice", with_line("X: a\r\nX: b")),
     carried_out("60 lines", set_number(*(f"X-{k}: {k}" for k in range(58)), LENGTH)),
-    carried_out("300 lines", set_number(*(f"X-{k}: {k}" for k in range(298)), LENGTH)),
+    carried_out("100 lines", set_number(*(f"X-{k}: {k}" for k in range(98)), LENGTH)),
     carried_out("a value of 7,000 characters", with_line("Cookie: " + "c" * 7000)),
     carried_out("an unknown protocol to change to", with_line("Connection: Upgrade\r\nUpgrade: h2c")),
     carried_out("no Host line", head("POST /set_DeviceNo HTTP/1.1", LENGTH) + NUMBER_FORM.encode()),
