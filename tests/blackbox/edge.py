@@ -8,9 +8,9 @@ kept, the good request is answered next. The device counts what was carried out.
 import contextlib
 import re
 import socket
+import time
 from collections import namedtuple
 
-from daemon import wait_until
 from device import change
 from http_client import Client, get, post
 
@@ -110,28 +110,32 @@ CONTINUE = b"HTTP/1.1 100 Continue\r\n\r\n"
 class EdgeClient(Client):
     """A client that knows what it asked for, cuts what it sends and tells a reset from an end."""
 
-    def __init__(self, port=80, patience=1):
+    def __init__(self, port=80, patience=10):
         super().__init__(port=port)
         self._sock.settimeout(patience)
         self._sock.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self._ends = [f":{sock()[1]:04X}" for sock in (self._sock.getpeername, self._sock.getsockname)]
+        server, client = (end[1] for end in (self._sock.getpeername(), self._sock.getsockname()))
+        # Something in the server's queue of what came, or in ours of what has to go.
+        self._unread = [
+            re.compile(rb":%04X \w+:%04X \w\w \w{8}:(?!0{8})" % (server, client)),
+            re.compile(rb":%04X \w+:%04X \w\w (?!0{8})" % (client, server)),
+        ]
 
     def send_cut(self, data, places):
-        """In pieces that the daemon reads one by one."""
+        """In pieces that the server reads one by one."""
         ends = sorted({place for place in places if 0 < place < len(data)} | {len(data)})
         for begin, end in zip([0, *ends], ends):
             self.send(data[begin:end])
-            if end < len(data):
-                wait_until(self._is_read, "the daemon to read")
+            deadline = time.monotonic() + self._sock.gettimeout()
+            while end < len(data) and not self._is_read():
+                assert time.monotonic() < deadline, "the server does not read"
+                time.sleep(0.0002)
 
     def _is_read(self):
         """Whether the server has taken all that was sent, or has no such connection any more."""
-        with open("/proc/net/tcp", encoding="ascii") as file:
-            rows = [line.split() for line in file.readlines()[1:]]
-        ends = {(row[1][-5:], row[2][-5:]): row[4].split(":") for row in rows}
-        server, client = self._ends
-        (_, received), (sent, _) = ends.get((server, client), "00"), ends.get((client, server), "00")
-        return int(received, 16) == int(sent, 16) == 0
+        with open("/proc/net/tcp", "rb") as file:
+            rows = file.read()
+        return not any(unread.search(rows) for unread in self._unread)
 
     def read_head(self):
         return self._until(b"\r\n\r\n")
