@@ -50,8 +50,9 @@ def test_refusal_and_end_come_while_the_client_is_silent(rig, request_bytes, sta
         assert client.read_end() == b""
 
 
-@EACH
-def test_refused_client_that_sends_on_and_on_loses_its_connection(rig, request_bytes, status):
+@pytest.mark.parametrize("what", ["a broken head", "a length above the limit", "a long head"])
+def test_refused_client_that_sends_on_and_on_loses_its_connection(rig, what):
+    request_bytes, status = REFUSED[what]
     before = rig.daemon.count_idle_descriptors()
     with EdgeClient() as client:
         client.send(request_bytes)

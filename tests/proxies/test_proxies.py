@@ -105,6 +105,7 @@ def check(rig, passages):
 def test_daemon_carries_out_what_the_proxy_sent(rig, relay, proxy, case, cut):
     data = CASES[case]
     head = data.find(b"\r\n\r\n")
+    relay.end_passages()
     rig.device.play()
     rig.daemon.mark()
     hostile(data, [head // 2, head + 2, head + 4, head + 10] if cut else [])
