@@ -15,10 +15,12 @@ packages_for() {
     build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev node-llhttp ca-certificates ;;
     # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
     run) echo net-tools iproute2 ;;
-    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; the last two hold
-    # docs/openapi.yaml to its schema, which comes with the node modules.
+    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; yaml and jsonschema
+    # hold docs/openapi.yaml to its schema, which comes with the node modules; the last three are the
+    # proxies that the daemon is tried behind.
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
-      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema ;;
+      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema nginx-light haproxy \
+      lighttpd ;;
     # A font for the Chinese screenshots.
     ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;

@@ -52,7 +52,7 @@ def test_uri_that_differs_from_every_endpoint_goes_to_the_files(rig, uri):
 def test_static_file_is_served_whole(rig):
     reply = fetch(rig, "/page.css")
     assert reply.head.startswith(b"HTTP/1.1 200 OK\r\n")
-    assert b"\r\nContent-Type: text/css\r\n" in reply.head
+    assert b"\r\nContent-Type: text/css; charset=utf-8\r\n" in reply.head
     assert reply.body == b"body { color: page }"
     rig.daemon.stdout.expect(START, FILES)
 
@@ -143,7 +143,7 @@ BODIES = [
         [CHINESE],
     ),
     (
-        "so does an unknown method",
+        "so does another method",
         b"PATCH /set_LangInfo HTTP/1.1\r\nContent-Length: 14\r\n\r\nstrLanguage=CN",
         [CHINESE],
     ),

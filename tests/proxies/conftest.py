@@ -1,0 +1,47 @@
+"""The rig of tests/blackbox with a relay in front of the daemon, and a proxy in front of that."""
+
+import importlib.util
+import os
+import sys
+
+_HERE = os.path.dirname(os.path.abspath(__file__))
+_RIG = os.path.join(os.path.dirname(_HERE), "blackbox")
+sys.path.insert(0, _RIG)
+
+# Both files are called conftest, so that one goes by another name here.
+_spec = importlib.util.spec_from_file_location("rig_conftest", os.path.join(_RIG, "conftest.py"))
+_rig = importlib.util.module_from_spec(_spec)
+_spec.loader.exec_module(_rig)
+globals().update({name: value for name, value in vars(_rig).items() if not name.startswith("_")})
+
+import pytest  # noqa: E402
+from fronts import FRONTS, front, program  # noqa: E402
+from relay import Relay  # noqa: E402
+
+_PROXIES = os.environ.get("PROXIES", "").split() or list(FRONTS)
+
+
+def pytest_generate_tests(metafunc):
+    if "proxy" in metafunc.fixturenames:
+        metafunc.parametrize("proxy", _PROXIES, indirect=True, scope="module")
+
+
+def pytest_sessionfinish(session):
+    _rig.pytest_sessionfinish(session)
+    if session.exitstatus == pytest.ExitCode.OK and not any(map(program, _PROXIES)):
+        session.exitstatus = 77  # what CTest takes for "skipped"
+
+
+@pytest.fixture(scope="module")
+def relay(daemon):
+    relay = Relay()
+    yield relay
+    relay.close()
+
+
+@pytest.fixture(scope="module")
+def proxy(request, relay, tmp_path_factory):
+    if not program(request.param):
+        pytest.skip(f"{FRONTS[request.param][1][0]} is not installed")
+    with front(request.param, str(tmp_path_factory.mktemp(request.param))):
+        yield request.param
