@@ -200,7 +200,7 @@ TEST_F(FileCacheTest, TellsVersionsOfOneLengthAndDateApart) {
   std::string strBefore;
   for (const char* pszText : {"old!", "new!"}) {
     Write("a.css", pszText);
-    SetTime("a.css", kTime);
+    SetTime("a.css", 1456790400);
     const std::string strTag = Add("a.css", false)->plain.strTag;
     EXPECT_NE(strBefore, strTag);
     strBefore = strTag;
