@@ -19,8 +19,9 @@ MEBIBYTE = 1 << 20
 CLIENTS = 1000
 STYLE = b"body { color: page }"
 HALF_HEAD = b"GET /page.css HTTP/1.1\r\nHost: re"
-# What all clients together may make the service hold, and what its keeping costs beside that.
-HELD, ALLOCATOR, GIVEN_BACK = 8 * MEBIBYTE, 4 * MEBIBYTE, 2 * MEBIBYTE
+# What all clients together may make the service hold; the pieces between that the allocator cannot
+# use meanwhile; what may be left when they have gone.
+HELD, ALLOCATOR, GIVEN_BACK = 8 * MEBIBYTE, 8 * MEBIBYTE, 2 * MEBIBYTE
 # One exchange with a device that does not answer, and what a machine may take beside it.
 EXCHANGE_SEC, SLACK_SEC = 5, 1.5
 
