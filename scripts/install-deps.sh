@@ -19,8 +19,9 @@ packages_for() {
     # docs/openapi.yaml to its schema, which comes with the node modules.
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
       libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema ;;
-    # A font for the Chinese screenshots.
-    ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
+    # A browser of today and one of 2020 (tests/ui/old_engine.py); a font for Chinese pages.
+    ui) echo chromium python3-pyqt5.qtwebengine fonts-wqy-microhei net-tools iproute2 \
+      "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
     bench) echo libbenchmark-dev wrk lighttpd busybox libfcgi-dev valgrind ;;
     coverage) echo gcovr ;;

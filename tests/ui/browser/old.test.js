@@ -1,0 +1,76 @@
+// The browser of an old in-cab terminal (Chromium 87): the pages work there, too.
+import assert from 'node:assert/strict';
+import {join} from 'node:path';
+import test, {after, before} from 'node:test';
+import {OldEngine} from '../old_engine.js';
+import {kPassword, Pair, pictures} from '../pair.js';
+import {kPages} from '../rig.js';
+
+let pair;
+let engine;
+before(async () => {
+  pair = new Pair();
+  await pair.startDevice();
+  await pair.startDaemon();
+  engine = new OldEngine(pair.dir, 'en');
+});
+after(async () => {
+  await engine.stop();
+  await pair.stop();
+});
+
+const shown = (name) => engine.until((wanted) =>
+  !!document.querySelector(`main[data-page="${wanted}"][aria-busy="false"]`), name);
+
+async function picture(name) {
+  const folder = pictures();
+  if (folder) await engine.grab(join(folder, `${name}-old-engine.png`));
+}
+
+test('it is as old as it should be', async () => {
+  await engine.goto(`${pair.url}/login.html`);
+  const agent = await engine.run(() => navigator.userAgent);
+  assert.match(agent, /Chrome\/8\d\./);
+});
+
+test('sign-in with the keyboard', async () => {
+  await engine.run(() => { localStorage['language.chosen'] = 'en'; });
+  await engine.goto(`${pair.url}/login.html`);
+  await engine.click('#password');
+  await engine.type(kPassword);
+  assert.equal(await engine.run(() => document.querySelector('#password').value), kPassword);
+  await picture('login');
+  await engine.click('button[type=submit]');
+  await shown('status');
+});
+
+test('each page shows what the recorder holds', async () => {
+  const known = {status: '80012345', device: '80012345', network: 'CMNET', platforms: '203.0.113.28'};
+  for (const name of kPages) {
+    await engine.click(`nav a[href="#/${name}"]`);
+    await shown(name);
+    await picture(name);
+    const text = await engine.run(() => {
+      const main = document.querySelector('main');
+      const inputs = [...main.querySelectorAll('input, select')].map((node) => node.value);
+      return [main.innerText, ...inputs].join(' ');
+    });
+    if (known[name]) assert.ok(text.includes(known[name]), `${name}: ${text}`);
+    assert.ok(text.length > 50, name);
+  }
+});
+
+test('a save arrives', async () => {
+  await engine.click('nav a[href="#/network"]');
+  await shown('network');
+  await engine.click('[name="stMobileGNet/strFD_Apn"]');
+  await engine.run(() => document.querySelector('[name="stMobileGNet/strFD_Apn"]').select());
+  await engine.type('fleet');
+  await engine.click('#mobile button.main');
+  await engine.click('dialog[open] button.main, .dialog button.main');
+  await engine.until(() =>
+    document.querySelector('#mobile [role=status]').dataset.end === 'applied');
+  assert.equal(pair.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+});
+
+test('no script failed', () => assert.deepEqual(engine.errors, []));
