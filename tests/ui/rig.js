@@ -74,8 +74,10 @@ export async function type(page, password) {
 }
 
 // The page with all that it has read.
-export const shown = (page, name) =>
-  page.locator(`main[data-page="${name}"][aria-busy="false"]`).waitFor();
+export const shown = (page, name) => page.waitForFunction((wanted) => {
+  const main = document.querySelector(`main[data-page="${wanted}"]`);
+  return main && main.children.length > 2 && !main.querySelector('.skeleton');
+}, name);
 
 // Opens a page by its address, from the server.
 export async function visit(rig, page, name) {
@@ -90,28 +92,43 @@ export async function go(page, name) {
   await shown(page, name);
 }
 
-export const field = (page, path) => page.locator(`[name="${path}"]`);
-export async function error(page, path) {
-  await page.locator(`[name="${path}"][aria-invalid="true"]`).waitFor();
-  const ids = await field(page, path).getAttribute('aria-describedby');
-  return page.locator(ids.split(' ').map((id) => `[id="${id}"]`).join(',')).allInnerTexts()
-      .then((texts) => texts.join(' '));
-}
-export const line = (page, id) => page.locator(`#${id} [role=status]`);
+export const section = (page, id) => page.locator(`[data-section="${id}"]`);
+export const fieldRow = (page, path) => page.locator(`[data-field="${path}"]`);
+export const field = (page, path) => fieldRow(page, path).locator('input, select').first();
+export const health = (page, state) => page.locator(`[data-health="${state}"]`);
+export const dialog = (page) => page.locator('[role=dialog]');
+export const agree = (page) => dialog(page).locator('.main').click();
+export const cancel = (page) => page.keyboard.press('Escape');
+
+// What is said below a form.
+export const line = (page, id) => section(page, id).locator('.status').last();
 export const words = (page, id) => line(page, id).innerText();
-export const health = (page, state) => page.locator(`#health[data-state="${state}"]`);
+export const button = (page, id, action) =>
+  section(page, id).locator(action === 'save' ? '.main' : `[data-action="${action}"]`);
+
+// The field that has the focus, by its path.
+export const focused = (page) => page.evaluate(() => {
+  const row = document.activeElement.closest('[data-field]');
+  return row ? row.dataset.field : null;
+});
+
+// What is told at a field that is wrong.
+export async function error(page, path) {
+  await fieldRow(page, path).locator('[aria-invalid="true"]').waitFor();
+  return fieldRow(page, path).locator('.error').innerText();
+}
 
 // Presses the button that saves. The line begins anew: what ended() sees is the answer.
 export async function press(page, id) {
-  await line(page, id).evaluate((node) => node.removeAttribute('data-end'));
-  await page.click(`#${id} button.main`);
+  await line(page, id).evaluate((node) => node.removeAttribute('data-note'));
+  await button(page, id, 'save').click();
 }
 
-// Waits for a save's end and gives its name.
+// Waits for what is said at the end and gives its name: 'applied', 'refused', 'elsewhere' ...
 export async function ended(page, id) {
-  const node = page.locator(`#${id} [role=status][data-end]:not([data-end=""])`);
+  const node = section(page, id).locator('.status[data-note]').last();
   await node.waitFor();
-  return node.getAttribute('data-end');
+  return node.getAttribute('data-note');
 }
 
 // Saves as a user does: the button, the list of changes, the end.
@@ -121,22 +138,18 @@ export async function save(page, id) {
   return ended(page, id);
 }
 
-export const agree = (page) => page.click('dialog[open] button.main');
-
 // Puts a value into whatever kind of control the field has.
 export async function put(page, path, value) {
   const input = field(page, path);
-  const kind = await input.first().evaluate((node) => node.type);
+  const kind = await input.evaluate((node) => node.type);
   if (kind === 'checkbox') await input.setChecked(value === '1');
-  else if (kind === 'radio') await page.check(`[name="${path}"][value="${value}"]`);
   else if (kind === 'select-one') await input.selectOption(value);
   else await input.fill(value);
 }
 
 export async function get(page, path) {
   const input = field(page, path);
-  const kind = await input.first().evaluate((node) => node.type);
-  if (kind === 'radio') return page.locator(`[name="${path}"]:checked`).inputValue();
+  const kind = await input.evaluate((node) => node.type);
   return kind === 'checkbox' ? String(Number(await input.isChecked())) : input.inputValue();
 }
 

@@ -22,7 +22,7 @@ after(async () => {
 
 const line = () => page.locator('#import [role=status]');
 const row = (words) => page.locator('#import tr', {hasText: words});
-const send = page => page.click('#import button.main');
+const send = page => button(page, 'import', 'save').click();
 
 async function choose(name, text) {
   await page.setInputFiles('#import input[type=file]',
@@ -31,13 +31,13 @@ async function choose(name, text) {
 
 async function exportFile() {
   const [download] = await Promise.all([
-    page.waitForEvent('download'), page.click('#export button.main'),
+    page.waitForEvent('download'), button(page, 'export', 'save').click(),
   ]);
   return {name: download.suggestedFilename(), text: readFileSync(await download.path(), 'utf8')};
 }
 
 async function bring() {
-  await line().evaluate((node) => node.removeAttribute('data-end'));
+  await line().evaluate((node) => node.removeAttribute('data-note'));
   await send(page);
   await agree(page);
   return ended(page, 'import');
@@ -164,16 +164,16 @@ async function arrive(address) {
 test('the recorder\'s new address is said before, and followed', async () => {
   await visit(rig, page, 'network');
   await put(page, 'stLocalEth0/uiFD_LocalIp', '192.168.1.89');
-  await page.click('#localEth0 button.main');
-  assert.match(await page.locator('dialog[open]').innerText(), /192\.168\.1\.89/);
+  await button(page, 'localEth0', 'save').click();
+  assert.match(await dialog(page).innerText(), /192\.168\.1\.89/);
   await page.keyboard.press('Escape');
   assert.equal(rig.setting('stLocalEth0', 'uiFD_LocalIp'), rig.address);
   await rig.fault('for=set result:1');
-  await page.click('#localEth0 button.main');
+  await button(page, 'localEth0', 'save').click();
   await agree(page);
   assert.equal(await ended(page, 'localEth0'), 'refused');
   await rig.clear();
-  await page.click('#localEth0 button.main');
+  await button(page, 'localEth0', 'save').click();
   await agree(page);
   await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.89', 'the set');
   await arrive('192.168.1.89');
@@ -185,7 +185,7 @@ test('an import that moves the recorder is followed', async () => {
   const {text} = await exportFile();
   await choose('moved.xml', text.replace('"192.168.1.88"', '"192.168.1.90"'));
   await send(page);
-  assert.match(await page.locator('dialog[open]').innerText(), /192\.168\.1\.90/);
+  assert.match(await dialog(page).innerText(), /192\.168\.1\.90/);
   await agree(page);
   await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.90', 'the set');
   await arrive('192.168.1.90');

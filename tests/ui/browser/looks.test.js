@@ -6,7 +6,10 @@ import {createRequire} from 'node:module';
 import {join} from 'node:path';
 import test, {after, before} from 'node:test';
 import {pictures} from '../pair.js';
-import {go, kCab, kDesk, kPages, kPhone, press, put, Rig, shown} from '../rig.js';
+import {
+  button, dialog, ended, error, focused, go, health, kCab, kDesk, kPages, kPhone, press, put, Rig,
+  shown, until,
+} from '../rig.js';
 
 const kAxe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const kZoomed = {width: kDesk.width / 2, height: kDesk.height / 2};  // the desk's at 200 %
@@ -109,19 +112,19 @@ test('errors, the list of changes and the banner are accessible too', async () =
   const page = await rig.enter({size: kPhone});
   await go(page, 'network');
   await put(page, 'stWifi/strFD_SSID', '车'.repeat(16));
-  await page.click('#wifi button.main');
-  await page.locator('[name="stWifi/strFD_SSID"][aria-invalid="true"]').waitFor();
+  await button(page, 'wifi', 'save').click();
+  await error(page, 'stWifi/strFD_SSID');
   assert.deepEqual(await violations(page), []);
   await shoot(page, 'error-phone-en-light');
   await put(page, 'stWifi/strFD_SSID', 'depot');
   await press(page, 'wifi');
-  await page.locator('dialog[open]').waitFor();
+  await dialog(page).waitFor();
   assert.deepEqual(await violations(page), []);
   await shoot(page, 'review-phone-en-light');
   await page.keyboard.press('Escape');
   await rig.fault('silent');
   await page.evaluate(() => { location.hash = '#/video'; });
-  await page.locator('#health[data-state="deviceSilent"]').waitFor();
+  await health(page, 'deviceSilent').waitFor();
   assert.deepEqual(await violations(page), []);
   await shoot(page, 'silent-phone-en-light');
   await rig.clear();
@@ -147,7 +150,7 @@ test('the keyboard alone signs in, goes to a page, changes a setting and saves i
   const page = await rig.open();
   await page.goto(`${rig.url}/login.html`);
   await page.locator('#password').waitFor();
-  const focused = (property) => page.evaluate((name) => document.activeElement[name] || '', property);
+  const active = (property) => page.evaluate((name) => document.activeElement[name] || '', property);
   const tabTo = async (there) => {
     for (let steps = 0; steps < 120; steps++) {
       if (await there()) return;
@@ -155,25 +158,25 @@ test('the keyboard alone signs in, goes to a page, changes a setting and saves i
     }
     assert.fail(`never reached: ${there}`);
   };
-  await tabTo(async () => await focused('id') === 'password');
+  await tabTo(async () => await active('id') === 'password');
   await page.keyboard.type('admin123');
   await page.keyboard.press('Enter');
   await shown(page, 'status');
   await page.evaluate(() => document.activeElement.blur());
   await page.keyboard.press('Tab');
-  assert.match(await focused('textContent'), /skip/i);
-  await tabTo(async () => (await focused('hash')) === '#/video');
+  assert.match(await active('textContent'), /skip/i);
+  await tabTo(async () => await active('hash') === '#/video');
   await page.keyboard.press('Enter');
   await shown(page, 'video');
-  await tabTo(async () => await focused('name') === 'stVideoMirror/stVideoMirrorPara/VChn_0/ucFD_LeftRight');
+  await tabTo(async () => await focused(page) === 'stVideoMirror/stVideoMirrorPara/VChn_0/ucFD_LeftRight');
   await page.keyboard.press('Space');
-  await tabTo(async () => await focused('name') === 'stSubStream/ucFD_FrameRate');
+  await tabTo(async () => await focused(page) === 'stSubStream/ucFD_FrameRate');
   await page.keyboard.press('Control+a');
   await page.keyboard.type('9');
   await page.keyboard.press('Enter');
-  await page.locator('dialog[open]').waitFor();
+  await dialog(page).waitFor();
   await page.keyboard.press('Enter');
-  await page.locator('#subStream [role=status][data-end="applied"]').waitFor();
+  await until(async () => await ended(page, 'subStream') === 'applied', 'the save');
   assert.equal(rig.setting('stSubStream', 'ucFD_FrameRate'), '9');
   await page.context().close();
 });

@@ -19,8 +19,10 @@ after(async () => {
   await pair.stop();
 });
 
-const shown = (name) => engine.until((wanted) =>
-  !!document.querySelector(`main[data-page="${wanted}"][aria-busy="false"]`), name);
+const shown = (name) => engine.until((wanted) => {
+  const main = document.querySelector(`main[data-page="${wanted}"]`);
+  return !!main && main.children.length > 2 && !main.querySelector('.skeleton');
+}, name);
 
 async function picture(name) {
   const folder = pictures();
@@ -47,7 +49,7 @@ test('sign-in with the keyboard', async () => {
 test('each page shows what the recorder holds', async () => {
   const known = {status: '80012345', device: '80012345', network: 'CMNET', platforms: '203.0.113.28'};
   for (const name of kPages) {
-    await engine.click(`nav a[href="#/${name}"]`);
+    await engine.click(`nav a[data-page="${name}"]`);
     await shown(name);
     await picture(name);
     const text = await engine.run(() => {
@@ -61,15 +63,16 @@ test('each page shows what the recorder holds', async () => {
 });
 
 test('a save arrives', async () => {
-  await engine.click('nav a[href="#/network"]');
+  await engine.click('nav a[data-page="network"]');
   await shown('network');
-  await engine.click('[name="stMobileGNet/strFD_Apn"]');
-  await engine.run(() => document.querySelector('[name="stMobileGNet/strFD_Apn"]').select());
+  const input = '[data-field="stMobileGNet/strFD_Apn"] input';
+  await engine.click(input);
+  await engine.run((selector) => document.querySelector(selector).select(), input);
   await engine.type('fleet');
-  await engine.click('#mobile button.main');
-  await engine.click('dialog[open] button.main, .dialog button.main');
+  await engine.click('[data-section="mobile"] .main');
+  await engine.click('[role=dialog] .main');
   await engine.until(() =>
-    document.querySelector('#mobile [role=status]').dataset.end === 'applied');
+    !!document.querySelector('[data-section="mobile"] [data-note="applied"]'));
   assert.equal(pair.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
 });
 

@@ -2,7 +2,8 @@
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
-  agree, ended, field, health, line, press, put, Rig, save, shown, until, visit, words,
+  agree, button, cancel, dialog, ended, field, focused, health, line, press, put, Rig, save, shown,
+  until, visit, words,
 } from '../rig.js';
 
 const kForm = 'mobile';
@@ -25,8 +26,7 @@ after(async () => {
 
 const apn = () => field(page, 'stMobileGNet/strFD_Apn');
 const stored = (name = 'strFD_Apn') => rig.setting(kSection, name);
-const discard = () => page.click(`#${kForm} button.discard`);
-const focused = () => page.evaluate(() => document.activeElement.name);
+const discard = () => button(page, kForm, 'discard').click();
 
 async function send(value) {
   await apn().fill(value);
@@ -48,9 +48,9 @@ test('applied: steps with numbers and seconds, then read back; two clicks make o
     async () => {
       await apn().fill('fleet');
       const sets = rig.sets();
-      await line(page, kForm).evaluate((node) => node.removeAttribute('data-end'));
-      await page.locator(`#${kForm} button.main`).dblclick();
-      await page.locator('dialog[open] button.main').dblclick();
+      await line(page, kForm).evaluate((node) => node.removeAttribute('data-note'));
+      await button(page, kForm, 'save').dblclick();
+      await dialog(page).locator('.main').dblclick();
       await line(page, kForm).filter({hasText: /\d ?\/ ?\d.*\d+ s/s}).waitFor();
       assert.equal(await ended(page, kForm), 'applied');
       assert.equal(stored(), 'fleet');
@@ -61,12 +61,12 @@ test('applied: steps with numbers and seconds, then read back; two clicks make o
 test('a value that equals the recorder\'s is no change, and nothing is sent', async () => {
   const sets = rig.sets();
   await apn().fill('fleet');
-  await page.locator(`#${kForm} button.discard`).waitFor();
+  await button(page, kForm, 'discard').waitFor();
   await apn().fill('CMNET');
-  await page.locator(`#${kForm} button.discard`).waitFor({state: 'hidden'});
+  await button(page, kForm, 'discard').waitFor({state: 'detached'});
   await page.keyboard.press('Control+s');
   assert.equal(rig.sets(), sets);
-  assert.equal(await page.locator('dialog[open]').count(), 0);
+  assert.equal(await dialog(page).count(), 0);
 });
 
 test('before sending stands the list of changes, in words, without secrets; Escape sends nothing',
@@ -75,11 +75,11 @@ test('before sending stands the list of changes, in words, without secrets; Esca
       await field(page, 'stMobileGNet/strFD_UserPasswd').fill('geheim');
       const sets = rig.sets();
       await press(page, kForm);
-      const list = await page.locator('dialog[open]').innerText();
+      const list = await dialog(page).innerText();
       assert.match(list, /CMNET[^]*fleet/);
       assert.doesNotMatch(list, /geheim|strFD_|\bcard\b/);
-      await page.keyboard.press('Escape');
-      await page.locator('dialog[open]').waitFor({state: 'detached'});
+      await cancel(page);
+      await dialog(page).waitFor({state: 'detached'});
       assert.equal(rig.sets(), sets);
       assert.equal(await apn().inputValue(), 'fleet');
       await discard();
@@ -88,13 +88,13 @@ test('before sending stands the list of changes, in words, without secrets; Esca
 test('Ctrl-S saves from within a field, Enter agrees, and the focus returns to the field',
     async () => {
       await apn().fill('fleet');
-      await line(page, kForm).evaluate((node) => node.removeAttribute('data-end'));
+      await line(page, kForm).evaluate((node) => node.removeAttribute('data-note'));
       await page.keyboard.press('Control+s');
-      await page.locator('dialog[open]').waitFor();
+      await dialog(page).waitFor();
       await page.keyboard.press('Enter');
       assert.equal(await ended(page, kForm), 'applied');
       assert.equal(stored(), 'fleet');
-      await until(async () => await focused() === 'stMobileGNet/strFD_Apn', 'the focus in the field');
+      await until(async () => await focused(page) === 'stMobileGNet/strFD_Apn', 'the focus in the field');
     });
 
 test('after a save the former values can be restored', async () => {
@@ -102,8 +102,8 @@ test('after a save the former values can be restored', async () => {
   await put(page, 'stMobileGNet/strFD_PhoneNo', '*98#');
   assert.equal(await save(page, kForm), 'applied');
   assert.deepEqual([stored(), stored('strFD_PhoneNo')], ['fleet', '*98#']);
-  await line(page, kForm).evaluate((node) => node.removeAttribute('data-end'));
-  await page.click(`#${kForm} button.restore`);
+  await line(page, kForm).evaluate((node) => node.removeAttribute('data-note'));
+  await button(page, kForm, 'restore').click();
   await agree(page);
   assert.equal(await ended(page, kForm), 'applied');
   assert.deepEqual([stored(), stored('strFD_PhoneNo')], ['CMNET', '*99#']);
@@ -158,7 +158,7 @@ test('a reload in mid-save: what the recorder has is not called unsaved', async 
   await shown(page, 'network');
   assert.equal(await apn().inputValue(), 'fleet');
   assert.equal(stored(), 'fleet');
-  await page.locator(`#${kForm} button.discard`).waitFor({state: 'hidden'});
+  await button(page, kForm, 'discard').waitFor({state: 'detached'});
   assert.equal(await page.locator('nav .badge').count(), 0);
 });
 
@@ -174,7 +174,7 @@ test('the service killed before the set arrived: nothing is called saved, the in
     async () => {
       await apn().fill('fleet');
       await press(page, kForm);
-      await page.locator('dialog[open]').waitFor();
+      await dialog(page).waitFor();
       await rig.stopDaemon();
       await agree(page);
       assert.notEqual(await ended(page, kForm), 'applied');
@@ -188,7 +188,7 @@ test('the service killed before the set arrived: nothing is called saved, the in
 test('serviceSilent: the service hangs', async () => {
   await apn().fill('fleet');
   await press(page, kForm);
-  await page.locator('dialog[open]').waitFor();
+  await dialog(page).waitFor();
   rig.daemon.kill('SIGSTOP');
   await agree(page);
   assert.equal(await ended(page, kForm), 'serviceSilent');

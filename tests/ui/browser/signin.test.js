@@ -1,7 +1,7 @@
 // The sign-in: who gets in, who does not, and what is counted.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
-import {field, kPassword, memory, Rig, shown, type, until, visit} from '../rig.js';
+import {button, dialog, field, kPassword, memory, Rig, shown, type, until, visit} from '../rig.js';
 
 let rig;
 before(async () => { rig = await Rig.start(); });
@@ -13,8 +13,8 @@ const now = () => Math.floor(Date.now() / 1000);
 const setLock = (count, time) =>
   rig.post('set_LockOfPassword', `ucFD_ErrorCount=${count}&time=${time}`);
 const wrongEntries = () => rig.setting('stLockOfPassword', 'ucFD_ErrorCount');
-const state = (page, name) => page.locator(`[role=status][data-state="${name}"]`).waitFor();
-const words = (page) => page.locator('[role=status]').innerText();
+const state = (page, name) => page.locator(`.status[data-note="${name}"]`).waitFor();
+const words = (page) => page.locator('body').innerText();
 
 async function at(asked = '') {
   const page = await rig.open();
@@ -154,7 +154,7 @@ test('signing out ends the session and leaves no secret in the browser', async (
   await field(page, 'stWifi/strFD_SSID').fill('Depot two');
   await field(page, 'stWifi/strFD_Passwd').fill('geheim-new');
   await page.click('#leave');
-  const dialog = page.locator('dialog[open] button.main');
+  const dialog = dialog(page).locator('.main');
   await page.locator('#password').or(dialog).first().waitFor();
   if (await dialog.isVisible()) await dialog.click();
   await page.locator('#password').waitFor();
@@ -177,7 +177,7 @@ test('a session that ends in the middle of a form loses no input, and keeps no s
         {Referer: `${rig.url}/login.html`});
     return seen.add(/[0-9a-f]{32}/.exec(reply)[0]).size > 5;
   }, 'six other sessions');
-  await page.click('#wifi button.main');
+  await button(page, 'wifi', 'save').click();
   await page.locator('#password').waitFor();
   assert.ok(!(await memory(page)).includes('geheim-new'));
   await type(page, kPassword);

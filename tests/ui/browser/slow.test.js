@@ -92,7 +92,7 @@ test('the sign-in and each further page', async (t) => {
       };
       const watch = new MutationObserver(look);
       watch.observe(document, {subtree: true, childList: true, attributes: true});
-      document.querySelector(`nav a[href="#/${wanted}"]`).click();
+      document.querySelector(`nav a[data-page="${wanted}"]`).click();
     }), name);
     await shown(page, name);
     const requests = taken().filter((path) => !kData.test(path));

@@ -125,7 +125,7 @@ test('GB28181 is switched off, and on again, without touching an ID', async () =
 test('as many IDs and cameras are shown as the recorder has, also when it has others later',
     async () => {
       await visit(rig, page, 'platforms');
-      assert.equal(await page.locator('[name$="/strFD_LensId"]').count(), 8);
+      assert.equal(await page.locator('[data-field$="/strFD_LensId"]').count(), 8);
       await rig.change('<stGB28181><stGB28181SubID><SUBDEVID_1 strFD_LensId="other &amp; &lt;2&gt;"/>' +
           '</stGB28181SubID></stGB28181><stMainStream><stVideoPara>' +
           '<VChn_8 ucFD_FrameRate="8" uiFD_BitRate="800"/></stVideoPara></stMainStream>');
@@ -180,13 +180,13 @@ test('what is wrong is told at its field, has the focus, and is not sent', async
     const sets = rig.sets();
     const old = await get(page, path);
     await put(page, path, value);
-    await page.click(`#${id} button.main`);
+    await button(page, id, 'save').click();
     assert.match(await error(page, path), pattern, `${path} ${value}`);
-    assert.equal(await page.evaluate(() => document.activeElement.name), path);
-    assert.equal(await page.locator('dialog[open]').count(), 0, path);
+    assert.equal(await focused(page), path);
+    assert.equal(await dialog(page).count(), 0, path);
     assert.equal(rig.sets(), sets);
     await put(page, path, old);
-    await page.locator(`[name="${path}"][aria-invalid="true"]`).waitFor({state: 'detached'});
+    await fieldRow(page, path).locator('[aria-invalid="true"]').waitFor({state: 'detached'});
   }
 });
 
