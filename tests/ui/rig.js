@@ -45,6 +45,7 @@ export class Rig extends Pair {
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (error) => page.errors.push(error.message));
+    page.on('dialog', (question) => question.accept());  // leaving with changes asks
     return page;
   }
 
@@ -78,6 +79,9 @@ export const shown = (page, name) => page.waitForFunction((wanted) => {
   const main = document.querySelector(`main[data-page="${wanted}"]`);
   return main && main.children.length > 2 && !main.querySelector('.skeleton');
 }, name);
+
+// As if nothing had been typed in this tab.
+export const forget = (page) => page.evaluate(() => sessionStorage.clear());
 
 // Opens a page by its address, from the server.
 export async function visit(rig, page, name) {

@@ -3,7 +3,9 @@ import assert from 'node:assert/strict';
 import {execFileSync} from 'node:child_process';
 import {readFileSync} from 'node:fs';
 import test, {after, before, beforeEach} from 'node:test';
-import {agree, ended, put, Rig, until, visit} from '../rig.js';
+import {
+  agree, button, cancel, dialog, ended, forget, line, press, put, Rig, section, until, visit,
+} from '../rig.js';
 
 let rig;
 let page;
@@ -13,6 +15,7 @@ before(async () => {
 });
 beforeEach(async () => {
   await rig.reset();
+  await forget(page);
   await visit(rig, page, 'maintenance');
 });
 after(async () => {
@@ -20,12 +23,13 @@ after(async () => {
   await rig.stop();
 });
 
-const line = () => page.locator('#import [role=status]');
-const row = (words) => page.locator('#import tr', {hasText: words});
-const send = page => button(page, 'import', 'save').click();
+const row = (path) => page.locator(`[data-setting="${path}"]`);
+const tick = (path) => row(path).locator('input');
+const said = () => section(page, 'import').innerText();
+const go = () => button(page, 'import', 'save');
 
 async function choose(name, text) {
-  await page.setInputFiles('#import input[type=file]',
+  await page.setInputFiles('[data-section="import"] input[type=file]',
       {name, mimeType: 'application/xml', buffer: Buffer.from(text)});
 }
 
@@ -37,8 +41,7 @@ async function exportFile() {
 }
 
 async function bring() {
-  await line().evaluate((node) => node.removeAttribute('data-note'));
-  await send(page);
+  await press(page, 'import');
   await agree(page);
   return ended(page, 'import');
 }
@@ -53,16 +56,16 @@ test('export, edit, import: only what was edited changes; words, not names, tell
       .replace('strFD_Apn="CMNET"', 'strFD_Apn="fleet"')
       .replace('strFD_Passwd="depot2024"', 'strFD_Passwd="geheim"');
   await choose('edited.xml', edited);
-  await page.locator('#import table').first().waitFor();
-  const table = (await page.locator('#import table').allInnerTexts()).join('\n');
+  await row('stWifi/strFD_SSID').waitFor();
+  const table = await section(page, 'import').locator('table').innerText();
   assert.match(table, /公交车队-0123[^]*路 <7> "a&b/);
   assert.match(table, /CMNET[^]*fleet/);
   assert.doesNotMatch(table, /geheim|depot2024|strFD_|stWifi/);
   const sets = rig.sets();
-  await send(page);
-  await page.keyboard.press('Escape');
+  await go().click();
+  await cancel(page);
   assert.equal(rig.sets(), sets);
-  assert.equal(await bring(), 'applied', await line().innerText());
+  assert.equal(await bring(), 'applied', await said());
   assert.equal(rig.setting('stWifi', 'strFD_SSID'), '路 <7> "a&b');
   assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'geheim');
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
@@ -73,11 +76,17 @@ test('export, edit, import: only what was edited changes; words, not names, tell
 test('a row can be left out', async () => {
   const {text} = await exportFile();
   await choose('edited.xml', text.replace('"CMNET"', '"fleet"').replace('"*99#"', '"*98#"'));
-  await row('*98#').locator('input[type=checkbox]').uncheck();
-  assert.equal(await bring(), 'applied', await line().innerText());
+  await tick('stMobileGNet/strFD_PhoneNo').uncheck();
+  assert.equal(await bring(), 'applied', await said());
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
   assert.equal(rig.setting('stMobileGNet', 'strFD_PhoneNo'), '*99#');
 });
+
+// What says which recorder this is.
+const kOwn = [
+  'stBaseInfo/strFD_DeviceNo', 'stVehicle/strFD_DeviceNum', 'stVehicle/strFD_LicensePlate',
+  'stLocalEth0/uiFD_LocalIp', 'stGB28181/strFD_DeviceId', 'stGB28181/strFD_DeviceUser',
+];
 
 test('another recorder\'s file: number, plate, addresses and IDs stay out until added', async () => {
   const {text} = await exportFile();
@@ -85,20 +94,18 @@ test('another recorder\'s file: number, plate, addresses and IDs stay out until 
       .replaceAll('192.168.1.88', '192.168.1.99').replaceAll('34020000001110000123', '34020000001110000777')
       .replace('"CMNET"', '"fleet"');
   await choose('other.xml', other);
-  await row('80054321').first().waitFor();
-  for (const words of ['80054321', '粤B54321', '192.168.1.99', '34020000001110000777'])
-    for (const box of await row(words).locator('input[type=checkbox]').all())
-      assert.equal(await box.isChecked(), false, words);
-  assert.equal(await row('fleet').locator('input[type=checkbox]').isChecked(), true);
-  assert.equal(await bring(), 'applied', await line().innerText());
+  await page.locator('[data-foreign="80054321"]').waitFor();
+  for (const path of kOwn) assert.equal(await tick(path).isChecked(), false, path);
+  assert.equal(await tick('stMobileGNet/strFD_Apn').isChecked(), true);
+  assert.equal(await bring(), 'applied', await said());
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
   assert.equal(rig.setting('stBaseInfo', 'strFD_DeviceNo'), '80012345');
   assert.equal(rig.setting('stVehicle', 'strFD_LicensePlate'), '粤B12345');
   assert.equal(rig.setting('stLocalEth0', 'uiFD_LocalIp'), '192.168.1.88');
   assert.equal(rig.setting('stGB28181', 'strFD_DeviceId'), '34020000001110000123');
   await choose('other.xml', other);
-  await row('粤B54321').locator('input[type=checkbox]').check();
-  assert.equal(await bring(), 'applied', await line().innerText());
+  await tick('stVehicle/strFD_LicensePlate').check();
+  assert.equal(await bring(), 'applied', await said());
   assert.equal(rig.setting('stVehicle', 'strFD_LicensePlate'), '粤B54321');
   assert.equal(rig.setting('stBaseInfo', 'strFD_DeviceNo'), '80012345');
 });
@@ -106,8 +113,8 @@ test('another recorder\'s file: number, plate, addresses and IDs stay out until 
 test('a file in the recorder\'s own character set is read', async () => {
   const text = readFileSync(rig.state).toString('latin1').replace('"CMNET"', '"gbk"');
   await choose('gbk.xml', Buffer.from(text, 'latin1'));
-  await row('gbk').waitFor();
-  assert.equal(await page.locator('#import tbody input[type=checkbox]').count(), 1);
+  await row('stMobileGNet/strFD_Apn').filter({hasText: 'gbk'}).waitFor();
+  assert.equal(await page.locator('[data-setting]').count(), 1);
 });
 
 // file, content, reason
@@ -129,8 +136,8 @@ test('a wrong file is refused, with the reason, and nothing is sent', async () =
   const sets = rig.sets();
   for (const [name, text, pattern] of kWrong) {
     await choose(name, text);
-    await line().filter({hasText: pattern}).waitFor();
-    assert.equal(await page.locator('#import button.main:visible').count(), 0, name);
+    await line(page, 'import').filter({hasText: pattern}).waitFor();
+    assert.equal(await go().count(), 0, name);
   }
   assert.equal(rig.sets(), sets);
 });
@@ -138,8 +145,8 @@ test('a wrong file is refused, with the reason, and nothing is sent', async () =
 test('a file that changes nothing is not sent', async () => {
   const {text} = await exportFile();
   await choose('same.xml', text);
-  await line().filter({hasText: /already/i}).waitFor();
-  assert.equal(await page.locator('#import button.main:visible').count(), 0);
+  await line(page, 'import').filter({hasText: /already/i}).waitFor();
+  assert.equal(await go().count(), 0);
 });
 
 test('an import that the recorder refuses or does not answer is not called done', async () => {
@@ -166,7 +173,7 @@ test('the recorder\'s new address is said before, and followed', async () => {
   await put(page, 'stLocalEth0/uiFD_LocalIp', '192.168.1.89');
   await button(page, 'localEth0', 'save').click();
   assert.match(await dialog(page).innerText(), /192\.168\.1\.89/);
-  await page.keyboard.press('Escape');
+  await cancel(page);
   assert.equal(rig.setting('stLocalEth0', 'uiFD_LocalIp'), rig.address);
   await rig.fault('for=set result:1');
   await button(page, 'localEth0', 'save').click();
@@ -184,7 +191,7 @@ test('an import that moves the recorder is followed', async () => {
   await visit(rig, page, 'maintenance');
   const {text} = await exportFile();
   await choose('moved.xml', text.replace('"192.168.1.88"', '"192.168.1.90"'));
-  await send(page);
+  await go().click();
   assert.match(await dialog(page).innerText(), /192\.168\.1\.90/);
   await agree(page);
   await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.90', 'the set');

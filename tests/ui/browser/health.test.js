@@ -1,7 +1,7 @@
 // A recorder that dies, limps and comes back, and a service that does: told once, over by itself.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
-import {field, go, health, Rig, shown, until, visit} from '../rig.js';
+import {field, forget, go, health, Rig, shown, until, visit} from '../rig.js';
 
 let rig;
 let page;
@@ -9,7 +9,10 @@ before(async () => {
   rig = await Rig.start();
   page = await rig.enter();
 });
-beforeEach(() => rig.reset());
+beforeEach(async () => {
+  await rig.reset();
+  await forget(page);
+});
 after(async () => {
   assert.deepEqual(page.errors, []);
   await rig.stop();

@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
-  agree, button, cancel, dialog, ended, field, focused, health, line, press, put, Rig, save, shown,
+  agree, button, cancel, dialog, ended, field, focused, forget, health, line, press, put, Rig, save, shown,
   until, visit, words,
 } from '../rig.js';
 
@@ -17,6 +17,7 @@ before(async () => {
 });
 beforeEach(async () => {
   await rig.reset();
+  await forget(page);
   await visit(rig, page, 'network');
 });
 after(async () => {

@@ -2,7 +2,10 @@
 // stands beside it there stays.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
-import {error, field, get, kPassword, press, put, Rig, save, shown, visit, words} from '../rig.js';
+import {
+  agree, button, dialog, ended, error, field, fieldRow, focused, forget, get, kPassword, press, put,
+  Rig, save, section, shown, visit, words,
+} from '../rig.js';
 
 let rig;
 let page;
@@ -10,7 +13,10 @@ before(async () => {
   rig = await Rig.start();
   page = await rig.enter();
 });
-beforeEach(() => rig.reset());
+beforeEach(async () => {
+  await rig.reset();
+  await forget(page);
+});
 after(async () => {
   assert.deepEqual(page.errors, []);
   await rig.stop();
@@ -239,11 +245,11 @@ test('the password changes only with the present one and two equal new ones', as
   await error(page, 'repeat');
   await put(page, 'repeat', kNew);
   await press(page, 'password');
+  await agree(page);
   await error(page, 'current');
   assert.equal(rig.setting('USER_0', 'strFD_UserPWD'), kPassword);
   await put(page, 'current', kPassword);
-  await press(page, 'password');
-  await page.locator('#password [role=status][data-end="applied"]').waitFor();
+  assert.equal(await save(page, 'password'), 'applied');
   assert.equal(rig.setting('USER_0', 'strFD_UserPWD'), kNew);
   assert.equal(await get(page, 'fresh'), '');
   await rig.login(page, kNew);
@@ -253,10 +259,10 @@ test('the lock counter is shown and set back', async () => {
   const time = Math.floor(Date.now() / 1000) - 28800;
   await rig.post('set_LockOfPassword', `ucFD_ErrorCount=3&time=${time}`);
   await visit(rig, page, 'security');
-  await page.locator('#lock', {hasText: /3/}).waitFor();
-  await page.click('#lock button');
-  await page.locator('#lock', {hasText: /0/}).waitFor();
-  await page.waitForFunction(() => !document.querySelector('#lock').textContent.includes('3 '));
+  await section(page, 'lock').filter({hasText: /3 of 5/}).waitFor();
+  await button(page, 'lock', 'reset').click();
+  assert.equal(await ended(page, 'lock'), 'applied');
+  await section(page, 'lock').filter({hasText: /0 of 5/}).waitFor();
   assert.equal(rig.setting('stLockOfPassword', 'ucFD_ErrorCount'), '0');
 });
 
