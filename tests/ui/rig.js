@@ -13,7 +13,7 @@ const kBrowserOptions = [
   '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-sync',
   '--disable-background-networking', '--disable-component-update',
 ];
-const kPatienceMs = 60000;
+const kPatienceMs = 12000;
 
 export class Rig extends Pair {
   static async start() {
@@ -49,13 +49,18 @@ export class Rig extends Pair {
     return page;
   }
 
-  // A signed-in page.
+  // A page with a session. The sign-in itself is the business of its own tests.
   async enter(options) {
     const page = await this.open(options);
-    await this.login(page);
+    const reply = await this.post('cmp_UserSecurity', `strFD_AdminPasswd=${kPassword}`,
+        {Referer: `${this.url}/login.html`});
+    const value = /"jsession": "([0-9a-f]{32})"/.exec(reply)[1];
+    await page.context().addCookies([{name: 'jsession', value, url: this.url}]);
+    await visit(this, page, 'status');
     return page;
   }
 
+  // Signs in as a user does.
   async login(page, password = kPassword) {
     await page.goto(`${this.url}/login.html`);
     await type(page, password);
