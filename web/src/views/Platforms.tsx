@@ -12,7 +12,7 @@ function Gb28181() {
   const ids = fields.filter(({labelValues}) => labelValues);
   const plain = fields.filter(({labelValues}) => !labelValues);
   return <>
-    <div class="fields two">
+    <div class="fields many">
       {plain.map((field) => <FieldRow key={field.path} section="gb28181" field={field} />)}
     </div>
     <h3>{t('id.title')}</h3>
@@ -22,6 +22,6 @@ function Gb28181() {
 }
 
 export const Platforms = () => <div class="cards">
-  <SectionForm id="server" icon="platforms" help="server.help" rows={3} />
+  <SectionForm id="server" icon="platforms" help="server.help" rows={3} wide />
   <SectionForm id="gb28181" icon="video" rows={10} wide layout={Gb28181} />
 </div>;

@@ -16,7 +16,7 @@ function LockFacts() {
   const left = Math.max(0, lock.left - secondsSince(at, now));
   return <dl class="facts">
     <Fact id="count" name={t('lock.count')}>{t('lock.of', {count: lock.count, most: kWrongEntries})}</Fact>
-    <Fact id="state" name={t('lock.state')} tone={left ? 'words warn' : 'words'}>
+    <Fact id="state" name={t('lock.state')} tone={left ? 'warn' : ''}>
       {left ? t('lock.locked', {time: timeText(left)}) : t('lock.open')}
     </Fact>
   </dl>;

@@ -46,7 +46,7 @@ export const Rows = ({rows, values, kind}: {rows: readonly Row[]; values: Values
     const shown = shownOf(row, values);
     const tone = 'tone' in shown ? shown.tone : '';
     return <Fact key={row.label} id={row.keys[0]} name={t(row.label)}
-      tone={`${shown.kind} ${tone}`.trim()}><Value shown={shown} /></Fact>;
+      tone={`is-${shown.kind} ${tone}`.trim()}><Value shown={shown} /></Fact>;
   })}</dl>;
 
 export function Status() {

@@ -118,7 +118,7 @@ export const en = {
   'localEth0.help': 'The recorder’s own address. These pages follow it to a new one.',
   'server.help': 'Where the recorder reports to.',
   'password.help': 'The password of the sign-in. Passwords are never kept in this browser.',
-  'help.code': 'The recorder’s own number, 0 to 255.',
+  'help.code': 'The recorder’s own number.',
   'help.deviceNo': 'Letters and digits.',
   'help.timeZone': 'The recorder’s own zone number.',
   'help.gpsTime': 'The clock follows the positioning receiver.',

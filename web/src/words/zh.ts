@@ -120,7 +120,7 @@ export const zh: Record<keyof typeof en, string> = {
   'localEth0.help': '录像机自己的地址。修改后本页面会跟随到新地址。',
   'server.help': '录像机上报到此服务器。',
   'password.help': '登录所用的密码。浏览器从不保存密码。',
-  'help.code': '录像机自己的编号，0 至 255。',
+  'help.code': '录像机自己的编号。',
   'help.deviceNo': '字母和数字。',
   'help.timeZone': '录像机自己的时区号。',
   'help.gpsTime': '时钟跟随定位模块。',

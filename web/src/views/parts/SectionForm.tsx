@@ -72,7 +72,7 @@ export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
     {loading.state === 'failed' && <Failed id={id} />}
     {(loading.state === 'loaded' || fields.length > 0) &&
       <form noValidate autoComplete="off" onSubmit={submit}>
-        <div class="fields">{layout ? layout() : shownFields(state, shownValues(state))
+        <div class={`fields${layout ? '' : ' many'}`}>{layout ? layout() : shownFields(state, shownValues(state))
             .map((field) => <FieldRow key={field.path} section={id} field={field} />)}</div>
         {state.step ? <StepNote step={state.step} /> : <NoteLine note={state.note} />}
         <Actions id={id} />
