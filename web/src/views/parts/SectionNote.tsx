@@ -1,0 +1,54 @@
+// What is said below a form: the step of a save, how it ended, what else happened.
+import type {SaveEnd} from '../../model/save';
+import type {Note, SectionState, Step} from '../../state/store';
+import {t} from '../../words';
+import {ChangeTable} from './ChangeTable';
+import {secondsSince, useNow} from './hooks';
+import {Notice, type Tone} from './Notice';
+
+const kSteps: readonly Step[] = ['session', 'compare', 'sending', 'reading'];
+const kTones: Partial<Record<SaveEnd, Tone>> =
+    {applied: 'good', unchanged: 'info', moved: 'good', partly: 'warn'};
+const kRestartAfter = 1;  // seconds: an accepted set takes longer than that
+
+export function StepNote({step}: {step: NonNullable<SectionState['step']>}) {
+  const seconds = secondsSince(step.since, useNow(true));
+  const name = step.name === 'sending' && seconds >= kRestartAfter ? 'restarting' : step.name;
+  const number = kSteps.indexOf(step.name) + 1;
+  const count = number ? t('step.count', {number, of: kSteps.length}) : '';
+  const since = seconds ? t('step.seconds', {seconds}) : '';
+  return <Notice tone="busy" text={[count, t(`step.${name}`), since].filter(Boolean).join(' ')}>
+    <progress aria-label={t('step.progress')} max={kSteps.length} value={number || undefined} />
+  </Notice>;
+}
+
+const knownText = (note: Extract<Note, {kind: 'end'}>) => {
+  if (note.end === 'applied' || note.end === 'partly' || note.end === 'unchanged') return '';
+  if (note.end === 'refused' || note.end === 'moved') return '';
+  return t(note.known ? 'known.same' : 'known.not');
+};
+
+export function NoteLine({note}: {note: Note | null}) {
+  if (!note) return <Notice />;
+  switch (note.kind) {
+    case 'end':
+      return <Notice tone={kTones[note.end] || 'bad'}
+        text={[t(`end.${note.end}`), knownText(note)].filter(Boolean).join(' ')}>
+        {note.rows.length > 0 && <ChangeTable rows={note.rows} />}
+      </Notice>;
+    case 'elsewhere':
+      return <Notice tone="warn" text={t('note.elsewhere')}>
+        <ChangeTable rows={note.rows} /><p>{t('note.elsewhereNext')}</p>
+      </Notice>;
+    case 'moving':
+      return <Notice tone="busy" text={t('note.moving', {where: note.where})} />;
+    case 'movedSilent':
+      return <Notice tone="warn" text={t('note.movedSilent')}>
+        <a href={note.where}>{note.where}</a>
+      </Notice>;
+    case 'invalid': return <Notice tone="bad" text={t('note.invalid')} />;
+    case 'conflict': return <Notice tone="warn" text={t('note.conflict')} />;
+    case 'draft': return <Notice tone="info" text={t('note.draft')} />;
+    case 'arrived': return <Notice tone="good" text={t('note.arrived')} />;
+  }
+}
