@@ -39,7 +39,8 @@ export class Rig extends Pair {
     context.setDefaultTimeout(kPatienceMs);
     if (language) {
       await context.addInitScript((chosen) => {
-        if (!localStorage['language.chosen']) localStorage['language.chosen'] = chosen;
+        if (location.protocol !== 'http:') return;
+      if (!localStorage['language.chosen']) localStorage['language.chosen'] = chosen;
       }, language);
     }
     const page = await context.newPage();

@@ -74,7 +74,7 @@ function Progress() {
     note={{kind: moving.silent ? 'movedSilent' : 'moving', where: moving.where}} />;
   if (step) return <StepNote step={step} />;
   if (error) return <Notice tone="bad" text={errorText(error)} />;
-  if (end && end.end === 'unchanged') return <Notice tone="info" text={t('import.same')} />;
+  if (end && end.end === 'unchanged') return <Notice tone="info" name="unchanged" text={t('import.same')} />;
   return <NoteLine note={end && {kind: 'end', end: end.end, rows: [], known: end.known}} />;
 }
 
