@@ -1,7 +1,7 @@
 // What is typed and not yet saved: where it waits, what never waits, and who else changed it.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
-import {button, field, fieldRow, get, go, memory, put, Rig, save, shown, visit, words}
+import {button, dialog, field, fieldRow, get, go, memory, put, Rig, save, shown, visit, words}
   from '../rig.js';
 
 const kApn = 'stMobileGNet/strFD_Apn';
@@ -137,10 +137,17 @@ test('a colleague changed the very field: asked, and theirs can win', async () =
 test('the base of a draft survives a reload: a change in between is asked about', async () => {
   await put(page, kApn, 'fleet');
   await colleague('theirs');
+  const sets = rig.sets();
   await page.reload();
   await shown(page, 'network');
   assert.equal(await get(page, kApn), 'fleet');
-  await asks('fleet', 'theirs');
+  assert.match(await fieldRow(page, kApn).innerText(), /theirs/);
+  await button(page, 'mobile', 'save').click();
+  assert.equal(await dialog(page).count(), 0);
+  await take('mine');
+  assert.equal(await save(page, 'mobile'), 'applied');
+  assert.equal(rig.sets(), sets + 1);
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
   await over();
 });
 

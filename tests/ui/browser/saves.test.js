@@ -52,7 +52,7 @@ test('applied: steps with numbers and seconds, then read back; two clicks make o
       await line(page, kForm).evaluate((node) => node.removeAttribute('data-note'));
       await button(page, kForm, 'save').dblclick();
       await dialog(page).locator('.main').dblclick();
-      await line(page, kForm).filter({hasText: /\d ?\/ ?\d.*\d+ s/s}).waitFor();
+      await line(page, kForm).filter({hasText: /Step \d of \d.*\(\d+ s\)/s}).waitFor();
       assert.equal(await ended(page, kForm), 'applied');
       assert.equal(stored(), 'fleet');
       assert.equal(rig.sets(), sets + 1);

@@ -66,7 +66,7 @@ test('the first view', async (t) => {
   await page.goto(`${link.url}/login.html`, {waitUntil: 'commit'});
   await page.locator('#password').waitFor();
   await page.fill('#password', kPassword);
-  await page.locator('button[type=submit]:enabled').waitFor();
+  await page.locator('button[type=submit]:not([aria-disabled])').waitFor();
   const ms = Date.now() - begin;
   await page.waitForLoadState('networkidle');
   within(t, 'ms until the password can be entered', ms, kFirstViewMs);
