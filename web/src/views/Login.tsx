@@ -13,19 +13,20 @@ function Line({note, now}: {note: SignInNote | null; now: number}) {
   switch (note.kind) {
     case 'checking': case 'counting':
       return <Notice tone="busy" text={t(`login.${note.kind}`)} />;
-    case 'wrong': return <Notice tone="bad" text={t('login.wrong', {left: note.left})} />;
+    case 'wrong': return <Notice tone="bad" name="wrong" text={t('login.wrong', {left: note.left})} />;
     case 'fault': {
       const why = note.why === 'dropped' || note.why === 'refused' ? 'lost' : note.why;
-      return <Notice tone="bad" text={why === 'deviceSilent' ? t('login.silent') : t(`load.${why}`)} />;
+      return <Notice tone="bad" name={why}
+        text={why === 'deviceSilent' ? t('login.silent') : t(`load.${why}`)} />;
     }
     case 'locked': {
       const left = secondsUntil(note.until, now);
-      return left ? <Notice tone="bad" text={t('login.locked')}>
+      return left ? <Notice tone="bad" name="locked" text={t('login.locked')}>
         <p class="left" aria-hidden="true">{t('login.left', {time: timeText(left)})}</p>
-      </Notice> : <Notice tone="info" text={t('login.open')} />;
+      </Notice> : <Notice tone="info" name="open" text={t('login.open')} />;
     }
-    case 'moved': case 'open': return <Notice tone="info" text={t(`login.${note.kind}`)} />;
-    default: return <Notice tone="bad" text={t(`login.${note.kind}`)} />;
+    case 'moved': case 'open': return <Notice tone="info" name={note.kind} text={t(`login.${note.kind}`)} />;
+    default: return <Notice tone="bad" name={note.kind} text={t(`login.${note.kind}`)} />;
   }
 }
 

@@ -7,11 +7,12 @@ export type Tone = 'busy' | 'good' | 'warn' | 'bad' | 'info';
 const kSigns: Record<Exclude<Tone, 'busy'>, IconName> =
     {good: 'done', bad: 'alert', warn: 'alert', info: 'info'};
 
-interface Props { tone?: Tone; text?: string; children?: ComponentChildren }
+// `name` says for scripts what `text` says for people.
+interface Props { tone?: Tone; name?: string; text?: string; children?: ComponentChildren }
 
 // It stands in the page before it has something to say, or it would not be heard.
-export function Notice({tone, text, children}: Props) {
-  return <div class={`status ${tone || ''}`} role="status">
+export function Notice({tone, name, text, children}: Props) {
+  return <div class={`status ${tone || ''}`} role="status" data-note={name}>
     {tone && (tone === 'busy' ? <span class="spinner" /> : <Icon name={kSigns[tone]} />)}
     {tone && <div class="words">{text && <p>{text}</p>}{children}</div>}
   </div>;

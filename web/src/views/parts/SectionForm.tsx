@@ -45,7 +45,8 @@ function Actions({id}: {id: SectionId}) {
   return <div class="actions">
     <button type="submit" class="main" aria-disabled={busy || undefined}>{t('save')}</button>
     {typed > 0 && !busy &&
-      <button type="button" class="quiet" onClick={() => discard(id)}>{t('discard')}</button>}
+      <button type="button" class="quiet" data-action="discard"
+        onClick={() => discard(id)}>{t('discard')}</button>}
     {state.former && !typed && !busy &&
       <button type="button" class="quiet" data-action="restore"
         onClick={() => void restoreFormer(id)}>{t('restore')}</button>}

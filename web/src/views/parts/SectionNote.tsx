@@ -35,23 +35,22 @@ export function NoteLine({note}: {note: Note | null}) {
   if (!note) return <Notice />;
   switch (note.kind) {
     case 'end':
-      return <Notice tone={kTones[note.end] || 'bad'}
-        text={endText(note)}>
+      return <Notice tone={kTones[note.end] || 'bad'} name={note.end} text={endText(note)}>
         {note.rows.length > 0 && <ChangeTable rows={note.rows} />}
       </Notice>;
     case 'elsewhere':
-      return <Notice tone="warn" text={t('note.elsewhere')}>
+      return <Notice tone="warn" name={note.kind} text={t('note.elsewhere')}>
         <ChangeTable rows={note.rows} /><p>{t('note.elsewhereNext')}</p>
       </Notice>;
     case 'moving':
       return <Notice tone="busy" text={t('note.moving', {where: note.where})} />;
     case 'movedSilent':
-      return <Notice tone="warn" text={t('note.movedSilent')}>
+      return <Notice tone="warn" name={note.kind} text={t('note.movedSilent')}>
         <a href={note.where}>{note.where}</a>
       </Notice>;
-    case 'invalid': return <Notice tone="bad" text={t('note.invalid')} />;
-    case 'conflict': return <Notice tone="warn" text={t('note.conflict')} />;
-    case 'draft': return <Notice tone="info" text={t('note.draft')} />;
-    case 'arrived': return <Notice tone="good" text={t('note.arrived')} />;
+    case 'invalid': return <Notice tone="bad" name={note.kind} text={t('note.invalid')} />;
+    case 'conflict': return <Notice tone="warn" name={note.kind} text={t('note.conflict')} />;
+    case 'draft': return <Notice tone="info" name={note.kind} text={t('note.draft')} />;
+    case 'arrived': return <Notice tone="good" name={note.kind} text={t('note.arrived')} />;
   }
 }
