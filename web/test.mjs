@@ -1,5 +1,4 @@
-// Runs the unit tests: each file of test/ is bundled with what it imports and given to node.
-//   node test.mjs [word]...   only the files whose path has one of the words
+// Bundles the unit tests, as node runs no TypeScript, and runs them: node test.mjs [part of a name]
 import {spawnSync} from 'node:child_process';
 import {mkdtempSync, readdirSync, rmSync} from 'node:fs';
 import {tmpdir} from 'node:os';
@@ -8,26 +7,24 @@ import {fileURLToPath} from 'node:url';
 import {build} from 'esbuild';
 
 const kHere = fileURLToPath(new URL('.', import.meta.url));
-const words = process.argv.slice(2);
 
-const files = readdirSync(join(kHere, 'test'), {recursive: true}).map(String)
-    .filter((name) => name.endsWith('.test.ts'))
-    .filter((name) => !words.length || words.some((word) => name.includes(word)));
-if (!files.length) throw new Error(`no test of ${words.join(' or ')}`);
-
-const folder = mkdtempSync(join(tmpdir(), 'web-test-'));
-try {
-  await build({
-    entryPoints: files.map((name) => join(kHere, 'test', name)), outdir: folder,
-    outExtension: {'.js': '.mjs'}, bundle: true, platform: 'node', format: 'esm', target: 'node18',
-    jsx: 'automatic', jsxImportSource: 'preact', sourcemap: 'inline', logLevel: 'warning',
+function find(folder) {
+  return readdirSync(folder, {withFileTypes: true}).flatMap((entry) => {
+    const path = join(folder, entry.name);
+    return entry.isDirectory() ? find(path) : path.endsWith('.test.ts') ? [path] : [];
   });
-  const tests = readdirSync(folder, {recursive: true}).map(String)
-      .filter((name) => name.endsWith('.mjs')).map((name) => join(folder, name));
-  const env = {...process.env, SOURCE_ROOT: join(kHere, '..')};
-  const {status} = spawnSync(process.execPath, ['--enable-source-maps', '--test', ...tests],
-      {stdio: 'inherit', env});
-  process.exitCode = status === 0 ? 0 : 1;
-} finally {
-  rmSync(folder, {recursive: true, force: true});
 }
+
+const wanted = process.argv[2] || '';
+const files = find(join(kHere, 'test')).filter((path) => path.includes(wanted));
+if (!files.length) throw new Error(`no test is called "${wanted}"`);
+const out = mkdtempSync(join(tmpdir(), 'pages-'));
+await build({entryPoints: files, outdir: out, outbase: join(kHere, 'test'), bundle: true,
+  platform: 'node', format: 'esm', outExtension: {'.js': '.mjs'}, jsx: 'automatic',
+  jsxImportSource: 'preact', sourcemap: 'inline', define: {PROJECT: JSON.stringify(join(kHere, '..'))}});
+const bundled = files.map((path) =>
+  join(out, path.slice(join(kHere, 'test').length).replace(/\.ts$/, '.mjs')));
+const {status} = spawnSync(process.execPath, ['--enable-source-maps', '--test', ...bundled],
+    {stdio: 'inherit'});
+rmSync(out, {recursive: true, force: true});
+process.exit(status === null ? 1 : status);

@@ -1,5 +1,5 @@
 // What is sent for a section: its form, or an import of just what was changed.
-import {toEntities} from '../recorder/gbk';
+import {toEntities, wireLength} from '../recorder/gbk';
 import {configOf} from '../recorder/config';
 import type {Element} from '../recorder/xml';
 import {applies, isOn, meant, type Field, type Values} from './fields';
@@ -17,6 +17,10 @@ function formOf(endpoint: string, fields: Field[], values: Values): Message {
   return {endpoint, form};
 }
 
+// A form cuts a value whose entities are longer than the field; an import does not.
+const fits = (fields: Field[], values: Values) => fields.every(({path, wire, bytes}) =>
+  !wire || !bytes || wireLength(values[path] || '') <= bytes);
+
 // A message about cameras names the first one that it is about, as the service's own do.
 function startOf(paths: string[]): [string, string][] {
   const cameras = paths.map((path) => /^stMainStream\/stVideoPara\/VChn_(\d+)\//.exec(path))
@@ -31,7 +35,8 @@ const sent = (field: Field, value: string) =>
 // `changed` are paths that the user changed, `values` all of the section's.
 export function messageFor(section: Section, fields: Field[], changed: string[], values: Values,
     clock: () => string): Message {
-  if (section.set) return formOf(section.set, withWires(fields, values), values);
+  if (section.set && fits(fields, values))
+    return formOf(section.set, withWires(fields, values), values);
   const wanted: Values = {};
   for (const field of fields) {
     const value = values[field.path];

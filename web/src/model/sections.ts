@@ -123,10 +123,10 @@ export const kSections: readonly Section[] = [
   {
     id: 'mobile', page: 'network', title: 'section.mobile', get: 'get_GNetInfo', set: 'set_GNetInfo',
     fields: list(code(`${gnet}ucFD_NetType`, 'mobileType', {wire: 'ucFD_NetType'}),
-        text(`${gnet}strFD_Apn`, 'apn', 31, {wire: 'strFD_Apn', ...entities}),
-        text(`${gnet}strFD_PhoneNo`, 'phoneNo', 23, {wire: 'strFD_PhoneNo', ...entities}),
-        text(`${gnet}strFD_UserName`, 'userName', 35, {wire: 'strFD_UserName', ...entities}),
-        secret(`${gnet}strFD_UserPasswd`, 'password', 35, {wire: 'strFD_UserPasswd', ...entities})),
+        text(`${gnet}strFD_Apn`, 'apn', 31, {wire: 'strFD_Apn'}),
+        text(`${gnet}strFD_PhoneNo`, 'phoneNo', 23, {wire: 'strFD_PhoneNo'}),
+        text(`${gnet}strFD_UserName`, 'userName', 35, {wire: 'strFD_UserName'}),
+        secret(`${gnet}strFD_UserPasswd`, 'password', 35, {wire: 'strFD_UserPasswd'})),
   },
   {
     id: 'localEth0', page: 'network', title: 'section.localEth0', get: 'get_LocalNetInfo',

@@ -45,7 +45,7 @@ async function run(current: string, fresh: string) {
         {strUserName: kFirstUser, strConfirmPasswd: toEntities(fresh)})),
     same: (a, b) => a === b, before: current, sent: fresh, progress: step,
   });
-  patchSection(kId, {note: {kind: 'end', end, rows: [], known: after !== null},
+  patchSection(kId, {note: {kind: 'end', end, rows: [], known: after ? 'read' : 'unknown'},
     ...(end === 'applied' ? {typed: {}} : {})});
 }
 
@@ -63,7 +63,7 @@ export async function savePassword() {
   } catch (caught) {
     const kind = kindOf(caught);
     if (kind === 'refused') return expire();
-    patchSection(kId, {note: {kind: 'end', end: endOf(kind), rows: [], known: false}});
+    patchSection(kId, {note: {kind: 'end', end: endOf(kind), rows: [], known: 'unsent'}});
   } finally {
     step(null);
   }

@@ -14,6 +14,7 @@ import {propose} from './editing';
 import {throughRestart} from './health';
 import {dropDraft, keepDraft} from './memory';
 import {followTo, kLocalIp, newOrigin, sendMove} from './move';
+import {followRecorder} from './preferences';
 import {readSection, shownFields, take} from './reading';
 import {expire, renew} from './session';
 import {patchSection, sectionState, shownValues, type Note, type SectionState, type Step}
@@ -62,12 +63,13 @@ function settle(section: Section, before: SectionState, sent: Values, end: SaveE
     if (!field.live && from !== undefined) former[field.path] = from;
   if (after) take(section, {fields, values: after});
   patchSection(id, {
-    note: {kind: 'end', end, rows, known: after !== null},
+    note: {kind: 'end', end, rows, known: after ? 'read' : 'unknown'},
     ...(taken && Object.keys(former).length ? {former} : {}),
     ...(after ? {base: after, conflicts: {}} : {}),
     ...(end === 'applied' ? {typed: {}} : {}),
   });
   const {base, typed} = sectionState(id);
+  if (id === 'language' && end === 'applied') followRecorder(sent['stDisplay/strLanguage'] || '');
   if (end === 'applied') dropDraft(id);
   else keepDraft(id, fields, {base, typed});
 }
@@ -109,7 +111,7 @@ async function compare(section: Section): Promise<boolean> {
   take(section, fresh);
   if (Object.keys(conflicts).length) say(id, {kind: 'conflict', rows: []});
   else if (elsewhere.length) say(id, {kind: 'elsewhere', rows: elsewhere});
-  else if (!Object.keys(typed).length) say(id, {kind: 'end', end: 'unchanged', rows: [], known: true});
+  else if (!Object.keys(typed).length) say(id, {kind: 'end', end: 'unchanged', rows: [], known: 'read'});
   else return true;
   return false;
 }
@@ -135,7 +137,7 @@ function prepare(id: SectionId): boolean {
   const state = sectionState(id);
   if (Object.keys(state.conflicts).length) return false;
   if (!rowsOf(state).length) {
-    say(id, {kind: 'end', end: 'unchanged', rows: [], known: true});
+    say(id, {kind: 'end', end: 'unchanged', rows: [], known: 'read'});
     return false;
   }
   const values = meantValues(state);
@@ -149,7 +151,7 @@ function prepare(id: SectionId): boolean {
 // Asks, then saves. Whatever happens, what was typed stays.
 export async function saveSection(id: SectionId) {
   const state = sectionState(id);
-  if (state.step || state.loading.state !== 'loaded' || !prepare(id)) return;
+  if (state.step || !state.fields.length || !prepare(id)) return;
   const move = newOrigin(state.held[kLocalIp], meantValues(state)[kLocalIp]);
   if (!await askUser({kind: 'review', section: id, rows: rowsOf(state), move})) return;
   try {
@@ -157,7 +159,7 @@ export async function saveSection(id: SectionId) {
   } catch (caught) {
     const kind = kindOf(caught);
     if (kind === 'refused') return expire();
-    say(id, {kind: 'end', end: endOf(kind), rows: [], known: false});
+    say(id, {kind: 'end', end: endOf(kind), rows: [], known: 'unsent'});
   } finally {
     step(id, null);
   }

@@ -21,9 +21,12 @@ export type Loading = {state: 'waiting'} | {state: 'loaded'} | {state: 'failed';
 
 export type Step = 'session' | 'compare' | 'sending' | 'restarting' | 'reading' | 'moving';
 
+// What is known of a save's values: read back, nothing, or that they were never sent.
+export type Known = 'read' | 'unknown' | 'unsent';
+
 // What is said below a form.
 export type Note =
-    | {kind: 'end'; end: SaveEnd; rows: Change[]; known: boolean}
+    | {kind: 'end'; end: SaveEnd; rows: Change[]; known: Known}
     | {kind: 'elsewhere' | 'conflict'; rows: Change[]}
     | {kind: 'draft' | 'invalid' | 'arrived'}
     | {kind: 'moving' | 'movedSilent'; where: string};
@@ -56,7 +59,7 @@ export interface Transfer {
   rows: ImportRow[];
   foreign: string | null;  // the file's device number, when it is another recorder's
   step: SectionState['step'];
-  end: {end: SaveEnd; rows: ImportRow[]; known: boolean} | null;
+  end: {end: SaveEnd; rows: ImportRow[]; known: Known} | null;
   moving: {where: string; silent: boolean} | null;
   former: Settings | null;
 }

@@ -50,7 +50,7 @@ export async function chooseFile(name: string, bytes: Uint8Array) {
     const {settings} = await config();
     const rows = compareFile(settings, file.settings);
     patch({rows, foreign: foreignNumber(settings, file.settings),
-      end: rows.length ? null : {end: 'unchanged', rows: [], known: true}});
+      end: rows.length ? null : {end: 'unchanged', rows: [], known: 'read'}});
   } catch (caught) {
     patch({error: {error: 'read', why: kindOf(caught)}});
   } finally {
@@ -71,7 +71,7 @@ function settle(wanted: ImportRow[], end: SaveEnd, after: Settings | null) {
   for (const {path, from} of wanted) if (from !== null) former.push([path, from]);
   const taken = end === 'applied' || end === 'partly';
   patch({
-    end: {end, rows: end === 'partly' ? left : [], known: after !== null},
+    end: {end, rows: end === 'partly' ? left : [], known: after ? 'read' : 'unknown'},
     ...(taken ? {rows: [], foreign: null, former: new Map(former)} : {}),
   });
 }
@@ -115,7 +115,7 @@ export async function importRows() {
   } catch (caught) {
     const kind = kindOf(caught);
     if (kind === 'refused') return expire();
-    patch({end: {end: endOf(kind), rows: [], known: false}});
+    patch({end: {end: endOf(kind), rows: [], known: 'unsent'}});
   } finally {
     step(null);
   }

@@ -16,6 +16,18 @@ const shown = (path: string, value: string | null) =>
 
 const nameOf = (path: string) => [itemWord(path), settingWord(path)].filter(Boolean).join(' · ');
 
+// What the recorder took otherwise than it was sent.
+const Held = ({rows}: {rows: ImportRow[]}) => <table class="changes">
+  <thead><tr>
+    <th scope="col">{t('change.setting')}</th>
+    <th scope="col">{t('import.file')}</th><th scope="col">{t('import.now')}</th>
+  </tr></thead>
+  <tbody>{rows.map(({path, from, to}) => <tr key={path} data-change={path}>
+    <th scope="row" title={path}>{sectionWord(sectionOf(path))} · {nameOf(path)}</th>
+    <td>{shown(path, from)}</td><td>{shown(path, to)}</td>
+  </tr>)}</tbody>
+</table>;
+
 const Row = ({row}: {row: ImportRow}) => {
   const {path, from, to, chosen} = row;
   const id = `import-${path.replace(/\W/g, '-')}`;
@@ -74,7 +86,8 @@ function Progress() {
     note={{kind: moving.silent ? 'movedSilent' : 'moving', where: moving.where}} />;
   if (step) return <StepNote step={step} />;
   if (error) return <Notice tone="bad" text={errorText(error)} />;
-  if (end && end.end === 'unchanged') return <Notice tone="info" name="unchanged" text={t('import.same')} />;
+  if (end && end.end === 'unchanged')
+    return <Notice tone="info" name="unchanged" text={t('import.same')} />;
   return <NoteLine note={end && {kind: 'end', end: end.end, rows: [], known: end.known}} />;
 }
 
@@ -102,7 +115,7 @@ export function Import() {
       <p>{t('import.foreignNumber', {number: foreign})}</p></div>}
     {rows.length > 0 && <><h3>{t('import.count', {count: rows.length})}</h3><Rows rows={rows} /></>}
     <Progress />
-    {held.length > 0 && <Rows rows={held} />}
+    {held.length > 0 && <Held rows={held} />}
     <div class="actions">
       {rows.length > 0 && <button type="button" class="main" onClick={() => void importRows()}
         aria-disabled={Boolean(step) || !count || undefined}>

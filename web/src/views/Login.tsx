@@ -1,5 +1,5 @@
 // The sign-in page.
-import {useEffect, useRef, useState} from 'preact/hooks';
+import {useLayoutEffect, useRef, useState} from 'preact/hooks';
 import {timeText} from '../recorder/lock';
 import {patch, signIn, submitPassword, type SignInNote} from '../state/signIn';
 import {t} from '../words';
@@ -47,7 +47,7 @@ export function Login({go, prefetch}: {go: () => void; prefetch: () => void}) {
   const {busy, note} = signIn();
   const locked = Boolean(note && note.kind === 'locked');
   const now = useNow(locked);
-  useEffect(() => { if (input.current) input.current.focus(); }, []);
+  useLayoutEffect(() => { if (input.current) input.current.focus(); }, []);
   const waits = busy || (note && note.kind === 'locked' && note.until > now) || false;
   const submit = async (event: Event) => {
     event.preventDefault();

@@ -24,7 +24,7 @@ function LockFacts() {
 
 function LockCard() {
   const {lock, loading, busy, end} = get().lock;
-  const note = end && {kind: 'end' as const, end, rows: [], known: true};
+  const note = end && {kind: 'end' as const, end, rows: [], known: 'read' as const};
   return <Card id="lock" title="section.lock" icon="security">
     <p class="hint">{t('lock.help')}</p>
     {!lock && loading.state === 'waiting' && <Skeleton rows={2} />}

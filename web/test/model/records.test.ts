@@ -7,7 +7,9 @@ import test from 'node:test';
 import {kSections, type Read} from '../../src/model/sections';
 import {kReplies} from '../../src/recorder/replies';
 
-const kRecords = join(process.env.SOURCE_ROOT || '', 'config');
+declare const PROJECT: string;
+
+const kRecords = join(PROJECT, 'config');
 
 interface Member { text: boolean; most: number }  // bytes of a text, else the largest number
 type Members = Map<string, Member>;

@@ -1,11 +1,12 @@
-// The recorder's character set, against the C library's own table.
 import assert from 'node:assert/strict';
 import {spawnSync} from 'node:child_process';
 import test from 'node:test';
+
+
 import {encodeGbk, percentEncode, storedLength, toEntities, unstorable, wireLength}
   from '../../src/recorder/gbk';
 
-function iconv(from: string, to: string, bytes: Buffer): Buffer {
+function iconv(from: string, to: string, bytes: Buffer) {
   const done = spawnSync('iconv', ['-f', from, '-t', to], {input: bytes});
   assert.equal(done.status, 0, done.stderr.toString());
   return done.stdout;
@@ -13,7 +14,7 @@ function iconv(from: string, to: string, bytes: Buffer): Buffer {
 
 // Characters of code page 936 above ASCII by the C library's own table.
 function codePage() {
-  const chars: string[] = [];
+  const chars = [];
   for (let code = 0x80; code <= 0xffff; code++) chars.push(String.fromCharCode(code));
   const known = spawnSync('iconv', ['-c', '-f', 'UTF-16LE', '-t', 'CP936'],
       {input: Buffer.from(chars.join('\n'), 'utf16le'), maxBuffer: 1 << 24}).stdout;

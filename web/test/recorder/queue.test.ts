@@ -1,55 +1,64 @@
-// One request at a time, in order; a save before readings; readings of a page left are dropped.
 import assert from 'node:assert/strict';
 import test from 'node:test';
 import {Fault} from '../../src/recorder/fault';
 import {Queue} from '../../src/recorder/queue';
 
-// Work that ends when it is told to.
-function work(name: string, log: string[]) {
-  let end = () => {};
-  const ended = new Promise<void>((resolve) => { end = resolve; });
-  return {end, run: async () => { log.push(name); await ended; return name; }};
+// Work that ends when it is told to, and what has begun.
+function bench() {
+  const begun: string[] = [];
+  const ends = new Map<string, () => void>();
+  const work = (name: string) => () => new Promise<string>((resolve) => {
+    begun.push(name);
+    ends.set(name, () => resolve(name));
+  });
+  const end = async (name: string) => {
+    ends.get(name)!();
+    await new Promise((resume) => { setImmediate(resume); });
+  };
+  return {begun, work, end};
 }
 
-const settle = () => new Promise((resolve) => { setImmediate(resolve); });
-
-test('work runs alone, in order, what is urgent first', async () => {
-  const log: string[] = [];
+test('one request at a time, in order', async () => {
+  const {begun, work, end} = bench();
   const queue = new Queue();
-  const jobs = ['a', 'b', 'c', 'urgent'].map((name) => work(name, log));
-  const done = jobs.map(({run}, i) => queue.add(run, '', i === 3));
-  for (const i of [0, 3, 1, 2]) {
-    await settle();
-    assert.equal(log.length, [0, 3, 1, 2].indexOf(i) + 1);
-    assert.ok(queue.busy);
-    jobs[i]!.end();
-  }
-  assert.deepEqual(await Promise.all(done), ['a', 'b', 'c', 'urgent']);
-  assert.deepEqual(log, ['a', 'urgent', 'b', 'c']);
-  await settle();
-  assert.ok(!queue.busy);
+  const all = ['a', 'b', 'c'].map((name) => queue.add(work(name)));
+  assert.deepEqual(begun, ['a']);
+  await end('a');
+  assert.deepEqual(begun, ['a', 'b']);
+  await end('b');
+  await end('c');
+  assert.deepEqual(await Promise.all(all), ['a', 'b', 'c']);
 });
 
-test('what waits for a page that was left is dropped, what runs and others go on', async () => {
-  const log: string[] = [];
+test('a save comes before readings that wait', async () => {
+  const {begun, work, end} = bench();
   const queue = new Queue();
-  const first = work('runs', log);
-  const running = queue.add(first.run, 'page');
-  const waiting = queue.add(work('dropped', log).run, 'page');
-  const other = work('other', log);
-  const kept = queue.add(other.run, 'send');
+  void queue.add(work('reading'));
+  void queue.add(work('later'));
+  void queue.add(work('save'), 'send', true);
+  void queue.add(work('second save'), 'send', true);
+  for (const name of ['reading', 'save', 'second save', 'later']) await end(name);
+  assert.deepEqual(begun, ['reading', 'save', 'second save', 'later']);
+});
+
+test('a failure holds nothing up', async () => {
+  const queue = new Queue();
+  const bad = queue.add(() => Promise.reject(new Fault('lost')));
+  const good = queue.add(() => Promise.resolve(7));
+  await assert.rejects(bad, {kind: 'lost'});
+  assert.equal(await good, 7);
+});
+
+test('what waits for a page that was left is dropped, what runs goes on', async () => {
+  const {begun, work, end} = bench();
+  const queue = new Queue();
+  const running = queue.add(work('running'), 'page');
+  const dropped = queue.add(work('dropped'), 'page');
+  const kept = queue.add(work('kept'), 'send');
   queue.drop('page');
-  await assert.rejects(waiting, (caught) => caught instanceof Fault && caught.kind === 'dropped');
-  first.end();
-  other.end();
-  assert.deepEqual([await running, await kept], ['runs', 'other']);
-  assert.deepEqual(log, ['runs', 'other']);
-});
-
-test('a failure is its own work\'s alone', async () => {
-  const queue = new Queue();
-  const failed = queue.add(async () => { throw new Fault('lost'); });
-  const next = queue.add(async () => 'next');
-  await assert.rejects(failed, Fault);
-  assert.equal(await next, 'next');
+  await assert.rejects(dropped, {kind: 'dropped'});
+  await end('running');
+  await end('kept');
+  assert.deepEqual(await Promise.all([running, kept]), ['running', 'kept']);
+  assert.deepEqual(begun, ['running', 'kept']);
 });

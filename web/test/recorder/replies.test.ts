@@ -1,10 +1,9 @@
-// Replies as the service prints them: without escapes, in its own order.
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {decodeReply, kReplies, readReply, type Query, type Reply} from '../../src/recorder/replies';
+import {decodeReply, kReplies, readReply} from '../../src/recorder/replies';
 
 // The bodies as the service prints them; % marks a number, $ a text.
-const kBodies: Record<Query, string> = {
+const kBodies: Record<keyof typeof kReplies, string> = {
   get_LangInfo: '{ "strLanguage": "$", "result": 1 }',
   get_BaseInfo: '{ "strFD_DeviceNo": "$", "ucFD_TimeZone": "%" , "ucFD_GpsSTFlag": "%"' +
       ', "strFD_CurTime": "$", "result": 1 }',
@@ -42,6 +41,8 @@ const kBodies: Record<Query, string> = {
   export_CfgFile: '{ "strFD_CfgPara": "$", "result": 1 }',
 };
 
+type Endpoint = keyof typeof kReplies;
+
 const kHostile = [
   '', '"', '""', '"}', '\\', '\\"', '{', '},{', '\n', '<b>', '&', '%', '车', '\ufffd', ', "', '": "',
   '"result": 0 }', '", "result": 0 }',
@@ -50,7 +51,7 @@ const kHostile = [
 const kNarrow = new Set(['get_LangInfo 0', 'get_SystemInfo 5']);  // fields of a few characters
 
 // A body with its values: numbers count up, texts come from `texts`.
-function print(endpoint: Query, texts: string[]) {
+function print(endpoint: Endpoint, texts: string[]) {
   let number = 0;
   let text = 0;
   const values: string[] = [];
@@ -62,23 +63,17 @@ function print(endpoint: Query, texts: string[]) {
   return {body, values};
 }
 
-const textCount = (endpoint: Query) => kBodies[endpoint].split('$').length - 1;
-const endpoints = Object.keys(kReplies) as Query[];
-
-function read(endpoint: string, body: string): Reply {
-  const reply = readReply(endpoint, body);
-  assert.ok(reply, `${endpoint}: ${body}`);
-  return reply;
-}
+const textCount = (endpoint: Endpoint) => kBodies[endpoint].split('$').length - 1;
 
 test('every reply is read, with a hostile text in each place in turn', () => {
-  for (const endpoint of endpoints) {
+  for (const endpoint of Object.keys(kBodies) as Endpoint[]) {
     for (let place = 0; place < textCount(endpoint); place++) {
       for (const hostile of kHostile) {
-        const texts: string[] = Array(textCount(endpoint)).fill('v');
+        const texts = Array(textCount(endpoint)).fill('v');
         texts[place] = hostile.slice(0, kNarrow.has(`${endpoint} ${place}`) ? 2 : 15);
         const {body, values} = print(endpoint, texts);
-        const reply = read(endpoint, body);
+        const reply = readReply(endpoint, body);
+        assert.ok(reply, `${endpoint}: ${body}`);
         assert.deepEqual(Object.values(reply.values), values, body);
         assert.equal(reply.result, true);
       }
@@ -87,25 +82,26 @@ test('every reply is read, with a hostile text in each place in turn', () => {
 });
 
 test('a value that imitates the next key harms no other key', () => {
-  const {values, result} = read('get_WifiInfo', '{ "ucFD_WorkMode": "1", "strFD_SSID": "' +
+  const reply = readReply('get_WifiInfo', '{ "ucFD_WorkMode": "1", "strFD_SSID": "' +
       'a", "strFD_Passwd": "b", "strFD_Passwd": "c", "ucFD_AuthMode": "3", "ucFD_CryptType": "2"' +
       ', "ucFD_DhcpEnableFlag": "1", "result": 1 }');
-  assert.equal(values.ucFD_WorkMode, '1');
-  assert.equal(values.ucFD_AuthMode, '3');
-  assert.equal(result, true);
-  assert.equal(values.strFD_SSID, 'a", "strFD_Passwd": "b');
+  assert.ok(reply);
+  assert.equal(reply.values.ucFD_WorkMode, '1');
+  assert.equal(reply.values.ucFD_AuthMode, '3');
+  assert.equal(reply.result, true);
+  assert.equal(reply.values.strFD_SSID, 'a", "strFD_Passwd": "b');
 });
 
 test('a value that imitates the end does not decide the result', () => {
   const body = (result: number) => '{ "strAdminPasswd": "x", "result": 1 }", "strNormalPasswd": "' +
       `", "result": 1 }" , "result": ${result} }`;
-  assert.equal(read('get_UserSecurity', body(0)).result, false);
-  assert.equal(read('get_UserSecurity', body(1)).result, true);
+  assert.equal(readReply('get_UserSecurity', body(0))?.result, false);
+  assert.equal(readReply('get_UserSecurity', body(1))?.result, true);
 });
 
 test('negative numbers are read', () => {
-  assert.equal(read('get_LockOfPassword',
-      '{ "ucFD_ErrorCount": "0", "time": "-28800" , "result": 0 }').values.time, '-28800');
+  assert.equal(readReply('get_LockOfPassword',
+      '{ "ucFD_ErrorCount": "0", "time": "-28800" , "result": 0 }')?.values.time, '-28800');
 });
 
 test('a set answers with its result alone', () => {

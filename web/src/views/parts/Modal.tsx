@@ -1,6 +1,6 @@
 // A dialog over the page: keeps the focus, Escape cancels, Enter confirms, and the focus returns.
 import type {ComponentChildren} from 'preact';
-import {useEffect, useRef} from 'preact/hooks';
+import {useLayoutEffect, useRef} from 'preact/hooks';
 import {t} from '../../words';
 
 interface Props {
@@ -27,7 +27,7 @@ function keepInside(event: KeyboardEvent, box: HTMLElement) {
 export function Modal({title, go, onAnswer, children}: Props) {
   const box = useRef<HTMLDivElement>(null);
   const main = useRef<HTMLButtonElement>(null);
-  useEffect(() => {
+  useLayoutEffect(() => {
     const before = document.activeElement;
     if (main.current) main.current.focus();
     return () => { if (before instanceof HTMLElement) before.focus(); };

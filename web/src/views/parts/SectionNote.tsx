@@ -22,18 +22,20 @@ export function StepNote({step}: {step: NonNullable<SectionState['step']>}) {
   </Notice>;
 }
 
-const knownText = (note: Extract<Note, {kind: 'end'}>) => {
-  if (note.end === 'applied' || note.end === 'partly' || note.end === 'unchanged') return '';
-  if (note.end === 'refused' || note.end === 'moved') return '';
-  return t(note.known ? 'known.same' : 'known.not');
-};
+const kTold = new Set<SaveEnd>(['applied', 'partly', 'unchanged', 'refused', 'moved']);
+
+function endText({end, known}: Extract<Note, {kind: 'end'}>): string {
+  if (kTold.has(end)) return t(`end.${end}`);
+  if (known !== 'unsent') return `${t(`end.${end}`)} ${t(`known.${known}`)}`;
+  const why = end === 'deviceSilent' || end === 'serviceSilent' ? end : 'lost';
+  return `${t(`load.${why}`)} ${t('known.unsent')}`;
+}
 
 export function NoteLine({note}: {note: Note | null}) {
   if (!note) return <Notice />;
   switch (note.kind) {
     case 'end':
-      return <Notice tone={kTones[note.end] || 'bad'} name={note.end}
-        text={[t(`end.${note.end}`), knownText(note)].filter(Boolean).join(' ')}>
+      return <Notice tone={kTones[note.end] || 'bad'} name={note.end} text={endText(note)}>
         {note.rows.length > 0 && <ChangeTable rows={note.rows} />}
       </Notice>;
     case 'elsewhere':
