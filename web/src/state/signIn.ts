@@ -59,8 +59,8 @@ async function tryPassword(password: string, go: () => void) {
   if (!lock.known) return say({kind: 'fault', why: 'deviceSilent'});
   if (lock.left > 0) return say(lockedFor(lock.left));
   const {result, values, ms} = await login(password);
-  if (result && values.jsession) return enter(lock, values.jsession, go);
   if (ms >= kSilenceMs) return say({kind: 'fault', why: 'deviceSilent'});
+  if (result && values.jsession) return enter(lock, values.jsession, go);
   return countWrong(lock);
 }
 
