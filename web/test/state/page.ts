@@ -1,0 +1,44 @@
+// Stands for what a browser gives the state modules: memory, an address, a recorder that answers.
+
+class Memory {
+  private kept = new Map<string, string>();
+  getItem(key: string) { return this.kept.get(key) || null; }
+  setItem(key: string, value: string) {
+    this.kept.set(key, value);
+    Object.defineProperty(this, key, {value, enumerable: true, configurable: true});
+  }
+  removeItem(key: string) {
+    this.kept.delete(key);
+    Reflect.deleteProperty(this, key);
+  }
+  text() { return [...this.kept.values()].join('\n'); }
+}
+
+export const local = new Memory();
+export const session = new Memory();
+export const asked: string[] = [];
+export const moves: string[] = [];
+
+// Answers by endpoint; a missing one is a service that does not answer.
+export const answers: Record<string, string | (() => string)> = {};
+export const cookie = {value: ''};
+
+const reply = (url: string) => {
+  const name = url.replace(/^\//, '').replace(/\?.*/, '');
+  asked.push(name);
+  const answer = answers[name];
+  if (answer === undefined) throw new TypeError('no connection');
+  return new Response(typeof answer === 'function' ? answer() : answer,
+      {headers: {Date: 'Thu, 01 Jan 2026 00:00:00 GMT'}});
+};
+
+Object.assign(globalThis, {
+  localStorage: local, sessionStorage: session,
+  document: {hidden: false, get cookie() { return cookie.value; }, documentElement: {lang: ''},
+    addEventListener() {}},
+  location: {hostname: '192.168.1.88', origin: 'http://192.168.1.88', hash: '',
+    replace: (to: string) => moves.push(to), assign: (to: string) => moves.push(to)},
+  fetch: async (url: string) => reply(url),
+});
+
+export const signedIn = () => { cookie.value = `jsession=${'a'.repeat(32)}`; };
