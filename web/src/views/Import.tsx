@@ -31,7 +31,7 @@ const Held = ({rows}: {rows: ImportRow[]}) => <table class="changes">
 const Row = ({row}: {row: ImportRow}) => {
   const {path, from, to, chosen} = row;
   const id = `import-${path.replace(/\W/g, '-')}`;
-  return <tr data-setting={path} class={chosen ? '' : 'left'}>
+  return <tr data-setting={path} class={chosen ? '' : 'out'}>
     <td><input type="checkbox" id={id} checked={chosen} class="tick"
       onClick={(event) => chooseRows([path], event.currentTarget.checked)} /></td>
     <th scope="row"><label for={id} title={path}>{nameOf(path)}</label>

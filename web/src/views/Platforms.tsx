@@ -17,7 +17,7 @@ function Gb28181() {
     </div>
     <h3>{t('id.title')}</h3>
     <p class="hint">{t('id.help')}</p>
-    <FieldTable section="gb28181" head="id.channel" fields={ids} />
+    <FieldTable section="gb28181" head="id.channel" fields={ids} long />
   </>;
 }
 

@@ -14,5 +14,5 @@ function Cameras() {
 
 export const Video = () => <div class="cards">
   <SectionForm id="cameras" icon="video" help="cameras.help" rows={8} wide layout={Cameras} />
-  <SectionForm id="subStream" icon="video" help="subStream.help" rows={2} />
+  <SectionForm id="subStream" icon="video" help="subStream.help" rows={2} wide />
 </div>;

@@ -113,7 +113,7 @@ export const en = {
   'section.io': 'Inputs and outputs',
   'section.versions': 'Versions',
   'base.help': 'The number names this recorder to its platforms. Change it only together with them.',
-  'cameras.help': 'What is recorded and sent as the main stream, and how the picture is turned.',
+  'cameras.help': 'What is recorded and sent as the main stream, and how the picture is turned. Frame rate: pictures per second, 1 to 60. Bit rate: kbit/s, 16 to 32768; more is sharper, and fills disks and the mobile network sooner.',
   'cameras.firstOnly': 'The whole configuration could not be read: only the first camera is shown.',
   'subStream.help': 'The small picture that platforms show first. It takes less of the mobile network.',
   'localEth0.help': 'The recorder’s own address. These pages follow it to a new one.',

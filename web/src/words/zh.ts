@@ -115,7 +115,7 @@ export const zh: Record<keyof typeof en, string> = {
   'section.io': '输入输出',
   'section.versions': '版本',
   'base.help': '平台以此编号识别录像机，请与平台同时修改。',
-  'cameras.help': '录像和上传所用的主码流，以及画面的方向。',
+  'cameras.help': '录像和上传所用的主码流，以及画面的方向。帧率为每秒帧数，1 至 60。码率单位 kbit/s，16 至 32768：越高越清晰，也越占用硬盘和移动网络。',
   'cameras.firstOnly': '无法读取全部配置，只显示第一路摄像机。',
   'subStream.help': '平台首先显示的小画面，占用的移动网络流量较少。',
   'localEth0.help': '录像机自己的地址。修改后本页面会跟随到新地址。',

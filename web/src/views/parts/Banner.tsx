@@ -19,7 +19,7 @@ export function Banner() {
       <p class="count" aria-hidden="true">
         {since} {left > 0 ? t('health.retry', {seconds: left}) : t('health.asking')}
       </p>
-      <button type="button" class="quiet" onClick={() => void retryNow()}>{t('health.now')}</button>
+      <button type="button" onClick={() => void retryNow()}>{t('health.now')}</button>
     </Notice>
   </div>;
 }

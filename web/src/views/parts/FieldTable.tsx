@@ -4,16 +4,17 @@ import type {SectionId} from '../../model/sections';
 import {t, type WordKey} from '../../words';
 import {FieldRow} from './FieldRow';
 
-interface Props { section: SectionId; head: WordKey; fields: Field[] }
+// `long`: values that want the whole width of a phone.
+interface Props { section: SectionId; head: WordKey; fields: Field[]; long?: boolean }
 
 const channelOf = (field: Field) => Number(field.labelValues && field.labelValues.channel);
 
-export function FieldTable({section, head, fields}: Props) {
+export function FieldTable({section, head, fields, long}: Props) {
   const columns = [...new Set(fields.map(({label}) => label))];
   const channels = [...new Set(fields.map(channelOf))];
   const cell = (channel: number, label: WordKey) =>
     fields.find((field) => channelOf(field) === channel && field.label === label);
-  return <table class="grid">
+  return <table class={`grid${long ? ' long' : ''}`}>
     <thead><tr>
       <th scope="col">{t(head)}</th>
       {columns.map((label) => <th key={label} scope="col">{t(label)}</th>)}

@@ -21,9 +21,10 @@ export function Skeleton({rows}: {rows: number}) {
 }
 
 function Failed({id}: {id: SectionId}) {
-  const {loading} = sectionState(id);
+  const {loading, fields} = sectionState(id);
   if (loading.state !== 'failed') return null;
-  if (get().health.state !== 'answers') return <Notice tone="info" text={t('load.waiting')} />;
+  if (get().health.state !== 'answers')
+    return fields.length ? null : <Notice tone="info" text={t('load.waiting')} />;
   const why = loading.why === 'dropped' || loading.why === 'refused' ? 'lost' : loading.why;
   return <Notice tone="bad" text={t(`load.${why}`)}>
     <button type="button" class="quiet" onClick={read}>{t('again')}</button>
