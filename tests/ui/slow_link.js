@@ -3,7 +3,8 @@
 // costs one round trip before its first byte, as the handshake would. It counts what passes.
 //
 // The kernel's own emulation (netem) is missing on some machines, and the browser's delays requests
-// but not connections; with this one the wire is the same for every browser.
+// but not connections; with this one the wire is the same for every browser, and what the browser
+// takes from its own memory is not counted.
 import {once} from 'node:events';
 import {createServer, connect} from 'node:net';
 
@@ -51,6 +52,7 @@ export class SlowLink {
     this.up = new Lane(this);
     this.down = new Lane(this);
     this.connections = 0;
+    this.asked = [];
   }
 
   static async to(target) {
@@ -71,13 +73,18 @@ export class SlowLink {
       from.on('close', () => this.sockets.delete(from));
       new Pipe(lane, from, to, opened);
     }
+    // A browser sends one request at a time on a connection, each in one piece.
+    near.on('data', (piece) => {
+      const head = /^[A-Z]+ (\/[^ ?]*)\S* HTTP\/1\.1\r\n/.exec(piece.toString('latin1'));
+      if (head) this.asked.push(head[1]);
+    });
   }
 
-  // Bytes that passed both ways since the last call.
-  count() {
+  // What passed since the last call: the paths of requests, and bytes of both ways.
+  passed() {
     const bytes = this.up.bytes + this.down.bytes;
     this.up.bytes = this.down.bytes = 0;
-    return bytes;
+    return {requests: this.asked.splice(0), bytes};
   }
 
   stop() {
