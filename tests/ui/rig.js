@@ -13,7 +13,7 @@ const kBrowserOptions = [
   '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-sync',
   '--disable-background-networking', '--disable-component-update',
 ];
-const kPatienceMs = 12000;
+const kPatienceMs = 60000;
 
 export class Rig extends Pair {
   static async start() {
