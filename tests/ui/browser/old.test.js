@@ -67,7 +67,8 @@ test('a save arrives', async () => {
   await shown('network');
   const input = '[data-field="stMobileGNet/strFD_Apn"] input';
   await engine.click(input);
-  await engine.run((selector) => document.querySelector(selector).select(), input);
+  await engine.until((selector) => document.activeElement === document.querySelector(selector), input);
+  await engine.run(() => document.activeElement.select());
   await engine.type('fleet');
   await engine.click('[data-section="mobile"] .main');
   await engine.click('[role=dialog] .main');

@@ -72,7 +72,7 @@ test('the fifth wrong entry locks, the lock shows the time left and ends', async
   assert.equal(await submit(page).getAttribute('aria-disabled'), 'true');
   await page.reload();
   await state(page, 'locked');
-  await setLock(5, now() - kOffset - 3592);  // eight seconds left, some of them for the restart
+  await setLock(5, now() - kOffset - 3594);  // six seconds left, some of them for the restart
   await page.reload();
   await page.locator('button[type=submit]:not([aria-disabled])').waitFor();
   await type(page, kPassword);
@@ -80,16 +80,14 @@ test('the fifth wrong entry locks, the lock shows the time left and ends', async
   await page.context().close();
 });
 
-test('wrong entries of an earlier hour, or of a clock that ran ahead, do not count', async () => {
-  for (const time of [now() - kOffset - 4000, now() - kOffset + 86400]) {
-    await setLock(4, time);
-    const page = await at();
-    await type(page, 'nonsense');
-    await state(page, 'wrong');
-    assert.match(await words(page), /\b4\b/);
-    assert.equal(wrongEntries(), '1');
-    await page.context().close();
-  }
+test('wrong entries of a clock that ran ahead do not count', async () => {
+  await setLock(4, now() - kOffset + 86400);
+  const page = await at();
+  await type(page, 'nonsense');
+  await state(page, 'wrong');
+  assert.match(await words(page), /\b4\b/);
+  assert.equal(wrongEntries(), '1');
+  await page.context().close();
 });
 
 test('a lock ahead of the recorder\'s clock keeps nobody out', async () => {

@@ -170,7 +170,7 @@ const kWrong = [
   ['network', 'wifi', 'stWifi/strFD_SSID', '', /./],
   ['network', 'wifi', 'stWifi/strFD_SSID', 'a😀', /😀/],
   ['network', 'wifi', 'stWifi/ucFD_AuthMode', '256', /255/],
-  ['network', 'mobile', 'stMobileGNet/strFD_Apn', '"'.repeat(6), /36.*31|31.*36/s],
+  ['network', 'mobile', 'stMobileGNet/strFD_PhoneNo', '1'.repeat(24), /24.*23|23.*24/s],
   ['video', 'subStream', 'stSubStream/ucFD_FrameRate', '256', /./],
   ['video', 'subStream', 'stSubStream/ucFD_FrameRate', '0', /./],
   ['video', 'subStream', 'stSubStream/uiFD_BitRate', '99999999', /./],
