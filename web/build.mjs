@@ -50,6 +50,8 @@ async function make() {
   const words = {
     BASE: asset('base', 'css', base), LOGIN: asset('login', 'js', login),
     APP: asset('app', 'js', app),
+    // A browser looks at the icon again at each change of page, and keeps what has a hash.
+    ICON: asset('icon', 'svg', read('documents', 'icon.svg')),
   };
   // Guarded sheets keep their names; a page that is open during an upgrade sees the new mark.
   const mark = hash([...files.keys(), page, sets].join());

@@ -9,7 +9,7 @@ import {waiting} from './state/editing';
 import {watchHealth, whenRecovered} from './state/health';
 import {loadPreferences} from './state/preferences';
 import {read, startRoute} from './state/route';
-import {expire, setBuild} from './state/session';
+import {expire, setBuild, takeNewPages} from './state/session';
 import {watchVisibility} from './state/status';
 import {get} from './state/store';
 import {addWords, t} from './words';
@@ -81,6 +81,8 @@ async function start() {
   if (!sessionId()) return expire();
   try {
     await passGate(Promise.all([sheet('page.css'), sheet('sets.css')]));
+    const served = getComputedStyle(document.documentElement).getPropertyValue('--build').trim();
+    if (await takeNewPages(served)) return;
   } catch (caught) {
     if (kindOf(caught) === 'refused') return expire();
   }

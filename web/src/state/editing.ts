@@ -76,3 +76,7 @@ export function waiting(): Partial<Record<PageId, number>> {
   }
   return counts;
 }
+
+// Whether something was typed that no draft keeps.
+export const secretsWait = () => Object.values(get().sections).some((state) =>
+  state && state.fields.some(({kind, path}) => kind === 'secret' && path in state.typed));

@@ -4,7 +4,7 @@ import {endSession, renewSession} from '../recorder/gate';
 import {kindOf} from '../recorder/fault';
 import {request} from '../recorder/wire';
 import {askUser} from './dialog';
-import {waiting} from './editing';
+import {secretsWait, waiting} from './editing';
 import {dropAllDrafts, recall, remember} from './memory';
 import {get, set} from './store';
 
@@ -15,14 +15,17 @@ const kWaitMs = 12000;
 let build = '';
 export const setBuild = (mark: string) => { build = mark; };
 
-// The service has newer pages than this one: takes them, once.
-async function checkBuild(sheet: string) {
-  const match = kBuild.exec(sheet);
-  const served = match ? match[1] || '' : build;
-  if (served === build || !build || recall(kReloaded) === served) return;
-  remember(kReloaded, served);
+// The service has other pages than this one: takes them, once, unless that would lose a secret that
+// was typed. True when they are on their way. The kept app.html is fetched anew, as its date may be
+// no newer than the one that is kept.
+export async function takeNewPages(served: string): Promise<boolean> {
+  if (!served || !build || served === build || recall(kReloaded) === served) return false;
+  if (secretsWait()) return false;
   await request('app.html', {cache: 'reload'}, kWaitMs);
+  remember(kReloaded, served);
+  set({expired: true});  // what was typed is in the drafts, so nothing is asked
   location.reload();
+  return true;
 }
 
 export function expire() {
@@ -33,7 +36,8 @@ export function expire() {
 
 // Throws 'refused' when the session has ended.
 export async function renew() {
-  await checkBuild(await renewSession());
+  const match = kBuild.exec(await renewSession());
+  await takeNewPages(match && match[1] || '');
 }
 
 // At a change of page; holds nothing up.
