@@ -12,6 +12,9 @@ import {build, transform} from 'esbuild';
 const kHere = fileURLToPath(new URL('.', import.meta.url));
 const kTarget = ['chrome70', 'firefox65', 'safari12.1'];
 const kCompressAbove = 1024;
+// Bookmarks of the time when each page was a document.
+const kOldPages =
+    ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance'];
 const kIsText = /\.(?:html|css|js|svg)$/;
 
 const read = (...path) => readFileSync(join(kHere, ...path), 'utf8');
@@ -61,6 +64,9 @@ async function make() {
   for (const name of readdirSync(join(kHere, 'documents')).filter((n) => n.endsWith('.html')))
     files.set(name, squeeze(read('documents', name))
         .replace(/\{([A-Z]+)\}/g, (_, word) => words[word] || mark));
+  for (const page of kOldPages)
+    files.set(`${page}.html`, `<!doctype html><meta charset="utf-8"><title>…</title>` +
+        `<meta http-equiv="refresh" content="0; url=app.html#/${page}">\n`);
   return files;
 }
 

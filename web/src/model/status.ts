@@ -20,6 +20,12 @@ const text = (value = ''): Shown => ({kind: 'text', text: value.trim(), tone: ''
 const words = (key: WordKey, tone: Tone = ''): Shown => ({kind: 'words', words: key, tone});
 const link = (value?: string) =>
   isSet(value) ? words('status.online') : words('status.offline', 'warn');
+// What a module needs is missed when the module is there.
+const needed = (value?: string, module?: string) =>
+  words(isSet(value) ? 'status.fitted' : 'status.missing',
+      isSet(module) && !isSet(value) ? 'warn' : '');
+const vital = (value?: string) =>
+  isSet(value) ? words('status.online') : words('status.offline', 'bad');
 const fitted = (value?: string) => isSet(value) ? words('status.fitted') : words('status.missing');
 
 // Modules count 0 to 31 (99: unknown); larger numbers are a percentage.
@@ -34,8 +40,8 @@ const kUnits: Record<string, number> = {k: 1e3, m: 1e6, g: 1e9, t: 1e12};
 const kSizes = /^\s*([\d.]+)\s*([kmgt])i?b?\s*\/\s*([\d.]+)\s*([kmgt])i?b?\s*$/i;
 
 // "931.5GB/412.7GB" is what a disk holds and what is free of it; anything else is shown as it is.
-export function disk(exists = '', size = ''): Shown {
-  if (!isSet(exists)) return words('status.missing');
+export function disk(exists = '', size = '', other = ''): Shown {
+  if (!isSet(exists)) return words('status.missing', isSet(other) ? '' : 'bad');
   const match = kSizes.exec(size);
   if (!match) return text(size);
   const bytes = (number = '', unit = '') => Number(number) * (kUnits[unit.toLowerCase()] || 1);
@@ -70,7 +76,7 @@ export const kCards: readonly (readonly [CardId, readonly Row[]])[] = [
     row('module', fitted, 'ucFD_GNetExist'),
     only('ucFD_GNetExist', row('dial', link, 'ucFD_GNetDail')),
     only('ucFD_GNetExist', row('signal', signal, 'uiFD_GNetSignal')),
-    row('mobile.sim', fitted, 'ucFD_SimExist'),
+    row('mobile.sim', needed, 'ucFD_SimExist', 'ucFD_GNetExist'),
     row('mobile.imei', text, 'strFD_GNetIMEI'),
     row('mobile.imsi', text, 'ucFD_SimIMSI'),
     row('mobile.iccid', text, 'ucFD_SimICCID'),
@@ -89,7 +95,8 @@ export const kCards: readonly (readonly [CardId, readonly Row[]])[] = [
     row('platform.gb28181', link, 'ucFD_GB28181Status'),
   ]],
   ['disks', [
-    row('disk.1', disk, 'disk1Exist', 'disk1Size'), row('disk.2', disk, 'disk2Exist', 'disk2Size'),
+    row('disk.1', disk, 'disk1Exist', 'disk1Size', 'disk2Exist'),
+    row('disk.2', disk, 'disk2Exist', 'disk2Size', 'disk1Exist'),
   ]],
   ['gps', [
     row('gps.module', fitted, 'ucFD_GpsExist'),
@@ -109,7 +116,7 @@ export const kCards: readonly (readonly [CardId, readonly Row[]])[] = [
 export const kSummary: readonly Row[] = [
   row('deviceNo', text, 'strFD_DeviceNo'),
   row('ignition', (value) => words(isSet(value) ? 'on' : 'off'), 'ucFD_AccStatus'),
-  row('page.network', link, 'ucFD_NetStatus'),
+  row('page.network', vital, 'ucFD_NetStatus'),
 ];
 
 export const shownOf = ({show, keys}: Row, values: Values): Shown =>

@@ -3,7 +3,9 @@
 import {Fault} from './fault';
 import {readClock, request} from './wire';
 
-const kGraceMs = 1500;  // a sheet may come that much later than a file asked for after it
+// A sheet may come that much later than a file asked for after it; on a slow link later still.
+const kGraceMs = 1500;
+const kGraceTimes = 3;
 const kWaitMs = 12000;
 
 // A cookie that ends with the browser and that its tabs share.
@@ -22,8 +24,10 @@ export const sheetUrl = (name: string) => `${name}?time=${Date.now()}&SessionID=
 
 // Waits for what was asked for, or throws 'refused' when a file asked for behind it came alone.
 export async function passGate<T>(arrival: Promise<T>): Promise<T> {
+  const begin = Date.now();
   const refusal = readClock().then(() => new Promise<never>((_, fail) => {
-    setTimeout(() => fail(new Fault('refused')), kGraceMs);
+    const grace = Math.max(kGraceMs, kGraceTimes * (Date.now() - begin));
+    setTimeout(() => fail(new Fault('refused')), grace);
   }));
   refusal.catch(() => {});  // a connection lost here is told by the arrival
   arrival.catch(() => {});

@@ -1,6 +1,6 @@
 // The only module that talks to the recorder's service. Each request has a limit, as some get no
 // answer. Knows no page.
-import {Fault} from './fault';
+import {Fault, kindOf} from './fault';
 import {encodeGbk, percentEncode} from './gbk';
 import {Queue} from './queue';
 import {decodeReply, readReply, type Query, type Reply} from './replies';
@@ -50,14 +50,21 @@ async function exchange(endpoint: string, options: RequestInit): Promise<Timed> 
   return {...reply, ms: Date.now() - begin};
 }
 
+// A configuration that is too long for the service gets no answer, though the service is well.
+async function explain(endpoint: string, kind: Fault['kind']): Promise<Fault['kind']> {
+  if (endpoint !== 'export_CfgFile' || kind !== 'serviceSilent') return kind;
+  return readClock().then(() => 'unreadable' as const, () => kind);
+}
+
 async function ask(endpoint: string, options: RequestInit): Promise<Timed> {
   try {
     const reply = await exchange(endpoint, options);
     witness.heard(reply);
     return reply;
   } catch (caught) {
-    if (caught instanceof Fault) witness.failed(caught.kind);
-    throw caught;
+    const kind = await explain(endpoint, kindOf(caught));
+    witness.failed(kind);
+    throw new Fault(kind);
   }
 }
 

@@ -23,7 +23,7 @@ function silent(state: 'deviceSilent' | 'serviceSilent') {
   clearTimeout(retry);
   retry = setTimeout(() => void retryNow(), pause);
   set({health: {state, since, retryAt: Date.now() + pause}});
-  queue.drop('page');
+  for (const group of ['page', 'poll']) queue.drop(group);
 }
 
 function alive() {

@@ -4,7 +4,7 @@ import {merge} from '../model/merge';
 import {sectionsOf, valuesOf, type PageId, type Read, type Section} from '../model/sections';
 import {fetchConfig, type Settings} from '../recorder/config';
 import {Fault, kindOf} from '../recorder/fault';
-import {query, queue, type Turn} from '../recorder/wire';
+import {query, type Turn} from '../recorder/wire';
 import {kSilenceMs} from './health';
 import {dropDraft, keepDraft, loadDraft} from './memory';
 import {get, patchSection, sectionState, type Note, type SectionState} from './store';
@@ -27,8 +27,7 @@ async function wholeConfig(turn: Turn): Promise<Settings | null> {
   try {
     return (await fetchConfig(turn)).settings;
   } catch (caught) {
-    const kind = kindOf(caught);
-    if (kind !== 'serviceSilent') throw caught;
+    if (kindOf(caught) !== 'unreadable') throw caught;
     tooLong = true;
     return null;
   }
@@ -103,7 +102,6 @@ async function load(section: Section, whole: Whole) {
 
 // Reads what a page shows, in the order in which it shows it.
 export async function loadPage(page: PageId) {
-  queue.drop('page');
   const sections = sectionsOf(page);
   let config: Promise<Settings | null> | null = null;
   const whole = () => config || (config = wholeConfig({group: 'page'}));

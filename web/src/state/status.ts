@@ -16,7 +16,7 @@ export async function pollStatus() {
   clearTimeout(timer);
   if (!wanted()) return;
   try {
-    const {result, values} = await query('get_SystemInfo', {group: 'page'});
+    const {result, values} = await query('get_SystemInfo', {group: 'poll'});
     if (result) set({status: {at: Date.now(), values}});
   } catch (caught) {
     if (!(caught instanceof Fault)) throw caught;
@@ -27,7 +27,7 @@ export async function pollStatus() {
 
 export function watchVisibility() {
   document.addEventListener('visibilitychange', () => {
-    if (document.hidden) queue.drop('page');
+    if (document.hidden) queue.drop('poll');
     else void pollStatus();
   });
 }

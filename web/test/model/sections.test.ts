@@ -1,87 +1,11 @@
 import assert from 'node:assert/strict';
-import {readFileSync, readdirSync} from 'node:fs';
 import test from 'node:test';
 import {kSections, valuesOf, type Read, type Section} from '../../src/model/sections';
-import {kGbEnable, kGbStream} from '../../src/model/gb28181';
-import type {Field} from '../../src/model/fields';
 import {readReply} from '../../src/recorder/replies';
-
-declare const PROJECT: string;
 
 const sectionOf = (id: Section['id']) => kSections.find((section) => section.id === id)!;
 const reading = (settings: [string, string][] | null, reply = {}): Read =>
   ({reply, settings: settings && new Map(settings)});
-
-// The daemon's own records: type and width of every member of every struct.
-interface Member { type: string; width: number }
-function records(): Map<string, Map<string, Member>> {
-  const found = new Map<string, Map<string, Member>>();
-  for (const file of readdirSync(`${PROJECT}/config`).filter((name) => /^Records\w+\.h$/.test(name))) {
-    const text = readFileSync(`${PROJECT}/config/${file}`, 'utf8');
-    for (const [, name = '', body = ''] of text.matchAll(/struct (\w+) \{([^]*?)\n\};/g)) {
-      const members = body.matchAll(/^ {2}(\w+) (\w+)(?:\[\d+\])?(?:\[(\d+)\])?;/gm);
-      const single = body.matchAll(/^ {2}(\w+) (\w+)(?:\[(\d+)\])?;/gm);
-      const map = new Map<string, Member>();
-      for (const [, type = '', member = '', width] of [...members, ...single])
-        map.set(member, {type, width: Number(width || 0)});
-      found.set(name, map);
-    }
-  }
-  return found;
-}
-
-const kAll = records();
-// What stands in the record under another name than in the configuration.
-const kElsewhere: Record<string, string> = {strFD_LensId: 'strSubId', strFD_AlarmInId: 'strSubId'};
-
-function memberOf(path: string): Member | undefined {
-  const parts = path.split('/');
-  const attribute = parts.pop() || '';
-  let record = kAll.get(parts[0] || '');
-  const container = parts[1] && record ? record.get(parts[1]) : undefined;
-  if (container) record = kAll.get(container.type);
-  return record && record.get(kElsewhere[attribute] || attribute);
-}
-
-const kLargest: Record<string, number> = {uint8_t: 255, uint16_t: 65535, uint32_t: 4294967295};
-const kAtMost = new Set(['ucFD_FrameRate', 'uiFD_BitRate']);  // narrower than their records
-const kOwn = new Set([kGbEnable, kGbStream, 'current', 'fresh', 'repeat']);
-
-function everyField(): Field[] {
-  const settings: [string, string][] = [['stVersion/VideoCnt', '8']];
-  for (let k = 0; k < 8; k++) {
-    settings.push([`stMainStream/stVideoPara/VChn_${k}/ucFD_FrameRate`, '25'],
-        [`stMainStream/stVideoPara/VChn_${k}/uiFD_BitRate`, '2048'],
-        [`stVideoMirror/stVideoMirrorPara/VChn_${k}/ucFD_LeftRight`, '0'],
-        [`stVideoMirror/stVideoMirrorPara/VChn_${k}/ucFD_UpDown`, '0']);
-  }
-  return kSections.flatMap((section) => section.fields(reading(settings)));
-}
-
-test('every width and range of the pages is that of the daemon’s records', () => {
-  let texts = 0;
-  let numbers = 0;
-  for (const field of everyField().filter(({path}) => !kOwn.has(path))) {
-    const member = memberOf(field.path);
-    assert.ok(member, `${field.path} is in no record`);
-    if (field.bytes !== undefined) {
-      assert.equal(member.type, 'char', field.path);
-      assert.equal(field.bytes, member.width - 1, field.path);
-      texts++;
-    }
-    if (field.max !== undefined) {
-      const largest = kLargest[member.type] || 0;
-      const name = field.path.split('/').pop() || '';
-      if (kAtMost.has(name)) assert.ok(field.max <= largest, field.path);
-      else assert.equal(field.max, largest, field.path);
-      numbers++;
-    }
-    if (field.kind === 'address' || field.kind === 'mask')
-      assert.equal(member.type, 'uint32_t', field.path);
-  }
-  assert.ok(texts > 30 && numbers > 25, `${texts} texts, ${numbers} numbers`);
-  assert.equal(kAll.get('stUserItem')?.get('strFD_UserPWD')?.width, 128);
-});
 
 test('what an endpoint tells stands in its fields', () => {
   const rows: [Section['id'], string, Record<string, string>][] = [

@@ -21,6 +21,8 @@ test('a disk is a bar where its size says so, words otherwise', () => {
     ['a/b', null]];
   for (const [size, percent] of rows) assert.equal(used(size), percent, size);
   assert.equal(disk('0', '').kind, 'words');
+  assert.deepEqual([disk('0', '', '1'), disk('0', '', '0')].map((shown) => 'tone' in shown && shown.tone),
+      ['', 'bad']);
   const full = disk('1', '100GB/1GB');
   assert.equal('tone' in full && full.tone, 'warn');
 });

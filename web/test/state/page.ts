@@ -20,15 +20,23 @@ export const asked: string[] = [];
 export const moves: string[] = [];
 
 // Answers by endpoint; a missing one is a service that does not answer.
-export const answers: Record<string, string | (() => string)> = {};
+export const answers: Record<string, string | (() => string | Promise<string>)> = {};
+export const bodies: string[] = [];
 export const cookie = {value: ''};
 
-const reply = (url: string) => {
+// An answer that does not come ends with the request's own limit.
+const cut = (answer: string | Promise<string>, {signal}: RequestInit) => Promise.race([answer,
+  new Promise<never>((_, fail) => {
+    signal?.addEventListener('abort', () => fail(new TypeError('aborted')));
+  })]);
+
+const reply = async (url: string, options: RequestInit) => {
   const name = url.replace(/^\//, '').replace(/\?.*/, '');
   asked.push(name);
+  if (typeof options.body === 'string') bodies.push(options.body);
   const answer = answers[name];
   if (answer === undefined) throw new TypeError('no connection');
-  return new Response(typeof answer === 'function' ? answer() : answer,
+  return new Response(await cut(typeof answer === 'function' ? answer() : answer, options),
       {headers: {Date: 'Thu, 01 Jan 2026 00:00:00 GMT'}});
 };
 
@@ -38,7 +46,7 @@ Object.assign(globalThis, {
     addEventListener() {}},
   location: {hostname: '192.168.1.88', origin: 'http://192.168.1.88', hash: '',
     replace: (to: string) => moves.push(to), assign: (to: string) => moves.push(to)},
-  fetch: async (url: string) => reply(url),
+  fetch: (url: string, options: RequestInit) => reply(url, options),
 });
 
 export const signedIn = () => { cookie.value = `jsession=${'a'.repeat(32)}`; };
