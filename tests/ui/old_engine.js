@@ -59,6 +59,8 @@ export class OldEngine {
 
   grab(path) { return this.tell({grab: path}); }
 
+  colours(places) { return this.tell({colours: places}); }
+
   async stop() {
     this.program.stdin.end();
     await once(this.program, 'exit');

@@ -7,6 +7,7 @@ Takes one JSON command a line on its standard input, answers each with one line:
   {"click": [X, Y]}                  {"value": null} after a press of the left button there
   {"type": TEXT}                     {"value": null} after these keys
   {"grab": FILE}                     {"value": true} when the window's picture is in the file
+  {"colours": [[X, Y], ...]}         {"value": ["#rrggbb", ...]} of these places as they are painted
 Errors of scripts stand in "errors" of the next answer. Ends when its input does.
 """
 import json
@@ -67,10 +68,14 @@ class Terminal:
     def _grab(self, path):
         self._answer(self._view.grab().save(path))
 
+    def _colours(self, places):
+        image = self._view.grab().toImage()
+        self._answer([image.pixelColor(x, y).name() for x, y in places])
+
     def obey(self, command):
         (name, argument), = command.items()
         {"goto": self._goto, "run": self._run, "click": self._click, "type": self._type,
-         "grab": self._grab}[name](argument)
+         "grab": self._grab, "colours": self._colours}[name](argument)
 
 
 def main():

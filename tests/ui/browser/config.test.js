@@ -73,6 +73,19 @@ test('export, edit, import: only what was edited changes; words, not names, tell
   assert.equal(clockless(again.text), clockless(edited));
 });
 
+test('after an import the former values can be restored', async () => {
+  const {text} = await exportFile();
+  await choose('edited.xml', text.replace('"CMNET"', '"fleet"').replace('"depot2024"', '"geheim"'));
+  assert.equal(await bring(), 'applied', await said());
+  assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'geheim');
+  await line(page, 'import').evaluate((node) => node.removeAttribute('data-note'));
+  await button(page, 'import', 'restore').click();
+  await agree(page);
+  assert.equal(await ended(page, 'import'), 'applied', await said());
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'CMNET');
+  assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'depot2024');
+});
+
 test('a row can be left out', async () => {
   const {text} = await exportFile();
   await choose('edited.xml', text.replace('"CMNET"', '"fleet"').replace('"*99#"', '"*98#"'));

@@ -40,13 +40,18 @@ test('a dead recorder is told once on a page of many forms, and all recovers by 
 test('status: what is no longer known turns grey, and lives again', async () => {
   await visit(rig, page, 'status');
   await until(async () => /80012345/.test(await page.locator('main').innerText()), 'the status');
+  const colour = () => page.locator('[data-fact="ucFD_AccStatus"] dd').evaluate((node) =>
+    getComputedStyle(node).color);
+  const living = await colour();
   assert.equal(await page.locator('main.stale').count(), 0);
   await rig.fault('silent');
   await health(page, 'deviceSilent').waitFor();
   await page.locator('main.stale').waitFor();
+  assert.notEqual(await colour(), living);
   await rig.clear();
   await gone('deviceSilent');
   await page.locator('main.stale').waitFor({state: 'detached'});
+  assert.equal(await colour(), living);
 });
 
 test('a slow recorder is not called silent', async () => {

@@ -131,6 +131,19 @@ test('errors, the list of changes and the banner are accessible too', async () =
   await page.context().close();
 });
 
+test('times have 24 hours, whatever the browser speaks', async () => {
+  const page = await rig.enter({locale: 'en-US', timezoneId: 'Asia/Shanghai'});
+  for (const name of ['status', 'device']) {
+    await go(page, name);
+    assert.doesNotMatch(await page.locator('main').innerText(), /\b[AP]M\b/);
+  }
+  await put(page, 'stBaseInfo/strFD_CurTime', 'set');
+  const kinds = await page.locator('[data-section="base"] input').evaluateAll((all) =>
+    all.map((input) => input.type));
+  assert.ok(kinds.length > 2 && !kinds.some((kind) => /date|time/.test(kind)), kinds.join());
+  await page.context().close();
+});
+
 test('the theme is chosen with a switch, and stays', async () => {
   const page = await rig.enter();
   const ground = () => page.evaluate(() => getComputedStyle(document.body).backgroundColor);

@@ -5,6 +5,7 @@ import test, {after, before} from 'node:test';
 import {OldEngine} from '../old_engine.js';
 import {kPassword, Pair, pictures} from '../pair.js';
 import {kPages} from '../rig.js';
+import {until} from '../until.js';
 
 let pair;
 let engine;
@@ -75,6 +76,32 @@ test('a save arrives', async () => {
   await engine.until(() =>
     !!document.querySelector('[data-section="mobile"] [data-note="applied"]'));
   assert.equal(pair.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+});
+
+// Where a switch has its knob: on the side whose colour is not the track's.
+async function knob(selector) {
+  const box = await engine.run((wanted) => {
+    const {left, top, width, height} = document.querySelector(wanted).getBoundingClientRect();
+    return {left, width, middle: Math.round(top + height / 2)};
+  }, selector);
+  const places = [0.28, 0.5, 0.72].map((part) => [Math.round(box.left + part * box.width), box.middle]);
+  const [left, track, right] = await engine.colours(places);
+  return [left !== track && 'left', right !== track && 'right'].filter(Boolean).join();
+}
+
+test('a switch shows the side that it is on', async () => {
+  const selector = '[data-field="stBaseInfo/ucFD_GpsSTFlag"] input';
+  await engine.click('nav a[data-page="device"]');
+  await shown('device');
+  await engine.run((wanted) => {
+    document.querySelector(wanted).scrollIntoView({block: 'center'});
+  }, selector);
+  const on = () => engine.run((wanted) => document.querySelector(wanted).checked, selector);
+  for (const side of ['right', 'left', 'right']) {
+    assert.equal(await on(), side === 'right');
+    await until(async () => await knob(selector) === side, `the knob on the ${side}`);
+    await engine.click(selector);
+  }
 });
 
 test('no script failed', () => assert.deepEqual(engine.errors, []));

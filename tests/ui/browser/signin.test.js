@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
-  agree, button, dialog, field, kPassword, memory, Rig, shown, type, until, visit,
+  agree, button, dialog, field, go, kPassword, memory, Rig, shown, type, until, visit,
 } from '../rig.js';
 
 let rig;
@@ -166,6 +166,35 @@ test('signing out ends the session and leaves no secret in the browser', async (
     assert.ok(!kept.includes(secret), `${secret} in ${kept}`);
   await page.goto(`${rig.url}/app.html#/network`);
   await page.locator('#password').waitFor();
+  await page.context().close();
+});
+
+test('going back after signing out shows nothing of the pages', async () => {
+  // Playwright's own browser keeps no page for the way back.
+  const browser = await rig.launch({ignoreDefaultArgs: ['--disable-back-forward-cache']});
+  const page = await rig.enter({browser});
+  await visit(rig, page, 'network');
+  await go(page, 'video');
+  await page.click('#leave');
+  await page.locator('#password').waitFor();
+  const returned = page.waitForEvent('framenavigated', (frame) => frame.url().includes('app.html'));
+  await page.evaluate(() => history.back());
+  await returned;
+  await page.locator('#password').waitFor();
+  await browser.close();
+});
+
+test('two presses are one try', async () => {
+  const page = await at();
+  const tries = [];
+  page.on('request', (request) => {
+    if (request.url().includes('cmp_UserSecurity')) tries.push(request.url());
+  });
+  await page.fill('#password', 'nonsense');
+  await submit(page).dblclick();
+  await state(page, 'wrong');
+  assert.equal(tries.length, 1);
+  assert.equal(wrongEntries(), '1');
   await page.context().close();
 });
 

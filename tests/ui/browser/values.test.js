@@ -141,6 +141,18 @@ test('as many IDs and cameras are shown as the recorder has, also when it has ot
       assert.equal(await get(page, 'stMainStream/stVideoPara/VChn_8/ucFD_FrameRate'), '8');
     });
 
+test('another number of channels while somebody types: what was typed is sent, and only that',
+    async () => {
+      await visit(rig, page, 'platforms');
+      await put(page, `${kSubId}7/strFD_LensId`, 'lens eight');
+      await rig.change('<stVersion VideoCnt="4"/>');
+      const beside = others([`${kSubId}7/strFD_LensId`]);
+      const end = await save(page, 'gb28181');
+      assert.equal(end, 'applied', await words(page, 'gb28181'));
+      assert.equal(stored(`${kSubId}7/strFD_LensId`), 'lens eight');
+      assert.equal(others([`${kSubId}7/strFD_LensId`]), beside);
+    });
+
 test('a switch value above 1 is on, stays what it is, and is set to 0 and 1', async () => {
   const kFlag = 'stBaseInfo/ucFD_GpsSTFlag';
   await rig.change('<stBaseInfo ucFD_GpsSTFlag="3"/><stWifiAp ucFD_DhcpEnableFlag="2"/>' +
