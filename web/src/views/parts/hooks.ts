@@ -7,16 +7,17 @@ export function useStore() {
   useEffect(() => subscribe(() => setTurn((turn) => turn + 1)), []);
 }
 
-// The time in milliseconds, moving once a second while it is needed.
+const kTickMs = 250;  // a second that has passed is seen at once
+
+// The time in milliseconds, moving while it is needed.
 export function useNow(needed: boolean): number {
-  const [now, setNow] = useState(Date.now());
+  const [, setNow] = useState(0);
   useEffect(() => {
     if (!needed) return undefined;
-    setNow(Date.now());
-    const timer = setInterval(() => setNow(Date.now()), 1000);
+    const timer = setInterval(() => setNow(Date.now()), kTickMs);
     return () => clearInterval(timer);
   }, [needed]);
-  return now;
+  return Date.now();
 }
 
 export const secondsSince = (since: number, now: number) =>
