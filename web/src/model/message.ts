@@ -41,7 +41,6 @@ export function messageFor(section: Section, fields: Field[], changed: string[],
   for (const field of fields) {
     const value = values[field.path];
     if (value === undefined || !changed.includes(field.path) || !applies(field, values)) continue;
-    if (field.kind === 'clock' && !value) continue;
     wanted[field.path] = value === 'now' && field.kind === 'clock' ? clock() : sent(field, value);
   }
   const settings = Object.entries(section.wanted ? section.wanted(wanted, values) : wanted);

@@ -61,10 +61,7 @@ export function take(section: Section, {fields, values}: Fresh) {
   const state = sectionState(section.id);
   const first = !state.fields.length;
   const draft = first ? loadDraft(section.id) : null;
-  const known = new Set(fields.map(({path}) => path));
-  const typed: Values = {};
-  for (const [path, value] of Object.entries(draft ? draft.typed : state.typed))
-    if (known.has(path)) typed[path] = value;
+  const {typed} = draft || state;
   const began = draft ? draft.base : state.base;
   const merged = merge(fields, Object.keys(typed).length ? began : values, values, typed);
   const base = Object.keys(merged.typed).length ? {...values, ...pick(began, merged.typed)} : values;

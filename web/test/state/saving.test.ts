@@ -100,12 +100,17 @@ test('a refusal leaves the recorder’s value and what was typed', async () => {
 
 test('a second press during a save does nothing', async () => {
   recorder(true);
+  let answer: (text: string) => void = () => {};
+  answers.set_NetWModeInfo = () => new Promise((resolve) => { answer = resolve; });
   await edit('2');
   const first = saveSection('netMode');
-  const second = saveSection('netMode');
+  await saveSection('netMode');
   answerDialog(true);
-  await new Promise((resume) => { setImmediate(resume); });
-  await Promise.all([first, second, saveSection('netMode')]);
+  while (!asked.includes('set_NetWModeInfo')) await new Promise((resume) => { setImmediate(resume); });
+  await saveSection('netMode');
+  assert.equal(get().dialog, null);
+  answer('{"result": 1 }');
+  await first;
   assert.equal(asked.filter((name) => name === 'set_NetWModeInfo').length, 1);
 });
 
