@@ -24,15 +24,15 @@ export class Rig extends Pair {
     return rig;
   }
 
-  launch(more = {}) {
-    return chromium.launch({executablePath: process.env.CHROMIUM, args: kBrowserOptions, ...more});
+  async startBrowser() {
+    this.browser = await chromium.launch({
+      executablePath: process.env.CHROMIUM, args: kBrowserOptions,
+    });
   }
 
-  async startBrowser() { this.browser = await this.launch(); }
-
   // A fresh browser profile; texts in English unless told otherwise (null: nobody has chosen).
-  async open({browser = this.browser, size = kDesk, language = 'en', dark = false, ...more} = {}) {
-    const context = await browser.newContext({
+  async open({size = kDesk, language = 'en', dark = false, ...more} = {}) {
+    const context = await this.browser.newContext({
       viewport: size, locale: language === 'zh' ? 'zh-CN' : 'en-GB',
       colorScheme: dark ? 'dark' : 'light', acceptDownloads: true, ...more,
     });
