@@ -98,7 +98,7 @@ test('a switch shows the side that it is on', async () => {
   }, selector);
   const on = () => engine.run((wanted) => document.querySelector(wanted).checked, selector);
   for (const side of ['right', 'left', 'right']) {
-    assert.equal(await on(), side === 'right');
+    await until(async () => await on() === (side === 'right'), `the switch on the ${side}`);
     await until(async () => await knob(selector) === side, `the knob on the ${side}`);
     await engine.click(selector);
   }
