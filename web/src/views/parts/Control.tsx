@@ -56,7 +56,9 @@ function ChoiceControl(props: ControlProps) {
   const known = options.some(([option]) => option === value);
   return <select {...common(props)} value={value} disabled={false}
     onChange={(event) => props.onValue(event.currentTarget.value)}>
-    {!known && <option value={value}>{value ? t('choice.other', {value}) : t('value.none')}</option>}
+    {!known && <option value={value}>
+      {value ? t('choice.other', {value}) : t('value.none')}
+    </option>}
     {options.map(([option, label]) => <option key={option} value={option}>{t(label)}</option>)}
   </select>;
 }
