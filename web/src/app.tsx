@@ -61,11 +61,17 @@ function askBeforeLeaving(event: BeforeUnloadEvent) {
   event.returnValue = '';
 }
 
+// A browser may bring back the page as it was left, after a sign-out.
+function leaveIfSignedOut(event: PageTransitionEvent) {
+  if (event.persisted && !sessionId()) location.replace('login.html');
+}
+
 function openApp(root: HTMLElement) {
   watchHealth();
   whenRecovered(read);
   watchVisibility();
   window.addEventListener('beforeunload', askBeforeLeaving);
+  window.addEventListener('pageshow', leaveIfSignedOut);
   window.addEventListener('keydown', saveHere);
   root.textContent = '';
   render(<App />, root);
