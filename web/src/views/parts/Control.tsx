@@ -30,6 +30,7 @@ const common = ({id, name, invalid, busy, describedBy}: ControlProps) => ({
 const TextControl = (props: ControlProps & {hidden?: boolean}) => <input {...common(props)}
   type={props.hidden ? 'password' : 'text'} inputMode={kModes[props.field.kind]}
   readOnly={props.busy} autoComplete={kAutocomplete[props.field.path] || 'off'}
+  placeholder={props.value === undefined ? t('value.unknown') : undefined}
   autoCapitalize="none" spellcheck={false} value={props.value || ''}
   onInput={(event) => props.onValue(valueOf(event))} />;
 
