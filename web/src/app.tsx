@@ -1,9 +1,8 @@
 // The application behind the sign-in: one document, a page for each address behind "#/".
 import {render} from 'preact';
 import {useEffect} from 'preact/hooks';
-import {kindOf} from './recorder/fault';
+import {Fault, kindOf} from './recorder/fault';
 import {passGate, sessionId, sheetUrl} from './recorder/gate';
-import {Fault} from './recorder/fault';
 import type {PageId} from './model/sections';
 import {waiting} from './state/editing';
 import {watchHealth, whenRecovered} from './state/health';
@@ -29,8 +28,10 @@ import {Video} from './views/Video';
 import {useStore} from './views/parts/hooks';
 import {saveHere} from './views/parts/saveHere';
 
-const kViews: Record<PageId, () => preact.JSX.Element> = {status: Status, device: Device, video: Video,
-  network: Network, platforms: Platforms, security: Security, maintenance: Maintenance};
+const kViews: Record<PageId, () => preact.JSX.Element> = {
+  status: Status, device: Device, video: Video, network: Network, platforms: Platforms,
+  security: Security, maintenance: Maintenance,
+};
 
 function App() {
   useStore();

@@ -4,5 +4,7 @@ const two = (number: number) => `${number < 10 ? '0' : ''}${number}`;
 export const timeOfDay = (date: Date) =>
   [date.getHours(), date.getMinutes(), date.getSeconds()].map(two).join(':');
 
-export const clockText = (date: Date) =>
-  `${[date.getFullYear(), two(date.getMonth() + 1), two(date.getDate())].join('-')} ${timeOfDay(date)}`;
+export function clockText(date: Date): string {
+  const day = [date.getFullYear(), two(date.getMonth() + 1), two(date.getDate())];
+  return `${day.join('-')} ${timeOfDay(date)}`;
+}

@@ -11,8 +11,8 @@ const kNoSetting = /^(?:stSystemInfo|stVersion)\//;
 // Moves by itself: an old value would set it back.
 const kLive = /^(?:stBaseInfo\/(?:strFD_CurTime|ucFD_NowIsDst)|stLockOfPassword\/.*)$/;
 // Says which recorder, vehicle or place in the network this is.
-const kIdentity = new RegExp('/(?:strFD_(?:DeviceNo|DeviceNum|LicensePlate|Phonenumber|Authentication|' +
-    'TerminalID|CarVIN|DeviceId|DeviceUser|LensId|AudioInId|AlarmInId|Mac)|' +
+const kIdentity = new RegExp('/(?:strFD_(?:DeviceNo|DeviceNum|LicensePlate|Phonenumber|' +
+    'Authentication|TerminalID|CarVIN|DeviceId|DeviceUser|LensId|AudioInId|AlarmInId|Mac)|' +
     'uiFD_(?:LocalIp|IP|NetMask|GateWay|DNS))$');
 
 export const identifies = (path: string) => kIdentity.test(path);

@@ -70,6 +70,7 @@ function cameras({settings}: Read): Field[] {
 // The endpoint tells the values of the working mode's network only.
 function wifiFields({reply}: Read): Field[] {
   const own = Number(reply.ucFD_WorkMode) === 2 ? ap : wifi;
+  const dhcp = (more: Partial<Field>) => onOff(`${ap}ucFD_DhcpEnableFlag`, 'dhcp', more);
   const fields = (at: string, when: Field['when']) => {
     const wire = (name: string) => ({when, ...(at === own ? {wire: name} : {})});
     return [
@@ -77,7 +78,7 @@ function wifiFields({reply}: Read): Field[] {
       secret(`${at}strFD_Passwd`, 'wifiPassword', 31, wire('strFD_Passwd')),
       code(`${at}ucFD_AuthMode`, 'authMode', wire('ucFD_AuthMode')),
       code(`${at}ucFD_CryptType`, 'cryptType', wire('ucFD_CryptType')),
-      ...(at === ap ? [onOff(`${at}ucFD_DhcpEnableFlag`, 'dhcp', wire('ucFD_DhcpEnableFlag'))] : []),
+      ...(at === ap ? [dhcp(wire('ucFD_DhcpEnableFlag'))] : []),
     ];
   };
   return [
@@ -121,7 +122,8 @@ export const kSections: readonly Section[] = [
     fields: wifiFields,
   },
   {
-    id: 'mobile', page: 'network', title: 'section.mobile', get: 'get_GNetInfo', set: 'set_GNetInfo',
+    id: 'mobile', page: 'network', title: 'section.mobile', get: 'get_GNetInfo',
+    set: 'set_GNetInfo',
     fields: list(code(`${gnet}ucFD_NetType`, 'mobileType', {wire: 'ucFD_NetType'}),
         text(`${gnet}strFD_Apn`, 'apn', 31, {wire: 'strFD_Apn'}),
         text(`${gnet}strFD_PhoneNo`, 'phoneNo', 23, {wire: 'strFD_PhoneNo'}),

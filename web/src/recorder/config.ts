@@ -1,5 +1,6 @@
 // The whole configuration as the recorder exports and imports it: one VariCfgSec document. A
-// setting has a path below the root: "stWifi/strFD_SSID", "stMainStream/stVideoPara/VChn_0/ucFD_Gop".
+// setting has a path below the root: "stWifi/strFD_SSID", or with items on the way,
+// "stMainStream/stVideoPara/VChn_0/ucFD_Gop".
 import {unstorable} from './gbk';
 import {query, type Turn} from './wire';
 import {printXml, readXml, type Element, type XmlError} from './xml';

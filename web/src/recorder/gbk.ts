@@ -55,7 +55,8 @@ export function encodeGbk(text: string): Uint8Array {
 }
 
 // A text as it stands inside an XML attribute of a message.
-export const toEntities = (text: string) => text.replace(/["<&]/g, (char) => kEntities[char] || char);
+export const toEntities = (text: string) =>
+  text.replace(/["<&]/g, (char) => kEntities[char] || char);
 
 // Bytes that a value takes on its way (entities) and in the recorder (plain).
 export const wireLength = (text: string) => encodeGbk(toEntities(text)).length;

@@ -44,7 +44,8 @@ export function resolveConflict(id: SectionId, path: string, mine: boolean) {
 }
 
 export function discard(id: SectionId) {
-  patchSection(id, {typed: {}, conflicts: {}, problems: {}, base: sectionState(id).held, note: null});
+  const {held} = sectionState(id);
+  patchSection(id, {typed: {}, conflicts: {}, problems: {}, base: held, note: null});
   dropDraft(id);
 }
 

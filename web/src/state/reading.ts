@@ -64,7 +64,7 @@ export function take(section: Section, {fields, values}: Fresh) {
   const {typed} = draft || state;
   const began = draft ? draft.base : state.base;
   const merged = merge(fields, Object.keys(typed).length ? began : values, values, typed);
-  const base = Object.keys(merged.typed).length ? {...values, ...pick(began, merged.typed)} : values;
+  const base = {...values, ...pick(began, merged.typed)};
   patchSection(section.id, {
     fields, held: values, base, typed: merged.typed, conflicts: merged.conflicts,
     loading: {state: 'loaded'},

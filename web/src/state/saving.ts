@@ -20,6 +20,7 @@ import {expire, renew} from './session';
 import {patchSection, sectionState, shownValues, type Note, type SectionState, type Step}
   from './store';
 
+const kUnchanged: Note = {kind: 'end', end: 'unchanged', rows: [], known: 'read'};
 const kTurn = {group: 'send', urgent: true};
 
 const step = (id: SectionId, name: Step | null) =>
@@ -111,7 +112,7 @@ async function compare(section: Section): Promise<boolean> {
   take(section, fresh);
   if (Object.keys(conflicts).length) say(id, {kind: 'conflict', rows: []});
   else if (elsewhere.length) say(id, {kind: 'elsewhere', rows: elsewhere});
-  else if (!Object.keys(typed).length) say(id, {kind: 'end', end: 'unchanged', rows: [], known: 'read'});
+  else if (!Object.keys(typed).length) say(id, kUnchanged);
   else return true;
   return false;
 }
@@ -137,7 +138,7 @@ function prepare(id: SectionId): boolean {
   const state = sectionState(id);
   if (Object.keys(state.conflicts).length) return false;
   if (!rowsOf(state).length) {
-    say(id, {kind: 'end', end: 'unchanged', rows: [], known: 'read'});
+    say(id, kUnchanged);
     return false;
   }
   const values = meantValues(state);

@@ -7,11 +7,15 @@ const kPauseMs = 5000;
 
 let timer: ReturnType<typeof setTimeout> | undefined;
 
-const wanted = () => (get().page === 'status' || (get().page === 'maintenance' && !get().status)) && !document.hidden &&
-    get().health.state === 'answers';
+// The versions of the maintenance page need one reading.
+function wanted(): boolean {
+  const {page, status, health} = get();
+  const shown = page === 'status' || (page === 'maintenance' && !status);
+  return shown && !document.hidden && health.state === 'answers';
+}
 
-// Reads and goes on as long as the page is looked at and the recorder answers; what ends the silence
-// begins anew.
+// Reads and goes on as long as the page is looked at and the recorder answers; what ends the
+// silence begins anew.
 export async function pollStatus() {
   clearTimeout(timer);
   if (!wanted()) return;

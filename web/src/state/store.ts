@@ -49,7 +49,13 @@ export type Dialog =
     | {kind: 'leave'; pages: PageId[]}
     | {kind: 'import'; count: number; move: string | null};
 
-export interface LockState { lock: Lock | null; at: number; loading: Loading; busy: boolean; end: SaveEnd | null }
+export interface LockState {
+  lock: Lock | null;
+  at: number;  // when it was read
+  loading: Loading;
+  busy: boolean;
+  end: SaveEnd | null;
+}
 
 export interface Transfer {
   exporting: boolean;

@@ -86,7 +86,8 @@ async function sendAndRead(rows: ImportRow[], before: Settings) {
   if (!origin) {
     const same = (a: Settings, b: Settings) =>
       wanted.every(({path}) => a.get(path) === b.get(path));
-    const {end, after} = await save<Settings>({load, send, same, before, sent: goal, progress: step});
+    const {end, after} =
+        await save<Settings>({load, send, same, before, sent: goal, progress: step});
     return settle(wanted, end, after);
   }
   step('sending');

@@ -15,7 +15,9 @@ function LockFacts() {
   if (!lock) return null;
   const left = Math.max(0, lock.left - secondsSince(at, now));
   return <dl class="facts">
-    <Fact id="count" name={t('lock.count')}>{t('lock.of', {count: lock.count, most: kWrongEntries})}</Fact>
+    <Fact id="count" name={t('lock.count')}>
+      {t('lock.of', {count: lock.count, most: kWrongEntries})}
+    </Fact>
     <Fact id="state" name={t('lock.state')} tone={left ? 'warn' : ''}>
       {left ? t('lock.locked', {time: timeText(left)}) : t('lock.open')}
     </Fact>

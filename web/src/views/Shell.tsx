@@ -26,7 +26,8 @@ function Navigation() {
     {kPages.map((name) => {
       const count = counts[name] || 0;
       return <li key={name}>
-        <a href={addressOf(name)} aria-current={name === page ? 'page' : undefined} data-page={name}>
+        <a href={addressOf(name)} data-page={name}
+          aria-current={name === page ? 'page' : undefined}>
           <Icon name={name} /><span>{t(`page.${name}`)}</span>
           {count > 0 && <b class="badge" title={t('badge', {count})}>
             {count}<span class="unseen"> {t('badge.unit')}</span></b>}

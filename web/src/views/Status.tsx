@@ -50,8 +50,9 @@ export const Rows = ({rows, values, kind}: {rows: readonly Row[]; values: Values
   })}</dl>;
 
 export function Status() {
-  const {status} = get();
+  const {status, health} = get();
   if (!status) return <Skeleton rows={6} />;
+  const fresh = health.state === 'answers' || health.state === 'restarting';
   const time = timeOfDay(new Date(status.at));
   return <div class="live">
     <Rows rows={kSummary} values={status.values} kind="summary" />
@@ -59,6 +60,6 @@ export function Status() {
       <Card key={id} id={id} title={`section.${id}` as const} icon={kIcons[id]}>
         <Rows rows={rows} values={status.values} kind="facts" />
       </Card>)}</div>
-    <p class="moment">{t(get().health.state === 'answers' ? 'status.moment' : 'status.stale', {time})}</p>
+    <p class="moment">{t(fresh ? 'status.moment' : 'status.stale', {time})}</p>
   </div>;
 }

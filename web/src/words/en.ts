@@ -10,6 +10,7 @@ export const en = {
   'badge': 'Changes not saved: {count}',
   'badge.unit': 'changes not saved',
   'value.none': '–',
+  'value.unknown': 'not known, stays as it is',
   'value.absent': 'not there',
   'value.hidden': '••••••',
   'ofChannel': '{label}, channel {channel}',

@@ -12,6 +12,7 @@ export const zh: Record<keyof typeof en, string> = {
   'badge': '未保存的修改：{count} 项',
   'badge.unit': '项修改未保存',
   'value.none': '–',
+  'value.unknown': '未知，保持不变',
   'value.absent': '不存在',
   'value.hidden': '••••••',
   'ofChannel': '通道 {channel} {label}',

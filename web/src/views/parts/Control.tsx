@@ -30,6 +30,7 @@ const common = ({id, name, invalid, busy, describedBy}: ControlProps) => ({
 const TextControl = (props: ControlProps & {hidden?: boolean}) => <input {...common(props)}
   type={props.hidden ? 'password' : 'text'} inputMode={kModes[props.field.kind]}
   readOnly={props.busy} autoComplete={kAutocomplete[props.field.path] || 'off'}
+  placeholder={props.value === undefined ? t('value.unknown') : undefined}
   autoCapitalize="none" spellcheck={false} value={props.value || ''}
   onInput={(event) => props.onValue(valueOf(event))} />;
 
@@ -56,7 +57,9 @@ function ChoiceControl(props: ControlProps) {
   const known = options.some(([option]) => option === value);
   return <select {...common(props)} value={value} disabled={false}
     onChange={(event) => props.onValue(event.currentTarget.value)}>
-    {!known && <option value={value}>{value ? t('choice.other', {value}) : t('value.none')}</option>}
+    {!known && <option value={value}>
+      {value ? t('choice.other', {value}) : t('value.none')}
+    </option>}
     {options.map(([option, label]) => <option key={option} value={option}>{t(label)}</option>)}
   </select>;
 }

@@ -24,7 +24,9 @@ function Counter({field, value}: {field: Field; value: string}) {
   if (!limit) return null;
   const used = field.entities ? wireLength(value) : storedLength(value);
   if (used < limit * kNearlyFull) return null;
-  return <span class={used > limit ? 'count over' : 'count'}>{t('limit.count', {used, limit})}</span>;
+  return <span class={used > limit ? 'count over' : 'count'}>
+    {t('limit.count', {used, limit})}
+  </span>;
 }
 
 function Conflict({section, field, held}: {section: SectionId; field: Field; held: string}) {
@@ -32,7 +34,9 @@ function Conflict({section, field, held}: {section: SectionId; field: Field; hel
   return <div class="conflict" role="group" aria-label={t('conflict.title')}>
     <p>{t('conflict.text', {value: display(field, held)})}</p>
     <div class="actions">
-      <button type="button" data-take="theirs" onClick={settle(false)}>{t('conflict.theirs')}</button>
+      <button type="button" data-take="theirs" onClick={settle(false)}>
+        {t('conflict.theirs')}
+      </button>
       <button type="button" data-take="mine" onClick={settle(true)}>{t('conflict.mine')}</button>
     </div>
   </div>;
@@ -48,7 +52,8 @@ export function FieldRow({section, field, bare}: Props) {
   const id = idOf(path);
   const problem = state.problems[path];
   const conflict = state.conflicts[path];
-  const help = [field.help && !bare && t(field.help), !bare && limitText(field)].filter(Boolean).join(' ');
+  const help = bare ? '' :
+    [field.help && t(field.help), limitText(field)].filter(Boolean).join(' ');
   const changed = path in state.typed;
   return <div class={`field ${field.kind}${changed ? ' changed' : ''}`} data-field={path}>
     {bare ? null : <label class="label" for={id}>{t(field.label)}</label>}

@@ -67,15 +67,18 @@ export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
   const state = sectionState(id);
   const {fields, loading} = state;
   const submit = (event: Event) => { event.preventDefault(); save(id); };
-  return <section class={`card${wide ? ' wide' : ''}`} data-section={id} aria-labelledby={`${id}-title`}>
+  return <section class={`card${wide ? ' wide' : ''}`} data-section={id}
+    aria-labelledby={`${id}-title`}>
     <h2 id={`${id}-title`}><Icon name={icon} />{t(sectionById(id).title)}</h2>
     {help && <p class="hint">{t(help)}</p>}
     {loading.state === 'waiting' && !fields.length && <Skeleton rows={rows} />}
     {loading.state === 'failed' && <Failed id={id} />}
     {(loading.state === 'loaded' || fields.length > 0) &&
       <form noValidate autoComplete="off" onSubmit={submit}>
-        <div class={`fields${layout ? '' : ' many'}`}>{layout ? layout() : shownFields(state, shownValues(state))
-            .map((field) => <FieldRow key={field.path} section={id} field={field} />)}</div>
+        <div class={`fields${layout ? '' : ' many'}`}>
+          {layout ? layout() : shownFields(state, shownValues(state)).map((field) =>
+            <FieldRow key={field.path} section={id} field={field} />)}
+        </div>
         {state.step ? <StepNote step={state.step} /> : <NoteLine note={state.note} />}
         <Actions id={id} />
       </form>}
