@@ -53,6 +53,8 @@ test('applied: steps with numbers and seconds, then read back; two clicks make o
       await button(page, kForm, 'save').dblclick();
       await dialog(page).locator('.main').dblclick();
       await line(page, kForm).filter({hasText: /Step \d of \d.*\(\d+ s\)/s}).waitFor();
+      await page.keyboard.press('Control+s');
+      assert.equal(await dialog(page).count(), 0);
       assert.equal(await ended(page, kForm), 'applied');
       assert.equal(stored(), 'fleet');
       assert.equal(rig.sets(), sets + 1);
