@@ -42,11 +42,14 @@ const reply = async (url: string, options: RequestInit) => {
 
 Object.assign(globalThis, {
   localStorage: local, sessionStorage: session,
-  document: {hidden: false, get cookie() { return cookie.value; }, documentElement: {lang: ''},
+  document: {hidden: false, get cookie() { return cookie.value; },
+    set cookie(text: string) { cookie.value = text; }, documentElement: {lang: ''},
     addEventListener() {}},
   location: {hostname: '192.168.1.88', origin: 'http://192.168.1.88', hash: '',
     replace: (to: string) => moves.push(to), assign: (to: string) => moves.push(to)},
   fetch: (url: string, options: RequestInit) => reply(url, options),
 });
+
+Object.defineProperty(globalThis, 'navigator', {value: {language: 'en-GB'}, configurable: true});
 
 export const signedIn = () => { cookie.value = `jsession=${'a'.repeat(32)}`; };

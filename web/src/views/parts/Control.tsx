@@ -27,12 +27,15 @@ const common = ({id, name, invalid, busy, describedBy}: ControlProps) => ({
   'aria-describedby': describedBy,
 });
 
-const TextControl = (props: ControlProps & {hidden?: boolean}) => <input {...common(props)}
-  type={props.hidden ? 'password' : 'text'} inputMode={kModes[props.field.kind]}
-  readOnly={props.busy} autoComplete={kAutocomplete[props.field.path] || 'off'}
-  placeholder={props.value === undefined ? t('value.unknown') : undefined}
-  autoCapitalize="none" spellcheck={false} value={props.value || ''}
-  onInput={(event) => props.onValue(valueOf(event))} />;
+function TextControl(props: ControlProps & {hidden?: boolean}) {
+  const {field, value, busy, hidden, onValue} = props;
+  const unknown = value === undefined && !field.needed;
+  return <input {...common(props)} type={hidden ? 'password' : 'text'} value={value || ''}
+    inputMode={kModes[field.kind]} readOnly={busy} autoCapitalize="none" spellcheck={false}
+    autoComplete={kAutocomplete[field.path] || 'off'}
+    placeholder={unknown ? t('value.unknown') : undefined}
+    onInput={(event) => onValue(valueOf(event))} />;
+}
 
 function SecretControl(props: ControlProps) {
   const [shown, setShown] = useState(false);
