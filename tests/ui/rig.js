@@ -1,4 +1,4 @@
-// A browser with the pair behind it, and the pages as a test sees them. One rig serves a whole file.
+// A browser with the pair behind it, and the pages as a test sees them. One rig serves a file.
 import {chromium} from 'playwright-core';
 import {kPassword, Pair} from './pair.js';
 import {until} from './until.js';
@@ -162,6 +162,11 @@ export async function get(page, path) {
   const kind = await input.evaluate((node) => node.type);
   return kind === 'checkbox' ? String(Number(await input.isChecked())) : input.inputValue();
 }
+
+// Whatever the last input does to the page has been painted.
+export const painted = (page) => page.evaluate(() => new Promise((resolve) => {
+  requestAnimationFrame(() => requestAnimationFrame(resolve));
+}));
 
 // Everything that the browser keeps for these pages, as one text.
 export const memory = (page) => page.evaluate(() =>

@@ -52,7 +52,8 @@ test('export, edit, import: only what was edited changes; words, not names, tell
   const {name, text} = await exportFile();
   assert.match(name, /^recorder-80012345-\d{4}-\d\d-\d\d\.xml$/);
   assert.match(text, /strFD_SSID="公交车队-0123"/);
-  const edited = text.replace('strFD_SSID="公交车队-0123"', 'strFD_SSID="路 &lt;7> &quot;a&amp;b"')
+  const edited = text
+      .replace('strFD_SSID="公交车队-0123"', 'strFD_SSID="路 &lt;7> &quot;a&amp;b"')
       .replace('strFD_Apn="CMNET"', 'strFD_Apn="fleet"')
       .replace('strFD_Passwd="depot2024"', 'strFD_Passwd="geheim"');
   await choose('edited.xml', edited);
@@ -75,7 +76,8 @@ test('export, edit, import: only what was edited changes; words, not names, tell
 
 test('after an import the former values can be restored', async () => {
   const {text} = await exportFile();
-  await choose('edited.xml', text.replace('"CMNET"', '"fleet"').replace('"depot2024"', '"geheim"'));
+  await choose('edited.xml',
+      text.replace('"CMNET"', '"fleet"').replace('"depot2024"', '"geheim"'));
   assert.equal(await bring(), 'applied', await said());
   assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'geheim');
   await line(page, 'import').evaluate((node) => node.removeAttribute('data-note'));
@@ -101,10 +103,11 @@ const kOwn = [
   'stLocalEth0/uiFD_LocalIp', 'stGB28181/strFD_DeviceId', 'stGB28181/strFD_DeviceUser',
 ];
 
-test('another recorder\'s file: number, plate, addresses and IDs stay out until added', async () => {
+test('another recorder\'s number, plate, addresses and IDs stay out until added', async () => {
   const {text} = await exportFile();
   const other = text.replaceAll('80012345', '80054321').replaceAll('粤B12345', '粤B54321')
-      .replaceAll('192.168.1.88', '192.168.1.99').replaceAll('34020000001110000123', '34020000001110000777')
+      .replaceAll('192.168.1.88', '192.168.1.99')
+      .replaceAll('34020000001110000123', '34020000001110000777')
       .replace('"CMNET"', '"fleet"');
   await choose('other.xml', other);
   await page.locator('[data-foreign="80054321"]').waitFor();

@@ -104,7 +104,8 @@ test('the menu shows all its entries on a phone', async () => {
     links.map((link) => link.getBoundingClientRect().toJSON()));
   assert.equal(boxes.length, kPages.length);
   for (const {left, right, top, bottom} of boxes)
-    assert.ok(left >= 0 && right <= kPhone.width && top >= 0 && bottom <= kPhone.height && right > left);
+    assert.ok(right > left && left >= 0 && right <= kPhone.width && top >= 0 &&
+        bottom <= kPhone.height);
   await page.context().close();
 });
 
@@ -172,7 +173,7 @@ test('the keyboard alone signs in, goes to a page, changes a setting and saves i
   const page = await rig.open();
   await page.goto(`${rig.url}/login.html`);
   await page.locator('#password').waitFor();
-  const active = (property) => page.evaluate((name) => document.activeElement[name] || '', property);
+  const active = (name) => page.evaluate((key) => document.activeElement[key] || '', name);
   const tabTo = async (there) => {
     for (let steps = 0; steps < 120; steps++) {
       if (await there()) return;
@@ -190,7 +191,8 @@ test('the keyboard alone signs in, goes to a page, changes a setting and saves i
   await tabTo(async () => await active('hash') === '#/video');
   await page.keyboard.press('Enter');
   await shown(page, 'video');
-  await tabTo(async () => await focused(page) === 'stVideoMirror/stVideoMirrorPara/VChn_0/ucFD_LeftRight');
+  const mirror = 'stVideoMirror/stVideoMirrorPara/VChn_0/ucFD_LeftRight';
+  await tabTo(async () => await focused(page) === mirror);
   await page.keyboard.press('Space');
   await tabTo(async () => await focused(page) === 'stSubStream/ucFD_FrameRate');
   await page.keyboard.press('Control+a');

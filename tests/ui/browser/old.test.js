@@ -48,7 +48,9 @@ test('sign-in with the keyboard', async () => {
 });
 
 test('each page shows what the recorder holds', async () => {
-  const known = {status: '80012345', device: '80012345', network: 'CMNET', platforms: '203.0.113.28'};
+  const known = {
+    status: '80012345', device: '80012345', network: 'CMNET', platforms: '203.0.113.28',
+  };
   for (const name of kPages) {
     await engine.click(`nav a[data-page="${name}"]`);
     await shown(name);
@@ -68,7 +70,8 @@ test('a save arrives', async () => {
   await shown('network');
   const input = '[data-field="stMobileGNet/strFD_Apn"] input';
   await engine.click(input);
-  await engine.until((selector) => document.activeElement === document.querySelector(selector), input);
+  await engine.until((selector) => document.querySelector(selector) === document.activeElement,
+      input);
   await engine.run(() => document.activeElement.select());
   await engine.type('fleet');
   await engine.click('[data-section="mobile"] .main');
@@ -84,7 +87,8 @@ async function knob(selector) {
     const {left, top, width, height} = document.querySelector(wanted).getBoundingClientRect();
     return {left, width, middle: Math.round(top + height / 2)};
   }, selector);
-  const places = [0.28, 0.5, 0.72].map((part) => [Math.round(box.left + part * box.width), box.middle]);
+  const places = [0.28, 0.5, 0.72]
+      .map((part) => [Math.round(box.left + part * box.width), box.middle]);
   const [left, track, right] = await engine.colours(places);
   return [left !== track && 'left', right !== track && 'right'].filter(Boolean).join();
 }

@@ -2,8 +2,8 @@
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
-  agree, button, cancel, dialog, ended, field, focused, forget, health, line, press, put, Rig, save, shown,
-  until, visit, words,
+  agree, button, cancel, dialog, ended, field, focused, forget, health, line, painted, press, put,
+  Rig, save, shown, until, visit, words,
 } from '../rig.js';
 
 const kForm = 'mobile';
@@ -53,7 +53,9 @@ test('applied: steps with numbers and seconds, then read back; two clicks make o
       await button(page, kForm, 'save').dblclick();
       await dialog(page).locator('.main').dblclick();
       await line(page, kForm).filter({hasText: /Step \d of \d.*\(\d+ s\)/s}).waitFor();
+      await apn().focus();
       await page.keyboard.press('Control+s');
+      await painted(page);
       assert.equal(await dialog(page).count(), 0);
       assert.equal(await ended(page, kForm), 'applied');
       assert.equal(stored(), 'fleet');
@@ -68,6 +70,7 @@ test('a value that equals the recorder\'s is no change, and nothing is sent', as
   await apn().fill('CMNET');
   await button(page, kForm, 'discard').waitFor({state: 'detached'});
   await page.keyboard.press('Control+s');
+  await painted(page);
   assert.equal(rig.sets(), sets);
   assert.equal(await dialog(page).count(), 0);
 });
@@ -97,7 +100,7 @@ test('Ctrl-S saves from within a field, Enter agrees, and the focus returns to t
       await page.keyboard.press('Enter');
       assert.equal(await ended(page, kForm), 'applied');
       assert.equal(stored(), 'fleet');
-      await until(async () => await focused(page) === 'stMobileGNet/strFD_Apn', 'the focus in the field');
+      await until(async () => await focused(page) === 'stMobileGNet/strFD_Apn', 'the focus');
     });
 
 test('after a save the former values can be restored', async () => {
@@ -213,7 +216,7 @@ test('the session is renewed before a save, and the set comes after it', async (
   assert.ok(gate >= 0 && gate < sent, asked.map(String).join('\n'));
 });
 
-test('a time zone is saved without touching the clock, and the clock without the rest', async () => {
+test('a time zone is saved without touching the clock, or anything else', async () => {
   await visit(rig, page, 'device');
   const clock = rig.setting('stBaseInfo', 'strFD_CurTime');
   await put(page, 'stBaseInfo/ucFD_TimeZone', '9');

@@ -100,7 +100,8 @@ test('a lock ahead of the recorder\'s clock keeps nobody out', async () => {
 });
 
 // what is silent, what is entered
-const kSilent = [['silent', ''], ['for=stUserSec silent', 'nonsense'], ['for=stUserSec silent', '']];
+const kSilent =
+    [['silent', ''], ['for=stUserSec silent', 'nonsense'], ['for=stUserSec silent', '']];
 
 test('a silent recorder is no wrong password, lets nobody in and counts nothing', async () => {
   const page = await at();
@@ -186,6 +187,17 @@ test('going back after signing out shows nothing of the pages', async () => {
   await page.context().close();
 });
 
+test('signing out in one tab ends the other at its next page', async () => {
+  const page = await rig.enter();
+  const other = await page.context().newPage();
+  await visit(rig, other, 'video');
+  await page.click('#leave');
+  await page.locator('#password').waitFor();
+  await other.evaluate(() => { location.hash = '#/network'; });
+  await other.locator('#password').waitFor();
+  await page.context().close();
+});
+
 test('two presses are one try', async () => {
   const page = await at();
   const tries = [];
@@ -200,7 +212,7 @@ test('two presses are one try', async () => {
   await page.context().close();
 });
 
-test('a session that ends in the middle of a form loses no input, and keeps no secret', async () => {
+test('a session that ends within a form loses no input, and keeps no secret', async () => {
   const page = await rig.enter();
   await visit(rig, page, 'network');
   await field(page, 'stWifi/strFD_SSID').fill('车队二号');

@@ -45,7 +45,7 @@ test('the link is as slow as it says', async () => {
   const begin = Date.now();
   const reply = await fetch(link.url + largest.slice(kWebRoot.length));
   assert.deepEqual(Buffer.from(await reply.arrayBuffer()), readFileSync(largest));
-  const least = 800 + link.passed().bytes / 50;  // the handshake, the request, 50 bytes a millisecond
+  const least = 800 + link.passed().bytes / 50;  // handshake, request, 50 bytes a ms
   assert.ok(Date.now() - begin >= least - 10, `${Date.now() - begin} ms for ${size} bytes`);
 });
 

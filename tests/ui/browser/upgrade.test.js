@@ -19,8 +19,6 @@ before(async () => {
 });
 after(() => rig.stop());
 
-const turn = (name) => [...name].map((c) => c === '0' ? '1' : c === '1' ? '0' : c).join('');
-
 // Another edition of the pages: every hash differs, every size is the same.
 function edition(number, date) {
   rmSync(rig.root, {recursive: true, force: true});
@@ -52,7 +50,7 @@ function edition(number, date) {
 
 const read = (name) => readFileSync(join(rig.root, name), 'utf8');
 const part = (name) => /\.([0-9a-f]{10})\./.exec(name)[1];
-const flip = (hash) => [...hash].reverse().join('') === hash ? turn(hash) : [...hash].reverse().join('');
+const flip = (hash) => hash.replace(/./g, (digit) => ((parseInt(digit, 16) + 1) % 16).toString(16));
 
 async function serve(number, date) {
   if (rig.daemon) await rig.stopDaemon();
@@ -74,9 +72,8 @@ for (const [what, date] of kDates) {
     await page.goto('about:blank');
     await serve(2, date);
     await page.goto(`${rig.url}/app.html#/network`);
-    await shown(page, 'network').catch(() => {});
     await running(page, 2);
-    // The new service knows no session, but neither does it have any, so it asks for none.
+    // The new service has no session yet, so its gate lets this one through.
     await shown(page, 'network');
     await page.reload();
     await shown(page, 'network');

@@ -73,8 +73,10 @@ const kSections = [
     ['stMobileGNet/strFD_UserPasswd', 'card', 'a+b=c&d'],
   ]],
   ['platforms', 'gb28181', [
-    [`${kGb}strFD_Manufacturer`, 'NanWan', '南湾 & 公司'], [`${kGb}strFD_ModelName`, 'MDVR-8CH', 'M"1"'],
-    [`${kGb}strFD_ServerIp`, '203.0.113.28', '203.0.113.29'], [`${kGb}usFD_ServerPort`, '5060', '5061'],
+    [`${kGb}strFD_Manufacturer`, 'NanWan', '南湾 & 公司'],
+    [`${kGb}strFD_ModelName`, 'MDVR-8CH', 'M"1"'],
+    [`${kGb}strFD_ServerIp`, '203.0.113.28', '203.0.113.29'],
+    [`${kGb}usFD_ServerPort`, '5060', '5061'],
     [`${kGb}strFD_DeviceUser`, '34020000001110000123', 'user<1>'],
     [`${kGb}strFD_DevicePass`, '12345678', 'p&w'],
     [`${kSubId}0/strFD_LensId`, '34020000001310000001', 'lens & <1>'],
@@ -132,8 +134,8 @@ test('as many IDs and cameras are shown as the recorder has, also when it has ot
     async () => {
       await visit(rig, page, 'platforms');
       assert.equal(await page.locator('[data-field$="/strFD_LensId"]').count(), 8);
-      await rig.change('<stGB28181><stGB28181SubID><SUBDEVID_1 strFD_LensId="other &amp; &lt;2&gt;"/>' +
-          '</stGB28181SubID></stGB28181><stMainStream><stVideoPara>' +
+      await rig.change('<stGB28181><stGB28181SubID>' +
+          '<SUBDEVID_1 strFD_LensId="other &amp; &lt;2&gt;"/></stGB28181SubID></stGB28181><stMainStream><stVideoPara>' +
           '<VChn_8 ucFD_FrameRate="8" uiFD_BitRate="800"/></stVideoPara></stMainStream>');
       await visit(rig, page, 'platforms');
       assert.equal(await get(page, `${kSubId}1/strFD_LensId`), 'other & <2>');
@@ -156,7 +158,8 @@ test('another number of channels while somebody types: what was typed is sent, a
 test('a switch value above 1 is on, stays what it is, and is set to 0 and 1', async () => {
   const kFlag = 'stBaseInfo/ucFD_GpsSTFlag';
   await rig.change('<stBaseInfo ucFD_GpsSTFlag="3"/><stWifiAp ucFD_DhcpEnableFlag="2"/>' +
-      '<stVideoMirror><stVideoMirrorPara><VChn_1 ucFD_UpDown="7"/></stVideoMirrorPara></stVideoMirror>');
+      '<stVideoMirror><stVideoMirrorPara><VChn_1 ucFD_UpDown="7"/></stVideoMirrorPara>' +
+      '</stVideoMirror>');
   await visit(rig, page, 'video');
   assert.equal(await get(page, 'stVideoMirror/stVideoMirrorPara/VChn_1/ucFD_UpDown'), '1');
   await visit(rig, page, 'device');
