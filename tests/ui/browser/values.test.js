@@ -135,7 +135,8 @@ test('as many IDs and cameras are shown as the recorder has, also when it has ot
       await visit(rig, page, 'platforms');
       assert.equal(await page.locator('[data-field$="/strFD_LensId"]').count(), 8);
       await rig.change('<stGB28181><stGB28181SubID>' +
-          '<SUBDEVID_1 strFD_LensId="other &amp; &lt;2&gt;"/></stGB28181SubID></stGB28181><stMainStream><stVideoPara>' +
+          '<SUBDEVID_1 strFD_LensId="other &amp; &lt;2&gt;"/></stGB28181SubID>' +
+          '</stGB28181><stMainStream><stVideoPara>' +
           '<VChn_8 ucFD_FrameRate="8" uiFD_BitRate="800"/></stVideoPara></stMainStream>');
       await visit(rig, page, 'platforms');
       assert.equal(await get(page, `${kSubId}1/strFD_LensId`), 'other & <2>');
