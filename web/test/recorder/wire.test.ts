@@ -1,10 +1,11 @@
+import {holdClock, tick} from '../clock';
 import {answers, asked, bodies, cookie, signedIn} from '../state/page';
 import assert from 'node:assert/strict';
-import test, {beforeEach, mock} from 'node:test';
+import test, {beforeEach} from 'node:test';
 import {passGate, renewSession, sessionId} from '../../src/recorder/gate';
 import {login, query, send, sendConfig, setWitness} from '../../src/recorder/wire';
 
-mock.timers.enable({apis: ['setTimeout', 'Date']});
+holdClock();
 
 const never = () => new Promise<string>(() => {});
 const settle = () => new Promise((resume) => { setImmediate(resume); });
@@ -12,7 +13,7 @@ const settle = () => new Promise((resume) => { setImmediate(resume); });
 async function pass(seconds: number) {
   for (let i = 0; i < seconds; i++) {
     await settle();
-    mock.timers.tick(1000);
+    tick(1000);
   }
   await settle();
 }

@@ -1,11 +1,12 @@
+import {holdClock} from '../clock';
 import {answers} from './page';
 import assert from 'node:assert/strict';
-import test, {beforeEach, mock} from 'node:test';
+import test, {beforeEach} from 'node:test';
 import {failed, heard, retryNow, watchHealth, whenRecovered} from '../../src/state/health';
 import {queue} from '../../src/recorder/wire';
 import {get, resetStore} from '../../src/state/store';
 
-mock.timers.enable({apis: ['setTimeout', 'Date']});
+holdClock();
 watchHealth();
 
 const kAnswer = {result: true, values: {}, ms: 10};
