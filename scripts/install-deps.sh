@@ -3,7 +3,7 @@
 #
 # The one list of everything that comes from outside. What is there already is not touched and
 # needs neither root nor a network. Debian 12's packages by apt-get, the HTTP library's sources by
-# fetch-mongoose.sh, the node modules of tests/ui by npm from their lock file.
+# fetch-mongoose.sh, the node modules of web and tests/ui by npm from their lock files.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -12,7 +12,8 @@ purposes="build run test ui check bench fuzz coverage cross package"
 packages_for() {
   case $1 in
     # node-llhttp: the request parser's sources. ca-certificates: package sources may be https ones.
-    build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev node-llhttp ca-certificates ;;
+    build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev node-llhttp ca-certificates \
+      "$(node_packages)" ;;
     # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
     run) echo net-tools iproute2 ;;
     # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; yaml and jsonschema
@@ -21,8 +22,9 @@ packages_for() {
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
       libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema nginx-light haproxy \
       lighttpd ;;
-    # A font for the Chinese screenshots.
-    ui) echo chromium fonts-wqy-microhei net-tools iproute2 "$(node_packages)" ;;
+    # A browser of today and one of 2020 (tests/ui/old_engine.py); a font for Chinese pages.
+    ui) echo chromium python3-pyqt5.qtwebengine fonts-wqy-microhei net-tools iproute2 \
+      "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
     bench) echo wrk lighttpd busybox libfcgi-dev valgrind ;;
     coverage) echo gcovr ;;
@@ -91,16 +93,16 @@ install_packages() {
 # Made beside the old ones and moved into place with their stamp: an interrupted installation
 # leaves what was there.
 install_node_modules() {
-  local dir=$root/tests/ui new=$root/build/node-modules sum
+  local dir=$root/$1 new=$root/build/node-modules sum
   [ -f "$dir/package-lock.json" ] || return 0
   sum=$(sha256sum <"$dir/package-lock.json")
   [ "$(cat "$dir/node_modules/.installed" 2>/dev/null)" != "$sum" ] || return 0
-  say "installing the node modules"
+  say "installing the node modules of $1"
   rm -rf "$new"
   mkdir -p "$new"
   cp "$dir/package.json" "$dir/package-lock.json" "$new"
-  (cd "$new" && npm ci --no-audit --no-fund --fetch-retries=1 >npm.log 2>&1) ||
-    fail "npm cannot install the modules of tests/ui (no network?), see $new/npm.log"
+  (cd "$new" && npm ci --ignore-scripts --no-audit --no-fund --fetch-retries=1 >npm.log 2>&1) ||
+    fail "npm cannot install the modules of $1 (no network?), see $new/npm.log"
   echo "$sum" >"$new/node_modules/.installed"
   rm -rf "$dir/node_modules"
   mv "$new/node_modules" "$dir"
@@ -113,7 +115,10 @@ done
 install_packages "$@"
 for purpose in "$@"; do
   case $purpose in
-    build) "$root/scripts/fetch-mongoose.sh" ;;
-    ui) install_node_modules ;;
+    build)
+      "$root/scripts/fetch-mongoose.sh"
+      install_node_modules web
+      ;;
+    ui) install_node_modules tests/ui ;;
   esac
 done

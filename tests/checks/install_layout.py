@@ -1,9 +1,10 @@
 #!/usr/bin/python3
-"""Installs a build into a fresh folder and compares what arrives with what the project has.
+"""Installs a build into a fresh folder and compares what arrives with what the build made.
 
-usage: install_layout.py <source folder> <build folder>
+usage: install_layout.py <build folder>
 """
 import filecmp
+import gzip
 import os
 import subprocess
 import sys
@@ -15,31 +16,54 @@ def files_below(top):
             for folder, _, names in os.walk(top) for name in names}
 
 
-def problems(source, prefix):
+# What is asked for by its name: by the service, by browsers, by people.
+NAMED = {"index.html", "login.html", "app.html", "page.css", "sets.css", "favicon.svg"}
+MOST_PLAIN = 1024  # a longer text has a compressed form beside it
+TEXTS = (".html", ".css", ".js", ".svg")
+
+
+def compressed_problems(top, names):
+    """The forms that are sent in place of the files that they lie beside."""
+    for name in sorted(names):
+        path = os.path.join(top, name)
+        if name.endswith(".gz"):
+            plain = path.removesuffix(".gz")
+            with open(path, "rb") as file, gzip.open(path) as inside, open(plain, "rb") as text:
+                if file.read(8)[4:] != bytes(4):
+                    yield f"{name} names the time at which it was made"
+                if inside.read() != text.read():
+                    yield f"{name} is not what it lies beside"
+            if os.stat(path).st_mtime < os.stat(plain).st_mtime:
+                yield f"{name} is older than what it lies beside"
+        elif name.endswith(TEXTS) and os.path.getsize(path) > MOST_PLAIN:
+            if name + ".gz" not in names:
+                yield f"{name} has no compressed form"
+
+
+def problems(build, prefix):
     program = os.path.join(prefix, "bin", "webctrl")
     if not os.access(program, os.X_OK):
         yield "no executable bin/webctrl"
-    here = os.path.join(source, "web_root")
+    here = os.path.join(build, "bin", "web_root")
     there = os.path.join(prefix, "bin", "web_root")
-    wanted = files_below(here) - {"CMakeLists.txt"}
+    wanted = files_below(here) | NAMED
     arrived = files_below(there)
-    if not wanted:
-        yield "the project has no pages"
     for name in sorted(wanted ^ arrived):
         yield f"bin/web_root/{name} is {'missing' if name in wanted else 'too much'}"
     for name in sorted(wanted & arrived):
         if not filecmp.cmp(os.path.join(here, name), os.path.join(there, name), shallow=False):
-            yield f"bin/web_root/{name} differs from the project's"
+            yield f"bin/web_root/{name} differs from the build's"
+    yield from compressed_problems(there, arrived)
 
 
 def main():
-    if len(sys.argv) != 3:
+    if len(sys.argv) != 2:
         sys.exit(__doc__)
-    source, build = sys.argv[1:]
+    build = sys.argv[1]
     with tempfile.TemporaryDirectory() as prefix:
         subprocess.run(["cmake", "--install", build, "--prefix", prefix], check=True,
                        stdout=subprocess.DEVNULL)
-        found = list(problems(source, prefix))
+        found = list(problems(build, prefix))
         print("\n".join(found) or f"{len(files_below(prefix))} files are in their places")
     sys.exit(1 if found else 0)
 

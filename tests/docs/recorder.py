@@ -6,9 +6,8 @@ import shutil
 import socket
 import subprocess
 
-from daemon import Daemon
+from daemon import PROGRAM, Daemon
 from device import SimulatedRecorder
-from documents import ROOT
 
 _RECEIVED = re.compile(rb'^recv \S+ \S+ \d+ "(.*)"$', re.M)
 _ESCAPE = re.compile(rb"\\(x[0-9a-f]{2}|.)", re.S)
@@ -32,7 +31,7 @@ class Recorder:
             options += ["--defaults", os.path.join(programs, "devsim_default.xml")]
         self._device = SimulatedRecorder(self.folder, *options)
         self.daemon = Daemon(self.folder, web_root=None)
-        shutil.copytree(f"{ROOT}/web_root", self._path("web_root"))
+        shutil.copytree(os.path.join(os.path.dirname(PROGRAM), "web_root"), self._path("web_root"))
         if programs:
             shutil.copy(os.path.join(programs, "webctrl"), self.daemon.program)
         self.daemon.start()

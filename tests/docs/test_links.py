@@ -11,7 +11,7 @@ LINK = re.compile(r"\]\(([^)\s]+)\)")
 CODE = re.compile(r"`([^`\n]+)`")
 PATH = re.compile(r"[\w.-]+(?:/[\w.*-]+)+/?")
 TOP = {"CBB", "bench", "cmake", "config", "control", "docs", "encoding", "fuzz", "packaging"} | {
-    "scripts", "tests", "tools", "web_root"}  # fmt: skip
+    "scripts", "tests", "tools", "web"}  # fmt: skip
 NAME = re.compile(
     r"\b(?:m_\w+|k[A-Z]\w+|C[A-Z]\w*[a-z]\w*|Import_\w+|(?:get|set|enc)_\w+|st[A-Z]\w+)"
 )

@@ -10,11 +10,13 @@ import shutil
 import subprocess
 
 import pytest
+from daemon import PROGRAM
 from documents import ROOT, as_pattern, blocks, commands
 from recorder import Recorder
 
 PAGE = "docs/architecture.md"
-NOT_NEEDED = shutil.ignore_patterns("build", ".*", "tests", "fuzz", "bench", "__pycache__")
+NOT_NEEDED = shutil.ignore_patterns(
+    "build", ".*", "tests", "fuzz", "bench", "node_modules", "__pycache__")  # fmt: skip
 PUT = re.compile(r"<!-- put: (\S+), (?:(behind|before): (.+)|at the end) -->")
 
 
@@ -51,7 +53,8 @@ def programs(tree):
     """The folder with the built daemon."""
     mongoose = os.environ.get("MONGOOSE_DIR") or os.path.join(ROOT, ".deps/mongoose")
     configure = ["cmake", "-S", tree, "-B", tree / "build", "-G", "Ninja"]
-    options = ["-DWEBCTRL_BUILD_TESTS=OFF", f"-DMONGOOSE_DIR={mongoose}"]
+    pages = os.path.join(os.path.dirname(PROGRAM), "web_root")
+    options = ["-DWEBCTRL_BUILD_TESTS=OFF", f"-DMONGOOSE_DIR={mongoose}", f"-DWEBCTRL_WEB_ROOT={pages}"]
     build = ["cmake", "--build", tree / "build", "--target", "webctrl", "devsim_defaults"]
     for command in ([*configure, *options], build):
         done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)

@@ -1,164 +1,175 @@
-// The real pair for a browser test: daemon and simulated recorder, and a browser to look at them.
-// run.sh has made the namespace. Everything that is started here is stopped by stop().
-import {spawn} from 'node:child_process';
-import dgram from 'node:dgram';
-import {once} from 'node:events';
-import {mkdtempSync, openSync, readFileSync, rmSync} from 'node:fs';
-import {get} from 'node:http';
-import {tmpdir} from 'node:os';
-import {join} from 'node:path';
+// A browser with the pair behind it, and the pages as a test sees them. One rig serves a file.
 import {chromium} from 'playwright-core';
+import {kPassword, Pair} from './pair.js';
+import {until} from './until.js';
 
-export const kPassword = 'admin123';  // of the simulated recorder's default settings
-export const kDesktop = {width: 1280, height: 800};
+export const kDesk = {width: 1366, height: 768};
+export const kCab = {width: 800, height: 480};
 export const kPhone = {width: 390, height: 844};
+export const kPages =
+    ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance'];
+
 const kBrowserOptions = [
   '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-sync',
   '--disable-background-networking', '--disable-component-update',
 ];
+const kPatienceMs = 60000;
 
-const pause = (ms) => new Promise((resume) => { setTimeout(resume, ms); });
-
-function reachable(url) {
-  return new Promise((answer) => {
-    get(url, (reply) => { reply.resume(); answer(true); }).on('error', () => answer(false));
-  });
-}
-
-// A recorder with its daemon and a browser.
-export class Rig {
-  constructor() {
-    this.dir = mkdtempSync(join(tmpdir(), 'ui-'));
-    this.state = join(this.dir, 'state.xml');
-    this.address = process.env.UI_ADDRESS;
-    this.url = `http://${this.address}`;
-  }
-
+export class Rig extends Pair {
   static async start() {
     const rig = new Rig();
     await rig.startDevice();
     await rig.startDaemon();
-    rig.browser = await chromium.launch({
-      executablePath: process.env.CHROMIUM, args: kBrowserOptions,
-    });
+    await rig.startBrowser();
     return rig;
   }
 
-  output(name) { return openSync(join(this.dir, name), 'a'); }
-
-  async startDevice() {
-    const log = join(this.dir, 'datagrams.log');
-    const words = ['--state', this.state, '--control', '0', '--log', log];
-    this.device = spawn(process.env.DEVSIM_BIN, words,
-        {stdio: ['ignore', 'pipe', this.output('devsim.log')]});
-    let text = '';
-    const control = /control on [\d.]+:(\d+)/;
-    while (!control.test(text)) text += (await once(this.device.stdout, 'data'))[0];
-    this.controlPort = Number(control.exec(text)[1]);
-    this.device.stdout.resume();
-    this.log = log;
+  async startBrowser() {
+    this.browser = await chromium.launch({
+      executablePath: process.env.CHROMIUM, args: kBrowserOptions,
+    });
   }
 
-  async startDaemon() {
-    const log = this.output('webctrl.log');
-    this.daemon = spawn(process.env.WEBCTRL_BIN, [], {stdio: ['ignore', log, log]});
-    for (let tries = 100; !await reachable(`${this.url}/favicon.svg`); tries--) {
-      if (!tries || this.daemon.exitCode !== null) throw new Error('the daemon does not listen');
-      await pause(50);
-    }
-  }
-
-  async stopDaemon() {
-    this.daemon.kill('SIGKILL');
-    await once(this.daemon, 'exit');
-  }
-
-  // A command for the simulator: 'fault for=set result:1', 'clear', 'reset'.
-  async command(text) {
-    const socket = dgram.createSocket('udp4');
-    socket.send(text, this.controlPort, '127.0.0.1');
-    const [reply] = await once(socket, 'message');
-    socket.close();
-    if (!reply.toString().startsWith('ok')) throw new Error(`${text}: ${reply}`);
-  }
-
-  fault(text) { return this.command(`fault ${text}`); }
-
-  clear() { return this.command('clear'); }
-
-  async reset() {
-    await this.clear();
-    await this.command('reset');
-  }
-
-  // The settings that the simulator keeps, as text.
-  stored() { return new TextDecoder('gbk').decode(readFileSync(this.state)); }
-
-  // An attribute of a section in the simulator's file, entities resolved.
-  setting(section, name) {
-    const pattern = new RegExp(`<${section}\\s[^>]*?\\b${name}=("[^"]*"|'[^']*')`);
-    const value = pattern.exec(this.stored());
-    const entities = {quot: '"', lt: '<', gt: '>', amp: '&', apos: "'"};
-    return value && value[1].slice(1, -1).replace(/&(\w+);/g, (_, entity) => entities[entity]);
-  }
-
-  // How many sets the simulator received.
-  sets() { return (readFileSync(this.log, 'latin1').match(/recv .*DEVICE_SET/g) || []).length; }
-
-  // A fresh browser profile; texts in English unless told otherwise.
-  async open({size = kDesktop, language = 'en', dark = false} = {}) {
+  // A fresh browser profile; texts in English unless told otherwise (null: nobody has chosen).
+  async open({size = kDesk, language = 'en', dark = false, ...more} = {}) {
     const context = await this.browser.newContext({
       viewport: size, locale: language === 'zh' ? 'zh-CN' : 'en-GB',
-      colorScheme: dark ? 'dark' : 'light', acceptDownloads: true,
+      colorScheme: dark ? 'dark' : 'light', acceptDownloads: true, ...more,
     });
-    context.setDefaultTimeout(60000);
-    await context.addInitScript((chosen) => {
+    context.setDefaultTimeout(kPatienceMs);
+    if (language) {
+      await context.addInitScript((chosen) => {
+        if (location.protocol !== 'http:') return;
       if (!localStorage['language.chosen']) localStorage['language.chosen'] = chosen;
-    }, language);
+      }, language);
+    }
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (error) => page.errors.push(error.message));
+    page.on('dialog', (question) => question.accept());  // leaving with changes asks
     return page;
   }
 
+  // A page with a session. The sign-in itself is the business of its own tests.
+  async enter(options) {
+    const page = await this.open(options);
+    const reply = await this.post('cmp_UserSecurity', `strFD_AdminPasswd=${kPassword}`,
+        {Referer: `${this.url}/login.html`});
+    const value = /"jsession": "([0-9a-f]{32})"/.exec(reply)[1];
+    await page.context().addCookies([{name: 'jsession', value, url: this.url}]);
+    await visit(this, page, 'status');
+    return page;
+  }
+
+  // Signs in as a user does.
   async login(page, password = kPassword) {
     await page.goto(`${this.url}/login.html`);
-    await page.fill('#password', password);
-    await page.click('button[type=submit]');
-    await page.waitForURL('**/status.html');
+    await type(page, password);
+    await shown(page, 'status');
   }
 
   async stop() {
     if (this.browser) await this.browser.close();
-    if (this.daemon) await this.stopDaemon();
-    if (this.device) this.device.kill('SIGKILL');
-    rmSync(this.dir, {recursive: true, force: true});
+    await super.stop();
   }
 }
 
-// The line below a section's form, and its tone when it has settled.
-export const notice = (page, id) => page.locator(`#${id} .status`);
-
-export async function settled(page, id) {
-  const line = page.locator(`#${id} .status:is(.good, .warn, .bad, .info)`);
-  await line.waitFor({timeout: 60000});
-  return line.getAttribute('class').then((names) => names.replace('status ', ''));
+// Enters a password at the sign-in.
+export async function type(page, password) {
+  await page.fill('#password', password);
+  await page.click('button[type=submit]');
 }
 
-// Presses the main button of a section, whose line begins anew: what settled() sees is the answer.
-export async function press(page, id) {
-  await page.locator(`#${id} .status`).evaluate((line) => {
-    line.className = 'status';
-    line.replaceChildren();
-  });
-  await page.click(`#${id} .main`);
-}
+// The page with all that it has read.
+export const shown = (page, name) => page.waitForFunction((wanted) => {
+  const main = document.querySelector(`main[data-page="${wanted}"]`);
+  return main && main.children.length > 2 && !main.querySelector('.skeleton');
+}, name);
 
-export const field = (page, id, name) => page.locator(`#${id}-${name}`);
+// As if nothing had been typed in this tab.
+export const forget = (page) => page.evaluate(() => sessionStorage.clear());
 
-// Opens a page and waits until all its sections are loaded.
+// Opens a page by its address, from the server.
 export async function visit(rig, page, name) {
-  await page.goto(`${rig.url}/${name}.html`);
-  await page.waitForFunction(() =>
-    document.querySelector('#main') && !document.querySelector('fieldset:disabled, .busy'));
+  await page.goto('about:blank');
+  await page.goto(`${rig.url}/app.html#/${name}`);
+  await shown(page, name);
 }
+
+// Goes to a page within the application.
+export async function go(page, name) {
+  await page.evaluate((place) => { location.hash = `#/${place}`; }, name);
+  await shown(page, name);
+}
+
+export const section = (page, id) => page.locator(`[data-section="${id}"]`);
+export const fieldRow = (page, path) => page.locator(`[data-field="${path}"]`);
+export const field = (page, path) => fieldRow(page, path).locator('input, select').first();
+export const health = (page, state) => page.locator(`[data-health="${state}"]`);
+export const dialog = (page) => page.locator('[role=dialog]');
+export const agree = (page) => dialog(page).locator('.main').click();
+export const cancel = (page) => page.keyboard.press('Escape');
+
+// What is said below a form.
+export const line = (page, id) => section(page, id).locator('.status').last();
+export const words = (page, id) => line(page, id).innerText();
+export const button = (page, id, action) =>
+  section(page, id).locator(action === 'save' ? '.main' : `[data-action="${action}"]`);
+
+// The field that has the focus, by its path.
+export const focused = (page) => page.evaluate(() => {
+  const row = document.activeElement.closest('[data-field]');
+  return row ? row.dataset.field : null;
+});
+
+// What is told at a field that is wrong.
+export async function error(page, path) {
+  await fieldRow(page, path).locator('[aria-invalid="true"]').waitFor();
+  return fieldRow(page, path).locator('.error').innerText();
+}
+
+// Presses the button that saves. The line begins anew: what ended() sees is the answer.
+export async function press(page, id) {
+  await line(page, id).evaluate((node) => node.removeAttribute('data-note'));
+  await button(page, id, 'save').click();
+}
+
+// Waits for what is said at the end and gives its name: 'applied', 'refused', 'elsewhere' ...
+export async function ended(page, id) {
+  const node = section(page, id).locator('.status[data-note]').last();
+  await node.waitFor();
+  return node.getAttribute('data-note');
+}
+
+// Saves as a user does: the button, the list of changes, the end.
+export async function save(page, id) {
+  await press(page, id);
+  await agree(page);
+  return ended(page, id);
+}
+
+// Puts a value into whatever kind of control the field has.
+export async function put(page, path, value) {
+  const input = field(page, path);
+  const kind = await input.evaluate((node) => node.type);
+  if (kind === 'checkbox') await input.setChecked(value === '1');
+  else if (kind === 'select-one') await input.selectOption(value);
+  else await input.fill(value);
+}
+
+export async function get(page, path) {
+  const input = field(page, path);
+  const kind = await input.evaluate((node) => node.type);
+  return kind === 'checkbox' ? String(Number(await input.isChecked())) : input.inputValue();
+}
+
+// Whatever the last input does to the page has been painted.
+export const painted = (page) => page.evaluate(() => new Promise((resolve) => {
+  requestAnimationFrame(() => requestAnimationFrame(resolve));
+}));
+
+// Everything that the browser keeps for these pages, as one text.
+export const memory = (page) => page.evaluate(() =>
+  JSON.stringify([{...localStorage}, {...sessionStorage}, document.cookie, history.state]));
+
+export {kPassword, until};

@@ -1,94 +1,159 @@
-// The configuration to a file and back, the recorder's language, and its own address.
+// The configuration to a file and back, another recorder's file, and the recorder's own address.
 import assert from 'node:assert/strict';
 import {execFileSync} from 'node:child_process';
 import {readFileSync} from 'node:fs';
-import test, {after, before} from 'node:test';
-import {field, notice, Rig, settled, visit} from '../rig.js';
+import test, {after, before, beforeEach} from 'node:test';
+import {
+  agree, button, cancel, dialog, ended, forget, line, press, put, Rig, section, until, visit,
+} from '../rig.js';
 
 let rig;
 let page;
 before(async () => {
   rig = await Rig.start();
-  page = await rig.open();
-  await rig.login(page);
+  page = await rig.enter();
+});
+beforeEach(async () => {
+  await rig.reset();
+  await forget(page);
+  await visit(rig, page, 'maintenance');
 });
 after(async () => {
   assert.deepEqual(page.errors, []);
   await rig.stop();
 });
 
-const importWords = () => notice(page, 'import').innerText();
-const choose = (name, buffer) => page.setInputFiles('#import input',
-    {name, mimeType: 'application/xml', buffer: Buffer.from(buffer)});
+const row = (path) => page.locator(`[data-setting="${path}"]`);
+const tick = (path) => row(path).locator('input');
+const said = () => section(page, 'import').innerText();
+const go = () => button(page, 'import', 'save');
+
+async function choose(name, text) {
+  await page.setInputFiles('[data-section="import"] input[type=file]',
+      {name, mimeType: 'application/xml', buffer: Buffer.from(text)});
+}
 
 async function exportFile() {
   const [download] = await Promise.all([
-    page.waitForEvent('download'),
-    page.getByRole('button', {name: 'Export', exact: true}).click(),
+    page.waitForEvent('download'), button(page, 'export', 'save').click(),
   ]);
   return {name: download.suggestedFilename(), text: readFileSync(await download.path(), 'utf8')};
 }
 
-const agree = async () => {
-  await page.locator('#import .main:visible').click();
-  await page.locator('dialog .main').click();
-};
+async function bring() {
+  await press(page, 'import');
+  await agree(page);
+  return ended(page, 'import');
+}
 
-test('export, edit, import: only what was edited changes', async () => {
-  await visit(rig, page, 'maintenance');
+const clockless = (text) => text.replace(/CurTime="[^"]*"/, '');
+
+test('export, edit, import: only what was edited changes; words, not names, tell it', async () => {
   const {name, text} = await exportFile();
   assert.match(name, /^recorder-80012345-\d{4}-\d\d-\d\d\.xml$/);
   assert.match(text, /strFD_SSID="公交车队-0123"/);
-  assert.ok(text.split('\n').length > 50);
-  const edited = text.replace('strFD_SSID="公交车队-0123"', 'strFD_SSID="路 &lt;7> &quot;a&amp;b"')
+  const edited = text
+      .replace('strFD_SSID="公交车队-0123"', 'strFD_SSID="路 &lt;7> &quot;a&amp;b"')
       .replace('strFD_Apn="CMNET"', 'strFD_Apn="fleet"')
       .replace('strFD_Passwd="depot2024"', 'strFD_Passwd="geheim"');
   await choose('edited.xml', edited);
-  await page.locator('#import h3', {hasText: 'Settings that would change: 3'}).waitFor();
-  const table = await page.locator('#import table').innerText();
-  assert.match(table, /stWifi strFD_SSID\s+公交车队-0123\s+路 <7> "a&b/);
-  assert.match(table, /strFD_Apn\s+CMNET\s+fleet/);
-  assert.doesNotMatch(table, /geheim|depot2024/);
+  await row('stWifi/strFD_SSID').waitFor();
+  const table = await section(page, 'import').locator('table').innerText();
+  assert.match(table, /公交车队-0123[^]*路 <7> "a&b/);
+  assert.match(table, /CMNET[^]*fleet/);
+  assert.doesNotMatch(table, /geheim|depot2024|strFD_|stWifi/);
   const sets = rig.sets();
-  await page.locator('#import .main').click();
-  await page.locator('dialog').getByRole('button', {name: 'Cancel'}).click();
+  await go().click();
+  await cancel(page);
   assert.equal(rig.sets(), sets);
-  await agree();
-  await page.locator('#import progress').waitFor();
-  assert.equal(await settled(page, 'import'), 'good', await importWords());
+  assert.equal(await bring(), 'applied', await said());
   assert.equal(rig.setting('stWifi', 'strFD_SSID'), '路 <7> "a&b');
   assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'geheim');
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
   const again = await exportFile();
-  assert.equal(again.text.replace(/CurTime="[^"]*"/, ''), edited.replace(/CurTime="[^"]*"/, ''));
+  assert.equal(clockless(again.text), clockless(edited));
+});
+
+test('after an import the former values can be restored', async () => {
+  const {text} = await exportFile();
+  await choose('edited.xml',
+      text.replace('"CMNET"', '"fleet"').replace('"depot2024"', '"geheim"'));
+  assert.equal(await bring(), 'applied', await said());
+  assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'geheim');
+  await line(page, 'import').evaluate((node) => node.removeAttribute('data-note'));
+  await button(page, 'import', 'restore').click();
+  await agree(page);
+  assert.equal(await ended(page, 'import'), 'applied', await said());
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'CMNET');
+  assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'depot2024');
+});
+
+test('a row can be left out', async () => {
+  const {text} = await exportFile();
+  await choose('edited.xml', text.replace('"CMNET"', '"fleet"').replace('"*99#"', '"*98#"'));
+  await tick('stMobileGNet/strFD_PhoneNo').uncheck();
+  assert.equal(await bring(), 'applied', await said());
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+  assert.equal(rig.setting('stMobileGNet', 'strFD_PhoneNo'), '*99#');
+});
+
+// What says which recorder this is.
+const kOwn = [
+  'stBaseInfo/strFD_DeviceNo', 'stVehicle/strFD_DeviceNum', 'stVehicle/strFD_LicensePlate',
+  'stLocalEth0/uiFD_LocalIp', 'stGB28181/strFD_DeviceId', 'stGB28181/strFD_DeviceUser',
+];
+
+test('another recorder\'s number, plate, addresses and IDs stay out until added', async () => {
+  const {text} = await exportFile();
+  const other = text.replaceAll('80012345', '80054321').replaceAll('粤B12345', '粤B54321')
+      .replaceAll('192.168.1.88', '192.168.1.99')
+      .replaceAll('34020000001110000123', '34020000001110000777')
+      .replace('"CMNET"', '"fleet"');
+  await choose('other.xml', other);
+  await page.locator('[data-foreign="80054321"]').waitFor();
+  for (const path of kOwn) assert.equal(await tick(path).isChecked(), false, path);
+  assert.equal(await tick('stMobileGNet/strFD_Apn').isChecked(), true);
+  assert.equal(await bring(), 'applied', await said());
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+  assert.equal(rig.setting('stBaseInfo', 'strFD_DeviceNo'), '80012345');
+  assert.equal(rig.setting('stVehicle', 'strFD_LicensePlate'), '粤B12345');
+  assert.equal(rig.setting('stLocalEth0', 'uiFD_LocalIp'), '192.168.1.88');
+  assert.equal(rig.setting('stGB28181', 'strFD_DeviceId'), '34020000001110000123');
+  await choose('other.xml', other);
+  await tick('stVehicle/strFD_LicensePlate').check();
+  assert.equal(await bring(), 'applied', await said());
+  assert.equal(rig.setting('stVehicle', 'strFD_LicensePlate'), '粤B54321');
+  assert.equal(rig.setting('stBaseInfo', 'strFD_DeviceNo'), '80012345');
 });
 
 test('a file in the recorder\'s own character set is read', async () => {
-  const stored = readFileSync(rig.state);
-  const gbk = Buffer.from(stored.toString('latin1').replace('strFD_Apn="fleet"', 'strFD_Apn="gbk"'),
-      'latin1');
-  await choose('gbk.xml', gbk);
-  await page.locator('#import h3', {hasText: 'Settings that would change: 1'}).waitFor();
+  const text = readFileSync(rig.state).toString('latin1').replace('"CMNET"', '"gbk"');
+  await choose('gbk.xml', Buffer.from(text, 'latin1'));
+  await row('stMobileGNet/strFD_Apn').filter({hasText: 'gbk'}).waitFor();
+  assert.equal(await page.locator('[data-setting]').count(), 1);
 });
 
-test('a wrong file is refused in the browser, with the reason', async () => {
+// file, content, reason
+const kWrong = [
+  ['photo.png', '\x89PNG\r\n', /no configuration/i],
+  ['page.html', '<html></html>', /no configuration/i],
+  ['cut.xml', '<VariCfgSec Action="DEVICE_QUERY"><stWifi strFD_SS', /cut|end/i],
+  ['empty.xml', '<VariCfgSec Action="DEVICE_QUERY"/>', /no settings|empty/i],
+  ['twice.xml', '<VariCfgSec><stWifi strFD_SSID="a" strFD_SSID="b"/></VariCfgSec>',
+    /twice|repeat|more than once/i],
+  ['twice2.xml', '<VariCfgSec><stWifi strFD_SSID="a"/><stWifi strFD_SSID="b"/></VariCfgSec>',
+    /twice|repeat|more than once/i],
+  ['deep.xml', `<VariCfgSec>${'<a>'.repeat(40)}${'</a>'.repeat(40)}</VariCfgSec>`, /32/],
+  ['char.xml', '<VariCfgSec><stWifi strFD_SSID="é😀"/></VariCfgSec>', /😀/],
+  ['long.xml', `<VariCfgSec><a b="${'x'.repeat(30700)}"/></VariCfgSec>`, /30,?719/],
+];
+
+test('a wrong file is refused, with the reason, and nothing is sent', async () => {
   const sets = rig.sets();
-  const nested = `${'<a>'.repeat(40)}${'</a>'.repeat(40)}`;
-  const rows = [
-    ['photo.png', '\x89PNG\r\n', /no configuration/],
-    ['page.html', '<html></html>', /no configuration/],
-    ['cut.xml', '<VariCfgSec Action="DEVICE_QUERY"><stWifi strFD_SS', /no configuration/],
-    ['empty.xml', '<VariCfgSec Action="DEVICE_QUERY"/>', /no settings/],
-    ['deep.xml', `<VariCfgSec Action="x">${nested}</VariCfgSec>`, /more than 32 levels/],
-    ['char.xml', '<VariCfgSec Action="x"><stWifi strFD_SSID="é😀"/></VariCfgSec>',
-      /character 😀 in stWifi/],
-    ['long.xml', `<VariCfgSec Action="x"><a b="${'x'.repeat(30700)}"/></VariCfgSec>`,
-      /at most 30719/],
-  ];
-  for (const [name, text, pattern] of rows) {
+  for (const [name, text, pattern] of kWrong) {
     await choose(name, text);
-    await notice(page, 'import').filter({hasText: pattern}).waitFor();
-    assert.ok(await page.locator('#import .main').isHidden());
+    await line(page, 'import').filter({hasText: pattern}).waitFor();
+    assert.equal(await go().count(), 0, name);
   }
   assert.equal(rig.sets(), sets);
 });
@@ -96,55 +161,55 @@ test('a wrong file is refused in the browser, with the reason', async () => {
 test('a file that changes nothing is not sent', async () => {
   const {text} = await exportFile();
   await choose('same.xml', text);
-  await notice(page, 'import').filter({hasText: 'already holds everything'}).waitFor();
-  assert.ok(await page.locator('#import .main').isHidden());
+  await line(page, 'import').filter({hasText: /already/i}).waitFor();
+  assert.equal(await go().count(), 0);
 });
 
 test('an import that the recorder refuses or does not answer is not called done', async () => {
   const {text} = await exportFile();
-  await choose('edited.xml', text.replace('strFD_Apn="fleet"', 'strFD_Apn="other"'));
+  await choose('edited.xml', text.replace('"CMNET"', '"fleet"'));
   await rig.fault('for=set result:1');
-  await agree();
-  await notice(page, 'import').filter({hasText: 'Refused by the recorder'}).waitFor();
+  assert.equal(await bring(), 'refused');
   await rig.clear();
   await rig.fault('for=set silent');
-  await agree();
-  await notice(page, 'import').filter({hasText: 'recorder does not answer'}).waitFor();
-  await rig.clear();
-  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+  assert.equal(await bring(), 'deviceSilent');
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'CMNET');
 });
 
-test('the recorder\'s language changes the pages with it', async () => {
-  await visit(rig, page, 'maintenance');
-  await field(page, 'LangInfo', 'strLanguage').selectOption('EN');
-  await Promise.all([page.waitForEvent('load'), page.click('#LangInfo .main')]);
-  assert.equal(rig.setting('stDisplay', 'strLanguage'), 'US');
-  await page.getByRole('button', {name: '中文'}).click();
-  await page.locator('h1', {hasText: '维护'}).waitFor();
-  assert.equal(await page.locator('html').getAttribute('lang'), 'zh-CN');
-  await page.getByRole('button', {name: 'English'}).click();
-  await page.locator('h1', {hasText: 'Maintenance'}).waitFor();
-});
+// From here the recorder goes to other addresses, so these come last.
+async function arrive(address) {
+  execFileSync('ip', ['address', 'add', `${address}/24`, 'dev', 'eth0']);
+  await page.waitForURL((url) => url.hostname === address);
+  await page.locator('#password').waitFor();
+  assert.match(await page.locator('body').innerText(), /new address/i);
+}
 
-test('the page says the recorder\'s new address, follows it there and reports', async () => {
+test('the recorder\'s new address is said before, and followed', async () => {
   await visit(rig, page, 'network');
-  const kNew = '192.168.1.89';
-  await field(page, 'LocalNetInfo', 'strFD_LocalIp').fill(kNew);
-  await page.click('#LocalNetInfo .main');
-  assert.match(await page.locator('dialog').innerText(), new RegExp(`http://${kNew}`));
-  await page.locator('dialog').getByRole('button', {name: 'Cancel'}).click();
+  await put(page, 'stLocalEth0/uiFD_LocalIp', '192.168.1.89');
+  await button(page, 'localEth0', 'save').click();
+  assert.match(await dialog(page).innerText(), /192\.168\.1\.89/);
+  await cancel(page);
   assert.equal(rig.setting('stLocalEth0', 'uiFD_LocalIp'), rig.address);
   await rig.fault('for=set result:1');
-  await page.click('#LocalNetInfo .main');
-  await page.locator('dialog .main').click();
-  await notice(page, 'LocalNetInfo').filter({hasText: 'Refused by the recorder'}).waitFor();
+  await button(page, 'localEth0', 'save').click();
+  await agree(page);
+  assert.equal(await ended(page, 'localEth0'), 'refused');
   await rig.clear();
-  await page.click('#LocalNetInfo .main');
-  await page.locator('dialog .main').click();
-  await notice(page, 'LocalNetInfo').filter({hasText: `Waiting for the recorder at http://${kNew}`})
-      .waitFor();
-  assert.equal(rig.setting('stLocalEth0', 'uiFD_LocalIp'), kNew);
-  execFileSync('ip', ['address', 'add', `${kNew}/24`, 'dev', 'eth0']);
-  await page.waitForURL(`http://${kNew}/login.html#moved`);
-  await page.locator('.status', {hasText: 'new address'}).waitFor();
+  await button(page, 'localEth0', 'save').click();
+  await agree(page);
+  await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.89', 'the set');
+  await arrive('192.168.1.89');
+});
+
+test('an import that moves the recorder is followed', async () => {
+  await rig.login(page);
+  await visit(rig, page, 'maintenance');
+  const {text} = await exportFile();
+  await choose('moved.xml', text.replace('"192.168.1.88"', '"192.168.1.90"'));
+  await go().click();
+  assert.match(await dialog(page).innerText(), /192\.168\.1\.90/);
+  await agree(page);
+  await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.90', 'the set');
+  await arrive('192.168.1.90');
 });

@@ -1,0 +1,111 @@
+// The browser of an old in-cab terminal (Chromium 87): the pages work there, too.
+import assert from 'node:assert/strict';
+import {join} from 'node:path';
+import test, {after, before} from 'node:test';
+import {OldEngine} from '../old_engine.js';
+import {kPassword, Pair, pictures} from '../pair.js';
+import {kPages} from '../rig.js';
+import {until} from '../until.js';
+
+let pair;
+let engine;
+before(async () => {
+  pair = new Pair();
+  await pair.startDevice();
+  await pair.startDaemon();
+  engine = new OldEngine(pair.dir, 'en');
+});
+after(async () => {
+  await engine.stop();
+  await pair.stop();
+});
+
+const shown = (name) => engine.until((wanted) => {
+  const main = document.querySelector(`main[data-page="${wanted}"]`);
+  return !!main && main.children.length > 2 && !main.querySelector('.skeleton');
+}, name);
+
+async function picture(name) {
+  const folder = pictures();
+  if (folder) await engine.grab(join(folder, `${name}-old-engine.png`));
+}
+
+test('it is as old as it should be', async () => {
+  await engine.goto(`${pair.url}/login.html`);
+  const agent = await engine.run(() => navigator.userAgent);
+  assert.match(agent, /Chrome\/8\d\./);
+});
+
+test('sign-in with the keyboard', async () => {
+  await engine.run(() => { localStorage['language.chosen'] = 'en'; });
+  await engine.goto(`${pair.url}/login.html`);
+  await engine.click('#password');
+  await engine.type(kPassword);
+  assert.equal(await engine.run(() => document.querySelector('#password').value), kPassword);
+  await picture('login');
+  await engine.click('button[type=submit]');
+  await shown('status');
+});
+
+test('each page shows what the recorder holds', async () => {
+  const known = {
+    status: '80012345', device: '80012345', network: 'CMNET', platforms: '203.0.113.28',
+  };
+  for (const name of kPages) {
+    await engine.click(`nav a[data-page="${name}"]`);
+    await shown(name);
+    await picture(name);
+    const text = await engine.run(() => {
+      const main = document.querySelector('main');
+      const inputs = [...main.querySelectorAll('input, select')].map((node) => node.value);
+      return [main.innerText, ...inputs].join(' ');
+    });
+    if (known[name]) assert.ok(text.includes(known[name]), `${name}: ${text}`);
+    assert.ok(text.length > 50, name);
+  }
+});
+
+test('a save arrives', async () => {
+  await engine.click('nav a[data-page="network"]');
+  await shown('network');
+  const input = '[data-field="stMobileGNet/strFD_Apn"] input';
+  await engine.click(input);
+  await engine.until((selector) => document.querySelector(selector) === document.activeElement,
+      input);
+  await engine.run(() => document.activeElement.select());
+  await engine.type('fleet');
+  await engine.click('[data-section="mobile"] .main');
+  await engine.click('[role=dialog] .main');
+  await engine.until(() =>
+    !!document.querySelector('[data-section="mobile"] [data-note="applied"]'));
+  assert.equal(pair.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+});
+
+// Where a switch has its knob: on the side whose colour is not the track's.
+async function knob(selector) {
+  const box = await engine.run((wanted) => {
+    const {left, top, width, height} = document.querySelector(wanted).getBoundingClientRect();
+    return {left, width, middle: Math.round(top + height / 2)};
+  }, selector);
+  const places = [0.28, 0.5, 0.72]
+      .map((part) => [Math.round(box.left + part * box.width), box.middle]);
+  const [left, track, right] = await engine.colours(places);
+  return [left !== track && 'left', right !== track && 'right'].filter(Boolean).join();
+}
+
+test('a switch shows the side that it is on', async () => {
+  const selector = '[data-field="stBaseInfo/ucFD_GpsSTFlag"] input';
+  await engine.click('nav a[data-page="device"]');
+  await shown('device');
+  await engine.run((wanted) => {
+    document.querySelector(wanted).scrollIntoView({block: 'center'});
+  }, selector);
+  const on = () => engine.run((wanted) => document.querySelector(wanted).checked, selector);
+  for (const side of ['right', 'left', 'right']) {
+    await until(async () => await on() === (side === 'right'), `the switch on the ${side}`);
+    await until(async () => await knob(selector) === side, `the knob on the ${side}`);
+    await engine.click(selector);
+  }
+});
+
+test('no script failed', () => assert.deepEqual(engine.errors, []));

@@ -1,0 +1,68 @@
+// The old browser as a test sees it; old_engine.py runs it.
+import {spawn} from 'node:child_process';
+import {once} from 'node:events';
+import {chmodSync, openSync} from 'node:fs';
+import {join} from 'node:path';
+import {createInterface} from 'node:readline';
+import {fileURLToPath} from 'node:url';
+import {until} from './until.js';
+
+const kProgram = fileURLToPath(new URL('old_engine.py', import.meta.url));
+
+export class OldEngine {
+  constructor(dir, language) {
+    chmodSync(dir, 0o700);  // as the engine wants its runtime folder
+    this.errors = [];
+    this.program = spawn('/usr/bin/python3', [kProgram, language], {
+      stdio: ['pipe', 'pipe', openSync(join(dir, 'engine.log'), 'a')],
+      env: {
+        ...process.env, XDG_RUNTIME_DIR: dir, QT_QPA_PLATFORM: 'offscreen',
+        QT_QUICK_BACKEND: 'software', QTWEBENGINE_CHROMIUM_FLAGS: '--no-sandbox --disable-gpu',
+      },
+    });
+    this.lines = createInterface({input: this.program.stdout})[Symbol.asyncIterator]();
+  }
+
+  async tell(command) {
+    this.program.stdin.write(`${JSON.stringify(command)}\n`);
+    const {value: line, done} = await this.lines.next();
+    if (done) throw new Error('the old engine has ended, see engine.log');
+    const {value, errors} = JSON.parse(line);
+    this.errors.push(...errors);
+    return value;
+  }
+
+  goto(url) { return this.tell({goto: url}); }
+
+  // Runs a function of the test in the page.
+  run(act, ...args) {
+    return this.tell({run: `(${act})(...${JSON.stringify(args)})`});
+  }
+
+  until(probe, ...args) {
+    return until(() => this.run(probe, ...args), `${probe} ${JSON.stringify(args)}`);
+  }
+
+  // Presses the middle of what the selector finds, once it is there.
+  async click(selector) {
+    const place = await this.until((wanted) => {
+      const node = document.querySelector(wanted);
+      if (!node || node.disabled) return null;
+      node.scrollIntoView({block: 'center'});
+      const {left, top, width, height} = node.getBoundingClientRect();
+      return width && [Math.round(left + width / 2), Math.round(top + height / 2)];
+    }, selector);
+    await this.tell({click: place});
+  }
+
+  type(text) { return this.tell({type: text}); }
+
+  grab(path) { return this.tell({grab: path}); }
+
+  colours(places) { return this.tell({colours: places}); }
+
+  async stop() {
+    this.program.stdin.end();
+    await once(this.program, 'exit');
+  }
+}

@@ -1,0 +1,99 @@
+// The application behind the sign-in: one document, a page for each address behind "#/".
+import {render} from 'preact';
+import {useEffect} from 'preact/hooks';
+import {Fault, kindOf} from './recorder/fault';
+import {passGate, sessionId, sheetUrl} from './recorder/gate';
+import type {PageId} from './model/sections';
+import {waiting} from './state/editing';
+import {watchHealth, whenRecovered} from './state/health';
+import {loadPreferences} from './state/preferences';
+import {read, startRoute} from './state/route';
+import {expire, setBuild, takeNewPages} from './state/session';
+import {watchVisibility} from './state/status';
+import {get} from './state/store';
+import {addWords, t} from './words';
+import {en} from './words/en';
+import {login as enLogin} from './words/en-login';
+import {zh} from './words/zh';
+import {login as zhLogin} from './words/zh-login';
+import {Device} from './views/Device';
+import {Maintenance} from './views/Maintenance';
+import {Network} from './views/Network';
+import {Dialogs} from './views/Dialogs';
+import {Platforms} from './views/Platforms';
+import {Security} from './views/Security';
+import {Shell} from './views/Shell';
+import {Status} from './views/Status';
+import {Video} from './views/Video';
+import {useStore} from './views/parts/hooks';
+import {saveHere} from './views/parts/saveHere';
+
+const kViews: Record<PageId, () => preact.JSX.Element> = {
+  status: Status, device: Device, video: Video, network: Network, platforms: Platforms,
+  security: Security, maintenance: Maintenance,
+};
+
+function App() {
+  useStore();
+  const {page, language} = get();
+  useEffect(() => {
+    document.title = `${t(`page.${page}`)} · ${t('brand')}`;
+  }, [page, language]);
+  const View = kViews[page];
+  return <><Shell><View key={page} /></Shell><Dialogs /></>;
+}
+
+// The guarded sheets come with the first view; a refusal leads to the sign-in.
+function sheet(name: string): Promise<void> {
+  return new Promise((arrived, failed) => {
+    const link = document.createElement('link');
+    link.rel = 'stylesheet';
+    link.href = sheetUrl(name);
+    link.onload = () => arrived();
+    link.onerror = () => failed(new Fault('lost'));
+    document.head.appendChild(link);
+  });
+}
+
+function askBeforeLeaving(event: BeforeUnloadEvent) {
+  if (get().expired || !Object.keys(waiting()).length) return;
+  event.preventDefault();
+  event.returnValue = '';
+}
+
+// A browser may bring back the page as it was left, after a sign-out.
+function leaveIfSignedOut(event: PageTransitionEvent) {
+  if (event.persisted && !sessionId()) location.replace('login.html');
+}
+
+function openApp(root: HTMLElement) {
+  watchHealth();
+  whenRecovered(read);
+  watchVisibility();
+  window.addEventListener('beforeunload', askBeforeLeaving);
+  window.addEventListener('pageshow', leaveIfSignedOut);
+  window.addEventListener('keydown', saveHere);
+  root.textContent = '';
+  render(<App />, root);
+  read();
+}
+
+async function start() {
+  const root = document.getElementById('app')!;
+  setBuild((document.currentScript && document.currentScript.getAttribute('data-build')) || '');
+  addWords('en', {...enLogin, ...en});
+  addWords('zh', {...zhLogin, ...zh});
+  loadPreferences();
+  startRoute();
+  if (!sessionId()) return expire();
+  try {
+    await passGate(Promise.all([sheet('page.css'), sheet('sets.css')]));
+    const served = getComputedStyle(document.documentElement).getPropertyValue('--build').trim();
+    if (await takeNewPages(served)) return;
+  } catch (caught) {
+    if (kindOf(caught) === 'refused') return expire();
+  }
+  openApp(root);
+}
+
+void start();

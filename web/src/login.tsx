@@ -1,0 +1,53 @@
+// The sign-in: a document of its own, as its name is part of the service's interface.
+import {render} from 'preact';
+import {useEffect, useState} from 'preact/hooks';
+import {loadPreferences} from './state/preferences';
+import {look, patch, whenChanged} from './state/signIn';
+import {get} from './state/store';
+import {addWords, t} from './words';
+import {login as en} from './words/en-login';
+import {login as zh} from './words/zh-login';
+import {Login} from './views/Login';
+import {useStore} from './views/parts/hooks';
+
+const kMoved = 'moved';
+const asked = location.hash.replace(/^#\/?/, '');
+const script = document.currentScript;
+const app = (script && script.getAttribute('data-app')) || '';
+
+// The page that was asked for.
+const go = () => location.replace(`app.html#/${asked === kMoved ? '' : asked}`);
+
+let fetched = false;
+
+// The application comes while the password is typed.
+function prefetch() {
+  if (fetched) return;
+  fetched = true;
+  const link = document.createElement('link');
+  link.rel = 'prefetch';
+  link.href = app;
+  document.head.appendChild(link);
+}
+
+function App() {
+  useStore();
+  const [, setTurn] = useState(0);
+  useEffect(() => whenChanged(() => setTurn((turn) => turn + 1)), []);
+  const {language} = get();
+  useEffect(() => { document.title = `${t('login.title')} · ${t('brand')}`; }, [language]);
+  return <Login go={go} prefetch={prefetch} />;
+}
+
+function start() {
+  const root = document.getElementById('app')!;
+  addWords('en', en);
+  addWords('zh', zh);
+  loadPreferences();
+  root.textContent = '';
+  if (asked === kMoved) patch({note: {kind: 'moved'}});
+  render(<App />, root);
+  void look();
+}
+
+start();

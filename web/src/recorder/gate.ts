@@ -1,0 +1,43 @@
+// The session gate. It looks at requests for the two guarded style sheets alone, and leaves refused
+// ones without an answer: refused is what is still silent when later requests have been answered.
+import {Fault} from './fault';
+import {readClock, request} from './wire';
+
+// A sheet may come that much later than a file asked for after it; on a slow link later still.
+const kGraceMs = 1500;
+const kGraceTimes = 3;
+const kWaitMs = 12000;
+
+// A cookie that ends with the browser and that its tabs share.
+export function sessionId(): string | null {
+  const match = /(?:^|;\s*)jsession=([0-9a-f]{32})(?:;|$)/.exec(document.cookie);
+  return match ? match[1] || null : null;
+}
+export const startSession = (id: string) => {
+  document.cookie = `jsession=${id}; path=/; SameSite=Strict`;
+};
+export const endSession = () => {
+  document.cookie = 'jsession=; path=/; SameSite=Strict; max-age=0';
+};
+
+export const sheetUrl = (name: string) => `${name}?time=${Date.now()}&SessionID=${sessionId()}`;
+
+// Waits for what was asked for, or throws 'refused' when a file asked for behind it came alone.
+export async function passGate<T>(arrival: Promise<T>): Promise<T> {
+  const begin = Date.now();
+  const refusal = readClock().then(() => new Promise<never>((_, fail) => {
+    const grace = Math.max(kGraceMs, kGraceTimes * (Date.now() - begin));
+    setTimeout(() => fail(new Fault('refused')), grace);
+  }));
+  refusal.catch(() => {});  // a connection lost here is told by the arrival
+  arrival.catch(() => {});
+  return Promise.race([arrival, refusal]);
+}
+
+// Renews the session. Gives the guarded sheet's text, or throws 'refused'.
+export async function renewSession(): Promise<string> {
+  if (!sessionId()) throw new Fault('refused');
+  const sheet = request(sheetUrl('page.css'), {}, kWaitMs)
+      .then(({bytes}) => new TextDecoder().decode(bytes));
+  return passGate(sheet);
+}

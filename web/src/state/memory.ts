@@ -1,0 +1,56 @@
+// Memory of the browser: language, theme, drafts. Without it only convenience is lost. Secrets
+// never get here.
+import type {Field, Values} from '../model/fields';
+import type {SectionId} from '../model/sections';
+
+function attempt<T>(work: () => T, otherwise: T): T {
+  try {
+    return work();
+  } catch {
+    return otherwise;
+  }
+}
+
+export const remember = (key: string, value: string) =>
+  attempt(() => localStorage.setItem(key, value), undefined);
+export const recall = (key: string) => attempt(() => localStorage.getItem(key), null);
+
+// `sent`: the values were on their way when the page was left.
+export interface Draft { base: Values; typed: Values; sent?: boolean }
+
+const kDraft = 'draft.';
+
+function open(values: Values, fields: Field[]): Values {
+  const left: Values = {};
+  for (const {path, kind} of fields) {
+    const value = values[path];
+    if (kind !== 'secret' && value !== undefined) left[path] = value;
+  }
+  return left;
+}
+
+// Keeps what was typed, without secrets; nothing left drops the draft.
+export function keepDraft(id: SectionId, fields: Field[], draft: Draft) {
+  const typed = open(draft.typed, fields);
+  if (!Object.keys(typed).length) return dropDraft(id);
+  const kept: Draft = {base: open(draft.base, fields), typed, sent: draft.sent};
+  attempt(() => sessionStorage.setItem(kDraft + id, JSON.stringify(kept)), undefined);
+}
+
+export const dropDraft = (id: SectionId) =>
+  attempt(() => sessionStorage.removeItem(kDraft + id), undefined);
+
+const isTexts = (value: unknown): value is Values =>
+  typeof value === 'object' && value !== null &&
+  Object.values(value).every((text) => typeof text === 'string');
+
+export function loadDraft(id: SectionId): Draft | null {
+  const draft: unknown = attempt(() => JSON.parse(sessionStorage.getItem(kDraft + id) || ''), null);
+  const {base, typed, sent} = (draft || {}) as Partial<Draft>;
+  return isTexts(base) && isTexts(typed) ? {base, typed, sent: sent === true} : null;
+}
+
+export const dropAllDrafts = () => attempt(() => {
+  for (const key of Object.keys(sessionStorage))
+    if (key.startsWith(kDraft)) sessionStorage.removeItem(key);
+}, undefined);

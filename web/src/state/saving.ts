@@ -1,0 +1,175 @@
+// The save of a section: checked, reviewed, compared with the recorder, sent, read back, settled.
+import {clockText} from '../model/clock';
+import {checkAll} from '../model/checks';
+import {changesOf, meant, type Change, type Values} from '../model/fields';
+import {merge} from '../model/merge';
+import {messageFor} from '../model/message';
+import {save, type Answer, type SaveEnd} from '../model/save';
+import {sectionById, type Section, type SectionId} from '../model/sections';
+import {printMessage} from '../recorder/config';
+import {kindOf, type FaultKind} from '../recorder/fault';
+import {send, sendConfig} from '../recorder/wire';
+import {askUser} from './dialog';
+import {propose} from './editing';
+import {throughRestart} from './health';
+import {dropDraft, keepDraft} from './memory';
+import {followTo, kLocalIp, newOrigin, sendMove} from './move';
+import {followRecorder} from './preferences';
+import {readSection, shownFields, take} from './reading';
+import {expire, renew} from './session';
+import {patchSection, sectionState, shownValues, type Note, type SectionState, type Step}
+  from './store';
+
+const kUnchanged: Note = {kind: 'end', end: 'unchanged', rows: [], known: 'read'};
+const kTurn = {group: 'send', urgent: true};
+
+const step = (id: SectionId, name: Step | null) =>
+  patchSection(id, {step: name && {name, since: Date.now()}});
+const say = (id: SectionId, note: Note) => patchSection(id, {note});
+
+// What a save would change, the clock included.
+export function rowsOf({fields, held, typed}: SectionState): Change[] {
+  const wanted = {...held, ...typed};
+  const clock = fields.filter(({live, path}) => live && typed[path])
+      .map((field) => ({field, from: held[field.path], to: typed[field.path] || ''}));
+  return [...changesOf(fields, held, wanted), ...clock];
+}
+
+function meantValues(state: SectionState): Values {
+  const values = shownValues(state);
+  for (const field of state.fields) {
+    const value = state.typed[field.path];
+    if (value !== undefined) values[field.path] = meant(field, value);
+  }
+  return values;
+}
+
+// Sends what was changed by the way that loses nothing.
+function transmit(section: Section, state: SectionState, values: Values): Promise<Answer> {
+  const message = messageFor(section, state.fields, Object.keys(state.typed), values,
+      () => clockText(new Date()));
+  return throughRestart(() => 'endpoint' in message ? send(message.endpoint, message.form)
+    : sendConfig(printMessage(message.config)));
+}
+
+function settle(section: Section, before: SectionState, sent: Values, end: SaveEnd,
+    after: Values | null) {
+  const {id} = section;
+  const {fields} = before;
+  const rows = end === 'partly' && after ? changesOf(fields, after, sent)
+      .map(({field, from, to}) => ({field, from: to, to: from || ''})) : [];
+  const taken = end === 'applied' || end === 'partly';
+  const former: Values = {};
+  for (const {field, from} of rowsOf(before))
+    if (!field.live && from !== undefined) former[field.path] = from;
+  if (after) take(section, {fields, values: after});
+  patchSection(id, {
+    note: {kind: 'end', end, rows, known: after ? 'read' : 'unknown'},
+    ...(taken && Object.keys(former).length ? {former} : {}),
+    ...(after ? {base: after, conflicts: {}} : {}),
+    ...(end === 'applied' ? {typed: {}} : {}),
+  });
+  const {base, typed} = sectionState(id);
+  if (id === 'language' && end === 'applied') followRecorder(sent['stDisplay/strLanguage'] || '');
+  if (end === 'applied') dropDraft(id);
+  else keepDraft(id, fields, {base, typed});
+}
+
+async function sendAndRead(section: Section, values: Values) {
+  const {id} = section;
+  const before = sectionState(id);
+  keepDraft(id, before.fields, {base: before.base, typed: before.typed, sent: true});
+  const {end, after} = await save<Values>({
+    load: async () => (await readSection(section, kTurn)).values,
+    send: () => transmit(section, before, values),
+    same: (a, b) => !changesOf(before.fields, a, b).length,
+    before: before.held, sent: values,
+    progress: (name) => step(id, name),
+  });
+  settle(section, before, values, end, after);
+}
+
+async function moveAway(section: Section, values: Values, origin: string) {
+  const {id} = section;
+  const before = sectionState(id);
+  step(id, 'sending');
+  const still = async () => (await readSection(section, kTurn)).values;
+  const moved = await sendMove(() => transmit(section, before, values), still,
+      before.held[kLocalIp] || '');
+  if (moved !== 'waiting') return settle(section, before, values, moved, before.held);
+  step(id, 'moving');
+  say(id, {kind: 'moving', where: origin});
+  dropDraft(id);
+  if (!await followTo(origin)) say(id, {kind: 'movedSilent', where: origin});
+}
+
+// What the recorder holds now: true when it is what the user has seen.
+async function compare(section: Section): Promise<boolean> {
+  const {id} = section;
+  const seen = sectionState(id);
+  const fresh = await readSection(section, kTurn);
+  const {conflicts, elsewhere, typed} = merge(seen.fields, seen.base, fresh.values, seen.typed);
+  take(section, fresh);
+  if (Object.keys(conflicts).length) say(id, {kind: 'conflict', rows: []});
+  else if (elsewhere.length) say(id, {kind: 'elsewhere', rows: elsewhere});
+  else if (!Object.keys(typed).length) say(id, kUnchanged);
+  else return true;
+  return false;
+}
+
+async function run(section: Section) {
+  const {id} = section;
+  step(id, 'session');
+  await renew();
+  step(id, 'compare');
+  if (!await compare(section)) return;
+  const state = sectionState(id);
+  const values = meantValues(state);
+  const origin = newOrigin(state.held[kLocalIp], values[kLocalIp]);
+  if (origin) await moveAway(section, values, origin);
+  else await sendAndRead(section, values);
+}
+
+export const endOf = (kind: FaultKind): SaveEnd =>
+  kind === 'deviceSilent' || kind === 'serviceSilent' ? kind : 'lost';
+
+// True when there is something to send and nothing wrong with it; says why not.
+function prepare(id: SectionId): boolean {
+  const state = sectionState(id);
+  if (Object.keys(state.conflicts).length) return false;
+  if (!rowsOf(state).length) {
+    say(id, kUnchanged);
+    return false;
+  }
+  const values = meantValues(state);
+  const problems = checkAll(shownFields(state, values), values, state.held);
+  patchSection(id, {problems});
+  if (!Object.keys(problems).length) return true;
+  say(id, {kind: 'invalid'});
+  return false;
+}
+
+// Asks, then saves. Whatever happens, what was typed stays.
+export async function saveSection(id: SectionId) {
+  const state = sectionState(id);
+  if (state.step || !state.fields.length || !prepare(id)) return;
+  const move = newOrigin(state.held[kLocalIp], meantValues(state)[kLocalIp]);
+  if (!await askUser({kind: 'review', section: id, rows: rowsOf(state), move})) return;
+  try {
+    await run(sectionById(id));
+  } catch (caught) {
+    const kind = kindOf(caught);
+    if (kind === 'refused') return expire();
+    say(id, {kind: 'end', end: endOf(kind), rows: [], known: 'unsent'});
+  } finally {
+    step(id, null);
+  }
+}
+
+// The former values into the form, to be reviewed and sent like any others.
+export async function restoreFormer(id: SectionId) {
+  const {former, step: busy} = sectionState(id);
+  if (!former || busy) return;
+  propose(id, former);
+  await saveSection(id);
+}

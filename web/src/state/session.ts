@@ -1,0 +1,57 @@
+// The session: asked about at each change of page and before each save. What was typed survives its
+// end as drafts, without secrets.
+import {endSession, renewSession} from '../recorder/gate';
+import {kindOf} from '../recorder/fault';
+import {request} from '../recorder/wire';
+import {askUser} from './dialog';
+import {secretsWait, waiting} from './editing';
+import {dropAllDrafts, recall, remember} from './memory';
+import {get, set} from './store';
+
+const kBuild = /--build:\s*(\w+)/;
+const kReloaded = 'reloadedFor';
+const kWaitMs = 12000;
+
+let build = '';
+export const setBuild = (mark: string) => { build = mark; };
+
+// The service has other pages than this one: takes them, once, unless that would lose a secret that
+// was typed. True when they are on their way. The kept app.html is fetched anew, as its date may be
+// no newer than the one that is kept.
+export async function takeNewPages(served: string): Promise<boolean> {
+  if (!served || !build || served === build || recall(kReloaded) === served) return false;
+  if (secretsWait()) return false;
+  await request('app.html', {cache: 'reload'}, kWaitMs);
+  remember(kReloaded, served);
+  set({expired: true});  // what was typed is in the drafts, so nothing is asked
+  location.reload();
+  return true;
+}
+
+export function expire() {
+  if (get().expired) return;
+  set({expired: true});
+  location.replace(`login.html#${get().page}`);
+}
+
+// Throws 'refused' when the session has ended.
+export async function renew() {
+  const match = kBuild.exec(await renewSession());
+  await takeNewPages(match && match[1] || '');
+}
+
+// At a change of page; holds nothing up.
+export function renewBehind() {
+  renew().catch((caught) => {
+    if (kindOf(caught) === 'refused') expire();
+  });
+}
+
+export async function signOut() {
+  const pages = Object.keys(waiting()) as (keyof ReturnType<typeof waiting>)[];
+  if (pages.length && !await askUser({kind: 'leave', pages})) return;
+  set({expired: true});  // nothing more is asked about
+  dropAllDrafts();
+  endSession();
+  location.replace('login.html');
+}

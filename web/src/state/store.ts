@@ -1,0 +1,127 @@
+// The one state of the pages. Views are functions of it; only the modules of this folder change it.
+import type {Change, Field, Values} from '../model/fields';
+import type {Problems} from '../model/checks';
+import type {SaveEnd} from '../model/save';
+import type {PageId, SectionId} from '../model/sections';
+import type {ImportRow} from '../model/import';
+import type {FileError, Settings} from '../recorder/config';
+import type {FaultKind} from '../recorder/fault';
+import type {Lock} from '../recorder/lock';
+import type {Language} from '../words';
+
+// Follows from what happens here alone.
+export type Health =
+    | {state: 'answers'}
+    | {state: 'deviceSilent' | 'serviceSilent'; since: number; retryAt: number}
+    | {state: 'restarting'; since: number};
+
+export type Theme = 'auto' | 'light' | 'dark';
+
+export type Loading = {state: 'waiting'} | {state: 'loaded'} | {state: 'failed'; why: FaultKind};
+
+export type Step = 'session' | 'compare' | 'sending' | 'restarting' | 'reading' | 'moving';
+
+// What is known of a save's values: read back, nothing, or that they were never sent.
+export type Known = 'read' | 'unknown' | 'unsent';
+
+// What is said below a form.
+export type Note =
+    | {kind: 'end'; end: SaveEnd; rows: Change[]; known: Known}
+    | {kind: 'elsewhere' | 'conflict'; rows: Change[]}
+    | {kind: 'draft' | 'invalid' | 'arrived'}
+    | {kind: 'moving' | 'movedSilent'; where: string};
+
+export interface SectionState {
+  fields: Field[];
+  held: Values;  // what the recorder holds, as last read
+  base: Values;  // what it held when the user began to type
+  typed: Values;
+  conflicts: Values;  // what it holds instead where the user typed too
+  problems: Problems;
+  loading: Loading;
+  step: {name: Step; since: number} | null;  // a save is under way
+  note: Note | null;
+  former: Values | null;  // what an accepted save replaced
+}
+
+export type Dialog =
+    | {kind: 'review'; section: SectionId; rows: Change[]; move: string | null}
+    | {kind: 'leave'; pages: PageId[]}
+    | {kind: 'import'; count: number; move: string | null};
+
+export interface LockState {
+  lock: Lock | null;
+  at: number;  // when it was read
+  loading: Loading;
+  busy: boolean;
+  end: SaveEnd | null;
+}
+
+export interface Transfer {
+  exporting: boolean;
+  exported: {name: string} | {why: FaultKind} | null;
+  name: string | null;  // of the file that was chosen
+  error: FileError | {error: 'read'; why: FaultKind} | null;
+  rows: ImportRow[];
+  foreign: string | null;  // the file's device number, when it is another recorder's
+  step: SectionState['step'];
+  end: {end: SaveEnd; rows: ImportRow[]; known: Known} | null;
+  moving: {where: string; silent: boolean} | null;
+  former: Settings | null;
+}
+
+export interface State {
+  language: Language;
+  theme: Theme;
+  page: PageId;
+  health: Health;
+  sections: Partial<Record<SectionId, SectionState>>;
+  status: {at: number; values: Values} | null;
+  dialog: Dialog | null;
+  lock: LockState;
+  transfer: Transfer;
+  expired: boolean;  // the session has ended; the sign-in follows
+}
+
+const kStart: State = {
+  language: 'en', theme: 'auto', page: 'status', health: {state: 'answers'},
+  sections: {}, status: null, dialog: null, expired: false,
+  lock: {lock: null, at: 0, loading: {state: 'waiting'}, busy: false, end: null},
+  transfer: {exporting: false, exported: null, name: null, error: null, rows: [], foreign: null,
+    step: null, end: null, moving: null, former: null},
+};
+
+let state = kStart;
+const listeners = new Set<() => void>();
+
+export const get = () => state;
+
+export function set(patch: Partial<State>) {
+  state = {...state, ...patch};
+  for (const listener of listeners) listener();
+}
+
+export function subscribe(listener: () => void): () => void {
+  listeners.add(listener);
+  return () => { listeners.delete(listener); };
+}
+
+// As before anything happened, for tests.
+export function resetStore() {
+  state = kStart;
+  listeners.clear();
+}
+
+export const kEmptySection: SectionState = {
+  fields: [], held: {}, base: {}, typed: {}, conflicts: {}, problems: {},
+  loading: {state: 'waiting'}, step: null, note: null, former: null,
+};
+
+export const sectionState = (id: SectionId): SectionState => state.sections[id] || kEmptySection;
+
+export function patchSection(id: SectionId, patch: Partial<SectionState>) {
+  set({sections: {...state.sections, [id]: {...sectionState(id), ...patch}}});
+}
+
+// The values as a form shows them.
+export const shownValues = ({held, typed}: SectionState): Values => ({...held, ...typed});

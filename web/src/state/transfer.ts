@@ -1,0 +1,139 @@
+// The configuration to a file and back. An import sends the chosen settings and nothing else.
+import {clockText} from '../model/clock';
+import {chosenOf, compareFile, foreignNumber, kDeviceNo, type ImportRow} from '../model/import';
+import {save, type SaveEnd} from '../model/save';
+import {configOf, fetchConfig, openFile, printFile, printMessage, type Settings}
+  from '../recorder/config';
+import {Fault, kindOf} from '../recorder/fault';
+import {sendConfig} from '../recorder/wire';
+import {askUser} from './dialog';
+import {throughRestart} from './health';
+import {followTo, kLocalIp, newOrigin, sendMove} from './move';
+import {endOf} from './saving';
+import {expire, renew} from './session';
+import {get, set, type Step, type Transfer} from './store';
+
+const kTurn = {group: 'send', urgent: true};
+
+const patch = (part: Partial<Transfer>) => set({transfer: {...get().transfer, ...part}});
+const step = (name: Step | null) => patch({step: name && {name, since: Date.now()}});
+
+async function config() {
+  const {result, root, settings} = await fetchConfig(kTurn);
+  if (!root || !settings) throw new Fault(result ? 'unreadable' : 'deviceSilent');
+  return {root, settings};
+}
+
+// The file's name and text, to be handed to the browser.
+export async function exportFile(offer: (name: string, text: string) => void) {
+  if (get().transfer.exporting) return;
+  patch({exporting: true, exported: null});
+  try {
+    const {root, settings} = await config();
+    const number = (settings.get(kDeviceNo) || '').replace(/[^\w-]/g, '');
+    const name = `recorder-${number}-${clockText(new Date()).slice(0, 10)}.xml`;
+    offer(name, printFile(root));
+    patch({exported: {name}});
+  } catch (caught) {
+    patch({exported: {why: kindOf(caught)}});
+  } finally {
+    patch({exporting: false});
+  }
+}
+
+export async function chooseFile(name: string, bytes: Uint8Array) {
+  patch({name, error: null, rows: [], foreign: null, end: null, moving: null});
+  const file = openFile(bytes);
+  if ('error' in file) return patch({error: file});
+  step('compare');
+  try {
+    const {settings} = await config();
+    const rows = compareFile(settings, file.settings);
+    patch({rows, foreign: foreignNumber(settings, file.settings),
+      end: rows.length ? null : {end: 'unchanged', rows: [], known: 'read'}});
+  } catch (caught) {
+    patch({error: {error: 'read', why: kindOf(caught)}});
+  } finally {
+    step(null);
+  }
+}
+
+export function chooseRows(paths: string[], chosen: boolean) {
+  const {rows, step: busy} = get().transfer;
+  if (busy) return;
+  patch({rows: rows.map((row) => paths.includes(row.path) ? {...row, chosen} : row)});
+}
+
+function settle(wanted: ImportRow[], end: SaveEnd, after: Settings | null) {
+  const left = after ? wanted.filter(({path, to}) => after.get(path) !== to)
+      .map((row) => ({...row, from: row.to, to: after.get(row.path) || ''})) : [];
+  const former: [string, string][] = [];
+  for (const {path, from} of wanted) if (from !== null) former.push([path, from]);
+  const taken = end === 'applied' || end === 'partly';
+  patch({
+    end: {end, rows: end === 'partly' ? left : [], known: after ? 'read' : 'unknown'},
+    ...(taken ? {rows: [], foreign: null, former: new Map(former)} : {}),
+  });
+}
+
+async function sendAndRead(rows: ImportRow[], before: Settings) {
+  const wanted = rows.filter(({chosen}) => chosen);
+  const message = printMessage(configOf(chosenOf(rows)));
+  const send = () => throughRestart(() => sendConfig(message));
+  const load = async () => (await config()).settings;
+  const goal: Settings = new Map([...before, ...chosenOf(rows)]);
+  const origin = newOrigin(before.get(kLocalIp), goal.get(kLocalIp));
+  if (!origin) {
+    const same = (a: Settings, b: Settings) =>
+      wanted.every(({path}) => a.get(path) === b.get(path));
+    const {end, after} =
+        await save<Settings>({load, send, same, before, sent: goal, progress: step});
+    return settle(wanted, end, after);
+  }
+  step('sending');
+  const still = async () => ({[kLocalIp]: (await load()).get(kLocalIp) || ''});
+  const moved = await sendMove(send, still, before.get(kLocalIp) || '');
+  if (moved !== 'waiting') return settle(wanted, moved, before);
+  step('moving');
+  patch({moving: {where: origin, silent: false}});
+  if (!await followTo(origin)) patch({moving: {where: origin, silent: true}});
+}
+
+// Asks, then sends what is chosen.
+export async function importRows() {
+  const {rows, step: busy} = get().transfer;
+  const chosen = chosenOf(rows);
+  if (busy || !chosen.length) return;
+  const from = rows.find(({path}) => path === kLocalIp);
+  const move = newOrigin((from && from.from) || undefined, new Map(chosen).get(kLocalIp));
+  if (!await askUser({kind: 'import', count: chosen.length, move})) return;
+  patch({end: null});
+  try {
+    step('session');
+    await renew();
+    step('compare');
+    await sendAndRead(rows, (await config()).settings);
+  } catch (caught) {
+    const kind = kindOf(caught);
+    if (kind === 'refused') return expire();
+    patch({end: {end: endOf(kind), rows: [], known: 'unsent'}});
+  } finally {
+    step(null);
+  }
+}
+
+// What an accepted import replaced, to be compared and sent like a file.
+export async function restoreImported() {
+  const {former, step: busy} = get().transfer;
+  if (!former || busy) return;
+  step('compare');
+  try {
+    const rows = compareFile((await config()).settings, former);
+    patch({rows: rows.map((row) => ({...row, chosen: true})), end: null, former: null});
+  } catch (caught) {
+    patch({error: {error: 'read', why: kindOf(caught)}});
+  } finally {
+    step(null);
+  }
+  await importRows();
+}

@@ -1,0 +1,32 @@
+// Fields of one kind in columns, a row for each channel; a list on a phone.
+import type {Field} from '../../model/fields';
+import type {SectionId} from '../../model/sections';
+import {t, type WordKey} from '../../words';
+import {FieldRow} from './FieldRow';
+
+// `long`: values that want the whole width of a phone.
+interface Props { section: SectionId; head: WordKey; fields: Field[]; long?: boolean }
+
+const channelOf = (field: Field) => Number(field.labelValues && field.labelValues.channel);
+
+export function FieldTable({section, head, fields, long}: Props) {
+  const columns = [...new Set(fields.map(({label}) => label))];
+  const channels = [...new Set(fields.map(channelOf))];
+  const cell = (channel: number, label: WordKey) =>
+    fields.find((field) => channelOf(field) === channel && field.label === label);
+  return <table class={`grid${long ? ' long' : ''}`}>
+    <thead><tr>
+      <th scope="col">{t(head)}</th>
+      {columns.map((label) => <th key={label} scope="col">{t(label)}</th>)}
+    </tr></thead>
+    <tbody>{channels.map((channel) => <tr key={channel} data-channel={channel}>
+      <th scope="row">{channel}</th>
+      {columns.map((label) => {
+        const field = cell(channel, label);
+        return <td key={label} data-label={t(label)}>
+          {field && <FieldRow section={section} field={field} bare />}
+        </td>;
+      })}
+    </tr>)}</tbody>
+  </table>;
+}

@@ -1,0 +1,86 @@
+// The form of one section: skeleton, fields, what is going on, what can be done.
+import type {ComponentChildren} from 'preact';
+import {sectionById, type SectionId} from '../../model/sections';
+import {discard} from '../../state/editing';
+import {savePassword} from '../../state/password';
+import {read} from '../../state/route';
+import {restoreFormer, saveSection} from '../../state/saving';
+import {get, sectionState, shownValues} from '../../state/store';
+import {shownFields} from '../../state/reading';
+import {t, type WordKey} from '../../words';
+import {FieldRow} from './FieldRow';
+import {Icon, type IconName} from './Icon';
+import {Notice} from './Notice';
+import {NoteLine, StepNote} from './SectionNote';
+import {idOf} from './words';
+
+export function Skeleton({rows}: {rows: number}) {
+  return <div class="skeleton" role="status" aria-label={t('loading')}>
+    {Array.from({length: rows}, (_, i) => <span key={i} />)}
+  </div>;
+}
+
+function Failed({id}: {id: SectionId}) {
+  const {loading, fields} = sectionState(id);
+  if (loading.state !== 'failed') return null;
+  if (get().health.state !== 'answers')
+    return fields.length ? null : <Notice tone="info" text={t('load.waiting')} />;
+  const why = loading.why === 'dropped' || loading.why === 'refused' ? 'lost' : loading.why;
+  return <Notice tone="bad" text={t(`load.${why}`)}>
+    <button type="button" class="quiet" onClick={read}>{t('again')}</button>
+  </Notice>;
+}
+
+async function saveAndShow(id: SectionId) {
+  await (id === 'password' ? savePassword() : saveSection(id));
+  const [path] = Object.keys(sectionState(id).problems);
+  const input = path && document.getElementById(idOf(path));
+  if (input) input.focus();
+}
+export const save = (id: SectionId) => void saveAndShow(id);
+
+function Actions({id}: {id: SectionId}) {
+  const state = sectionState(id);
+  const busy = Boolean(state.step);
+  const typed = Object.keys(state.typed).length;
+  return <div class="actions">
+    <button type="submit" class="main" aria-disabled={busy || undefined}>{t('save')}</button>
+    {typed > 0 && !busy &&
+      <button type="button" class="quiet" data-action="discard"
+        onClick={() => discard(id)}>{t('discard')}</button>}
+    {state.former && !typed && !busy &&
+      <button type="button" class="quiet" data-action="restore"
+        onClick={() => void restoreFormer(id)}>{t('restore')}</button>}
+  </div>;
+}
+
+interface Props {
+  id: SectionId;
+  icon: IconName;
+  help?: WordKey;
+  rows?: number;  // of the skeleton
+  layout?: () => ComponentChildren;  // otherwise a row for each field
+  wide?: boolean;
+}
+
+export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
+  const state = sectionState(id);
+  const {fields, loading} = state;
+  const submit = (event: Event) => { event.preventDefault(); save(id); };
+  return <section class={`card${wide ? ' wide' : ''}`} data-section={id}
+    aria-labelledby={`${id}-title`}>
+    <h2 id={`${id}-title`}><Icon name={icon} />{t(sectionById(id).title)}</h2>
+    {help && <p class="hint">{t(help)}</p>}
+    {loading.state === 'waiting' && !fields.length && <Skeleton rows={rows} />}
+    {loading.state === 'failed' && <Failed id={id} />}
+    {(loading.state === 'loaded' || fields.length > 0) &&
+      <form noValidate autoComplete="off" onSubmit={submit}>
+        <div class={`fields${layout ? '' : ' many'}`}>
+          {layout ? layout() : shownFields(state, shownValues(state)).map((field) =>
+            <FieldRow key={field.path} section={id} field={field} />)}
+        </div>
+        {state.step ? <StepNote step={state.step} /> : <NoteLine note={state.note} />}
+        <Actions id={id} />
+      </form>}
+  </section>;
+}

@@ -1,0 +1,56 @@
+// What is said below a form: the step of a save, how it ended, what else happened.
+import type {SaveEnd} from '../../model/save';
+import type {Note, SectionState, Step} from '../../state/store';
+import {t} from '../../words';
+import {ChangeTable} from './ChangeTable';
+import {secondsSince, useNow} from './hooks';
+import {Notice, type Tone} from './Notice';
+
+const kSteps: readonly Step[] = ['session', 'compare', 'sending', 'reading'];
+const kTones: Partial<Record<SaveEnd, Tone>> =
+    {applied: 'good', unchanged: 'info', moved: 'good', partly: 'warn'};
+const kRestartAfter = 1;  // seconds: an accepted set takes longer than that
+
+export function StepNote({step}: {step: NonNullable<SectionState['step']>}) {
+  const seconds = secondsSince(step.since, useNow(true));
+  const name = step.name === 'sending' && seconds >= kRestartAfter ? 'restarting' : step.name;
+  const number = kSteps.indexOf(step.name) + 1;
+  const count = number ? t('step.count', {number, of: kSteps.length}) : '';
+  const since = seconds ? t('step.seconds', {seconds}) : '';
+  return <Notice tone="busy" text={[count, t(`step.${name}`), since].filter(Boolean).join(' ')}>
+    <progress aria-label={t('step.progress')} max={kSteps.length} value={number || undefined} />
+  </Notice>;
+}
+
+const kTold = new Set<SaveEnd>(['applied', 'partly', 'unchanged', 'refused', 'moved']);
+
+function endText({end, known}: Extract<Note, {kind: 'end'}>): string {
+  if (kTold.has(end)) return t(`end.${end}`);
+  if (known !== 'unsent') return `${t(`end.${end}`)} ${t(`known.${known}`)}`;
+  const why = end === 'deviceSilent' || end === 'serviceSilent' ? end : 'lost';
+  return `${t(`load.${why}`)} ${t('known.unsent')}`;
+}
+
+export function NoteLine({note}: {note: Note | null}) {
+  if (!note) return <Notice />;
+  switch (note.kind) {
+    case 'end':
+      return <Notice tone={kTones[note.end] || 'bad'} name={note.end} text={endText(note)}>
+        {note.rows.length > 0 && <ChangeTable rows={note.rows} />}
+      </Notice>;
+    case 'elsewhere':
+      return <Notice tone="warn" name={note.kind} text={t('note.elsewhere')}>
+        <ChangeTable rows={note.rows} /><p>{t('note.elsewhereNext')}</p>
+      </Notice>;
+    case 'moving':
+      return <Notice tone="busy" text={t('note.moving', {where: note.where})} />;
+    case 'movedSilent':
+      return <Notice tone="warn" name={note.kind} text={t('note.movedSilent')}>
+        <a href={note.where}>{note.where}</a>
+      </Notice>;
+    case 'invalid': return <Notice tone="bad" name={note.kind} text={t('note.invalid')} />;
+    case 'conflict': return <Notice tone="warn" name={note.kind} text={t('note.conflict')} />;
+    case 'draft': return <Notice tone="info" name={note.kind} text={t('note.draft')} />;
+    case 'arrived': return <Notice tone="good" name={note.kind} text={t('note.arrived')} />;
+  }
+}

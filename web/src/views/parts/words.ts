@@ -1,0 +1,20 @@
+// Values and fields as the user knows them.
+import {isOn, type Field} from '../../model/fields';
+import {t} from '../../words';
+
+export function labelOf(field: Field): string {
+  const label = t(field.label);
+  const channel = field.labelValues && field.labelValues.channel;
+  return channel === undefined ? label : t('ofChannel', {channel, label});
+}
+
+export function display(field: Field, value: string | undefined): string {
+  if (value === undefined || value === '') return t('value.none');
+  if (field.kind === 'secret') return t('value.hidden');
+  if (field.kind === 'switch') return t(isOn(value) ? 'on' : 'off');
+  if (field.kind === 'clock') return value === 'now' ? t('clock.now') : value;
+  const option = (field.options || []).find(([known]) => known === value);
+  return option ? t(option[1]) : value;
+}
+
+export const idOf = (path: string) => path.replace(/\W/g, '-');

@@ -1,0 +1,32 @@
+// Chinese: what the sign-in shows, and every page.
+import type {login as english} from './en-login';
+
+export const login: Record<keyof typeof english, string> = {
+  'brand': '车载录像机',
+  'language.other': 'English',
+  'theme.auto': '配色：跟随本设备',
+  'theme.light': '配色：浅色',
+  'theme.dark': '配色：深色',
+  'reveal': '显示',
+  'password': '密码',
+  'load.deviceSilent': '录像机没有应答网页服务。',
+  'load.serviceSilent': '网页服务没有应答，可能正在重启。',
+  'load.lost': '无法连接录像机，请检查本设备的无线网络或网线。',
+  'load.unreadable': '录像机的应答无法识别。',
+  'login.title': '登录',
+  'login.go': '登录',
+  'login.asking': '正在查找录像机…',
+  'login.answers': '录像机有应答。',
+  'login.noAnswer': '录像机没有应答。',
+  'login.recorder': '录像机 {number}',
+  'login.checking': '正在核对密码…',
+  'login.counting': '密码错误，录像机正在记录…',
+  'login.wrong': '密码错误，还可以尝试 {left} 次。',
+  'login.locked': '密码连续输错五次，已锁定。',
+  'login.left': '剩余时间：{time}',
+  'login.open': '锁定已结束，可以重新登录。',
+  'login.silent': '录像机没有应答，无法核对密码。',
+  'login.impossible': '录像机不可能有这样的密码。',
+  'login.cookies': '请允许此地址使用 Cookie，否则无法保持登录。',
+  'login.moved': '录像机已在新地址上应答。',
+};

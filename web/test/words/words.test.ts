@@ -1,0 +1,31 @@
+import assert from 'node:assert/strict';
+import test from 'node:test';
+import {preferred} from '../../src/words';
+import {en} from '../../src/words/en';
+import {login as enLogin} from '../../src/words/en-login';
+import {zh} from '../../src/words/zh';
+import {login as zhLogin} from '../../src/words/zh-login';
+
+const english: Record<string, string> = {...enLogin, ...en};
+const chinese: Record<string, string> = {...zhLogin, ...zh};
+
+test('both languages fill in the same names', () => {
+  const names = (text: string) => (text.match(/\{\w+\}/g) || []).sort().join();
+  for (const [key, text] of Object.entries(english))
+    assert.equal(names(chinese[key] || ''), names(text), key);
+});
+
+test('no text is empty, none is left in the other language', () => {
+  for (const [key, text] of Object.entries(english)) {
+    assert.ok(text.trim() && (chinese[key] || '').trim(), key);
+    if (key !== 'language.other') assert.ok(!/[\u4e00-\u9fff]/.test(text), key);
+  }
+});
+
+test('the user’s choice of language goes first, then the recorder’s, then the browser’s', () => {
+  const rows: [string | null, string | null, string, string][] = [['zh', 'en', 'en-GB', 'zh'],
+    [null, 'zh', 'en-GB', 'zh'], [null, null, 'zh-CN', 'zh'], [null, null, 'de', 'en'],
+    ['xx', null, 'ZH', 'zh']];
+  for (const [chosen, recorder, browser, language] of rows)
+    assert.equal(preferred(chosen, recorder, browser), language);
+});
