@@ -72,6 +72,7 @@ std::string Deliver(CTestServer& server, std::string_view bytes, std::mt19937& r
   while (!bytes.empty()) {
     const size_t nPart = random() % 3 != 0 ? bytes.size() : 1 + random() % bytes.size();
     client.SendAll(bytes.substr(0, nPart));
+    server.Poll();
     bytes.remove_prefix(nPart);
   }
   client.End();
@@ -83,7 +84,7 @@ TEST(HostileRequest, EndsWithWholeRepliesOrNone) {
   std::mt19937 random(20160301);
   CTestServer server(&HttpEvent);
   testing::internal::CaptureStdout();
-  for (int i = 0; i < 3000; ++i) {
+  for (int i = 0; i < 2000; ++i) {
     const std::string strRequest = RandomRequest(random);
     const std::string strSent = Deliver(server, strRequest, random);
     EXPECT_TRUE(strSent.empty() || strSent.compare(0, 9, "HTTP/1.1 ") == 0) << strRequest;

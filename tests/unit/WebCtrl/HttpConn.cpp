@@ -5,18 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-CHttpConn::CHttpConn() {
-  mg_mgr_init(&m_mgr, nullptr);
-  m_conn.mgr = &m_mgr;
-  m_conn.iface = m_mgr.ifaces[0];
-  m_conn.sock = INVALID_SOCKET;
-}
-
-CHttpConn::~CHttpConn() {
-  mbuf_free(&m_conn.send_mbuf);
-  mg_mgr_free(&m_mgr);
-}
-
 std::string Post(const std::string& strUri, const std::string& strForm) {
   return "POST " + strUri + " HTTP/1.1\r\nContent-Length: " + std::to_string(strForm.size()) +
          "\r\n\r\n" + strForm;

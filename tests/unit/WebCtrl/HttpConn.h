@@ -8,8 +8,8 @@
 
 class CHttpConn {
  public:
-  CHttpConn();
-  ~CHttpConn();
+  CHttpConn() = default;
+  ~CHttpConn() { mbuf_free(&m_conn.send_mbuf); }
   CHttpConn(const CHttpConn&) = delete;
   CHttpConn& operator=(const CHttpConn&) = delete;
 
@@ -18,7 +18,6 @@ class CHttpConn {
   std::string Sent() const { return {m_conn.send_mbuf.buf, m_conn.send_mbuf.len}; }
 
  private:
-  mg_mgr m_mgr{};
   mg_connection m_conn{};
 };
 
