@@ -1,5 +1,6 @@
 // Defines what the service takes from the platform and from the libraries below it; the linker then
-// leaves the archives' own definitions out. A restart costs nothing and starts no thread.
+// leaves the archives' own definitions out. A restart costs nothing and starts no thread, and the
+// clock stands still.
 #include "fuzz/ScriptedDevice.h"
 
 #include <unistd.h>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int kLongestDatagram = 65507;
 constexpr int kTimeout = -2;
+constexpr time_t kNow = 1700000000;
 
 std::vector<std::string_view> g_replies;
 size_t g_nNext = 0;
@@ -82,6 +84,10 @@ unsigned sleep(unsigned uiSeconds) {
   const bool bService = gettid() == getpid();
   const timespec pause{static_cast<time_t>(uiSeconds), 0};
   return bService || nanosleep(&pause, nullptr) == 0 ? 0 : uiSeconds;
+}
+time_t time(time_t* pTime) noexcept {
+  if (pTime != nullptr) *pTime = kNow;
+  return kNow;
 }
 int usleep(useconds_t /*usec*/) { return 0; }
 int system(const char* pszCommand) {

@@ -1,143 +1,121 @@
+// Defines the two calls that the HTTP library's listener is made with; the linker then leaves the
+// platform's out. What it takes for a TCP socket is a local one with a name of its own.
 #include "fuzz/ScriptedNet.h"
 
-#include <algorithm>
-#include <cstring>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <unistd.h>
 
-#include "CBB/WebCtrl/HttpLoop.h"
+#include <cerrno>
+
 #include "fuzz/Input.h"
 
 namespace {
 
-constexpr sock_t kSock = 0;  // stands for the client's; nothing reads or writes it
+// So often is nothing seen to happen once nothing happens any more. A round may change only what
+// the service waits for.
+constexpr int kQuietRounds = 3;
 
-mg_connection* g_pClient = nullptr;  // null once the service has closed it
-std::string_view g_arriving;
-std::string g_strTaken;
-bool g_bReads = false;
-bool g_bGone = false;
-
-socket_address ClientAddress() {
-  socket_address address{};
-  address.sin.sin_family = AF_INET;
-  return address;
-}
-
-bool CanRead(const mg_connection& conn) {
-  return conn.recv_mbuf.len < conn.recv_mbuf_limit && (!g_arriving.empty() || g_bGone);
-}
-
-time_t PollAll(mg_iface* pIface, int /*nTimeoutMs*/) {
-  const double dNow = mg_time();
-  mg_connection* pNext = nullptr;
-  for (mg_connection* p = pIface->mgr->active_connections; p != nullptr; p = pNext) {
-    pNext = p->next;
-    if (mg_if_poll(p, dNow) == 0 || p != g_pClient) continue;
-    if (CanRead(*p)) mg_if_can_recv_cb(p);
-    if (g_bReads && p->send_mbuf.len > 0) mg_if_can_send_cb(p);
-  }
-  return static_cast<time_t>(dNow);
-}
-
-// As the library's own: -1 when the peer has gone, 0 when there is nothing for now.
-int TcpRecv(mg_connection* /*pConn*/, void* pBuf, size_t nLen) {
-  if (g_arriving.empty()) return g_bGone ? -1 : 0;
-  const size_t nGot = g_arriving.copy(static_cast<char*>(pBuf), nLen);
-  g_arriving.remove_prefix(nGot);
-  return static_cast<int>(nGot);
-}
-
-int TcpSend(mg_connection* /*pConn*/, const void* pBuf, size_t nLen) {
-  g_strTaken.append(static_cast<const char*>(pBuf), nLen);
-  return static_cast<int>(nLen);
-}
-
-void DestroyConn(mg_connection* pConn) {
-  if (pConn == g_pClient) g_pClient = nullptr;
-  pConn->sock = INVALID_SOCKET;
-}
-
-mg_iface_vtable MakeInterface() {
-  mg_iface_vtable table{};
-  table.init = table._free = [](mg_iface*) {};
-  table.add_conn = table.remove_conn = [](mg_connection*) {};
-  table.poll = PollAll;
-  table.listen_tcp = [](mg_connection*, socket_address*) { return 0; };
-  table.tcp_send = TcpSend;
-  table.tcp_recv = TcpRecv;
-  table.create_conn = [](mg_connection*) { return 1; };
-  table.destroy_conn = DestroyConn;
-  table.get_conn_addr = [](mg_connection*, int, socket_address* pAddr) {
-    *pAddr = ClientAddress();
-  };
-  return table;
-}
+sockaddr_un g_listener;
+socklen_t g_nListener = 0;
 
 }  // namespace
 
-CScriptedNet::CScriptedNet(void (*pfnHandler)(mg_connection*, int, void*)) {
-  static const mg_iface_vtable s_interface = MakeInterface();
-  mg_mgr_init_opts opts{};
-  opts.main_iface = &s_interface;
-  mg_mgr_init_opt(&m_mgr, nullptr, opts);
-  m_pListener = mg_bind(&m_mgr, "80", pfnHandler);
-  Require(m_pListener != nullptr);
-  ResumeReceiving(m_mgr);
-  ServeHttp(m_pListener);
+extern "C" {
+int socket(int nDomain, int nType, int nProtocol) noexcept {
+  const bool bListener = nDomain == AF_INET && nType == SOCK_STREAM;
+  return static_cast<int>(syscall(SYS_socket, bListener ? AF_UNIX : nDomain, nType, nProtocol));
+}
+
+int bind(int nSock, const sockaddr* /*pAddress*/, socklen_t /*nSize*/) noexcept {
+  const sockaddr any = {AF_UNIX, {}};
+  // So short an address asks for any name that is free.
+  if (syscall(SYS_bind, nSock, &any, sizeof(any.sa_family)) != 0) return -1;
+  g_nListener = sizeof(g_listener);
+  return getsockname(nSock, reinterpret_cast<sockaddr*>(&g_listener), &g_nListener);
+}
+}
+
+// What a client, and whoever looks at its socket, can see of the service.
+struct CScriptedNet::stSigns {
+  int nUnread = 0;      // by the client
+  int nUnreceived = 0;  // by the service
+  size_t nClients = 0;
+
+  bool operator==(const stSigns& other) const {
+    return nUnread == other.nUnread && nUnreceived == other.nUnreceived &&
+           nClients == other.nClients;
+  }
+};
+
+CScriptedNet::CScriptedNet(mg_event_handler_t pfnHandler) : m_server(pfnHandler) {
+  Require(m_server.Bind("80") == 0);
 }
 
 CScriptedNet::~CScriptedNet() {
-  Disconnect();
-  mg_mgr_free(&m_mgr);
+  if (m_nClient >= 0) Abort();
+  m_server.Close();
+}
+
+CScriptedNet::stSigns CScriptedNet::Look() const {
+  stSigns signs;
+  if (m_nClient >= 0) ioctl(m_nClient, FIONREAD, &signs.nUnread);
+  if (m_nClient >= 0) ioctl(m_nClient, SIOCOUTQ, &signs.nUnreceived);
+  signs.nClients = m_server.Connections();
+  return signs;
+}
+
+void CScriptedNet::Settle() {
+  stSigns before = Look();
+  for (int nQuiet = 0; nQuiet < kQuietRounds; ++nQuiet) {
+    m_server.Poll(0);
+    const stSigns now = Look();
+    if (!(now == before)) nQuiet = 0;
+    before = now;
+  }
 }
 
 void CScriptedNet::Connect() {
-  Disconnect();
-  g_bGone = false;
-  g_pClient = mg_if_accept_new_conn(m_pListener);
-  Require(g_pClient != nullptr);
-  g_pClient->sock = kSock;
-  socket_address address = ClientAddress();
-  mg_if_accept_tcp_cb(g_pClient, &address, sizeof(address.sin));
+  Require(m_nClient < 0);
+  m_nClient = socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+  Require(connect(m_nClient, reinterpret_cast<const sockaddr*>(&g_listener), g_nListener) == 0);
+  Settle();
+  Require(m_server.Connections() == 1);
 }
 
-void CScriptedNet::Poll() {
-  mg_mgr_poll(&m_mgr, 0);
-  ServeWaiting(m_mgr);
-  CloseIdleConnections(m_mgr);
-  ResumeReceiving(m_mgr);
-}
-
-void CScriptedNet::Receive(std::string_view piece) {
-  g_arriving = piece;
-  // A connection that takes no more for now gets the rest lost; its client would wait.
-  for (size_t nLeft = piece.size() + 1; g_pClient != nullptr && g_arriving.size() < nLeft;) {
-    nLeft = g_arriving.size();
-    Poll();
-  }
-  g_arriving = {};
+void CScriptedNet::Receive(std::string_view bytes) {
+  const ssize_t nSent = send(m_nClient, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+  Require(nSent == static_cast<ssize_t>(bytes.size()) || errno == EPIPE || errno == ECONNRESET);
+  Settle();
 }
 
 std::string CScriptedNet::Read() {
-  g_bReads = true;
-  g_strTaken.clear();
-  // A file comes in several pieces; the round without one is the last.
-  for (size_t nTaken = ~static_cast<size_t>(0);
-       g_pClient != nullptr && nTaken != g_strTaken.size();) {
-    nTaken = g_strTaken.size();
-    Poll();
-    Poll();
+  std::string strTaken;
+  char buffer[16384];
+  ssize_t nGot;
+  while ((nGot = recv(m_nClient, buffer, sizeof(buffer), 0)) > 0) {
+    strTaken.append(buffer, static_cast<size_t>(nGot));
+    Settle();
   }
-  g_bReads = false;
-  return g_strTaken;
+  return strTaken;
 }
 
-void CScriptedNet::Disconnect() {
-  g_bGone = true;
-  // Closing may be put off for a connection that takes no more.
-  for (int i = 0; i < 4 && g_pClient != nullptr; ++i) Poll();
-  if (g_pClient != nullptr) g_pClient->flags |= MG_F_CLOSE_IMMEDIATELY;
-  if (g_pClient != nullptr) Poll();
-  Require(g_pClient == nullptr);
+std::string CScriptedNet::Disconnect() {
+  shutdown(m_nClient, SHUT_WR);
+  Settle();
+  std::string strTaken = Read();
+  Require(m_server.Connections() == 0);
+  Abort();
+  return strTaken;
 }
 
-size_t CScriptedNet::Unread() const { return g_pClient != nullptr ? g_pClient->send_mbuf.len : 0; }
+void CScriptedNet::Abort() {
+  const int nClient = m_nClient;
+  m_nClient = -1;
+  close(nClient);
+  Settle();
+  Require(m_server.Connections() == 0);
+}

@@ -1,6 +1,6 @@
-// The network of the HTTP target, in the place of sockets: one client at a time, whose bytes arrive
-// in the pieces that the target gives. Everything above the socket calls is the HTTP library's own.
-// One object at a time.
+// The network of the HTTP target: the service's own server with one client at a time, over sockets
+// of this machine alone. What one side sends is there for the other at once, and nothing depends on
+// the clock, so that an input always plays the same. One object at a time.
 #pragma once
 
 #include <mongoose.h>
@@ -8,29 +8,34 @@
 #include <string>
 #include <string_view>
 
+#include "CBB/Http/Server.h"
+
 class CScriptedNet {
  public:
-  // Listens with the event handler of the service's listener, or one around it.
-  explicit CScriptedNet(void (*pfnHandler)(mg_connection* pConn, int nEvent, void* pData));
+  // Listens with the service's handler of whole requests, or one around it.
+  explicit CScriptedNet(mg_event_handler_t pfnHandler);
   ~CScriptedNet();
   CScriptedNet(const CScriptedNet&) = delete;
   CScriptedNet& operator=(const CScriptedNet&) = delete;
 
   // A client comes, the one before it having gone.
   void Connect();
-  // Bytes arrive together. Nothing happens once the service has closed the connection.
-  void Receive(std::string_view piece);
-  // The client takes what it has been sent so far, files included, and returns it.
+  // Bytes of the client arrive together, and the service does all that it can. What comes once the
+  // service has closed the connection is lost.
+  void Receive(std::string_view bytes);
+  // The client takes what it has been sent so far and returns it.
   std::string Read();
-  // The client goes away.
-  void Disconnect();
-
-  // Bytes that wait to be sent.
-  size_t Unread() const;
+  // The client sends no more; returns what it is still sent. The service must close then.
+  std::string Disconnect();
+  // The client goes away at once. The service must close then.
+  void Abort();
 
  private:
-  void Poll();
+  struct stSigns;
 
-  mg_mgr m_mgr;
-  mg_connection* m_pListener;
+  stSigns Look() const;
+  void Settle();
+
+  CServer m_server;
+  int m_nClient = -1;
 };

@@ -1,22 +1,26 @@
-// Bytes from the network through the HTTP library, the event handler and the router, before a
-// scripted device. The input is a stream of bytes, then the device's replies, in this order:
+// Bytes from the network through the HTTP edge, the event handler and the router, before a scripted
+// device. The input is a stream of bytes, then the device's replies, in this order:
 //   0x1E  begins the next reply of the device
 //   0x1F  ends a piece: what stands before it arrives at once
 //   0x1D  the client goes away and another one comes
 //   0x1C  the client reads what it has been sent, as it does before it goes away
 //   0x1B  the client goes away at once, whatever it has been sent
-// Whatever arrives: endpoints answer only whole requests, with well-formed replies; only the
-// endpoints that set send a DEVICE_SET; what waits to be sent is bounded; no file outside the
-// document root gets out.
-#include <unistd.h>
-
+// Whatever arrives: every whole request is answered in its turn, up to one that closes, and nothing
+// else; endpoints give well-formed replies; only those that set send a DEVICE_SET; what waits to be
+// sent is bounded; no file outside the document root gets out; every client is let go, every file
+// closed; and neither the datagrams nor the replies depend on the pieces.
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
 
+#include "CBB/Http/HeadRules.h"
 #include "CBB/WebCtrl/HttpLoop.h"
-#include "CBB/WebCtrl/WebCtrl.h"
-#include "fuzz/HeadModel.h"
+#include "CBB/WebCtrl/HttpOptions.h"
+#include "CBB/WebCtrl/Routes.h"
 #include "fuzz/Input.h"
 #include "fuzz/ReplyCheck.h"
+#include "fuzz/RequestModel.h"
 #include "fuzz/ScriptedDevice.h"
 #include "fuzz/ScriptedNet.h"
 
@@ -30,15 +34,18 @@ constexpr char kAbortMark = '\x1B';
 
 // What stands in the file beside the document root.
 constexpr std::string_view kOutsideText = "not for browsers";
-// A client that does not read is closed before more than this waits for it.
-constexpr size_t kMostUnread = 1024 * 1024 + 128 * 1024;
+// No reply is longer. One waits at most: a client that does not read gets no further one.
+constexpr size_t kLongestReply = 128 * 1024;
+constexpr size_t kMostReceived = kMaxHeadBytes + kMaxBodyBytes + MG_TCP_IO_SIZE;
+// Whether a client is told to send its body depends on whether the body has come already.
+constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 
 // The endpoints and how many replies each gives.
 constexpr struct {
   std::string_view uri;
   size_t nFewest;
   size_t nMost;
-} kEndpoints[] = {
+} kReplies[] = {
     {"/set_Login", 2, 2},        {"/export_CfgFile", 0, 1}, {"/import_CfgFile", 0, 1},
     {"/cmp_UserSecurity", 1, 1}, {"/get_", 1, 1},           {"/set_", 1, 1},
 };
@@ -47,77 +54,84 @@ bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
 
-// Exactly the 35 names: a longer or shorter one is a file's.
+// Exactly these names: a longer or shorter one is a file's.
 bool IsEndpoint(std::string_view uri) {
-  static constexpr std::string_view kNames[] = {
-      "get_LangInfo",       "set_LangInfo",       "get_BaseInfo",      "set_BaseInfo",
-      "get_UserSecurity",   "set_UserSecurity",   "cmp_UserSecurity",  "get_LockOfPassword",
-      "set_LockOfPassword", "set_DeviceNo",       "get_MirrorInfo",    "set_MirrorInfo",
-      "get_MainStreamInfo", "set_MainStreamInfo", "get_SubStreamInfo", "set_SubStreamInfo",
-      "get_NetWModeInfo",   "set_NetWModeInfo",   "get_VCmsInfo",      "set_VCmsInfo",
-      "get_WifiInfo",       "set_WifiInfo",       "get_GNetInfo",      "set_GNetInfo",
-      "get_GB28181Info",    "set_GB28181Info",    "get_cpu_usage",     "get_VersionInfo",
-      "get_SystemInfo",     "set_Login",          "get_Login",         "get_LocalNetInfo",
-      "set_LocalNetInfo",   "export_CfgFile",     "import_CfgFile",
-  };
-  return !uri.empty() && uri.front() == '/' &&
-         std::find(std::begin(kNames), std::end(kNames), uri.substr(1)) != std::end(kNames);
+  return std::any_of(std::begin(kRoutes), std::end(kRoutes),
+                     [&](const stRoute& route) { return route.strUri == uri; });
 }
 
 bool MaySet(std::string_view uri) {
   return StartsWith(uri, "/set_") || uri == "/import_CfgFile" || uri == "/get_LockOfPassword";
 }
 
-bool IsWithin(const mg_str& part, const mbuf& whole) {
-  return part.p >= whole.buf && part.p + part.len <= whole.buf + whole.len;
-}
+std::string_view Text(const mg_str& text) { return {text.p, text.len}; }
+std::string_view Text(const mbuf& buffer) { return {buffer.buf, buffer.len}; }
 
-// The request that is being handled: no other may cause a datagram.
-struct {
-  const mg_connection* pConn;
-  const http_message* pMsg;
-  std::string strUri;
-  std::string strHead;
-} g_request;
+// The request that is being handled, by its URI: no other time may see a datagram.
+const std::string* g_pUri = nullptr;
+
+// The requests of one client that were handled, as received, and whether the last one closes.
+struct stHandled {
+  std::vector<std::string> requests;
+  bool bCloses = false;
+};
+stHandled g_handled;
+
+// What one playing of the input brought.
+struct stPlayed {
+  std::vector<std::string> datagrams;
+  std::string strReplies;
+};
+stPlayed* g_pPlayed = nullptr;
 
 void CheckDatagram(std::string_view message) {
-  Require(g_request.pConn != nullptr);
-  const http_message& msg = *g_request.pMsg;
-  Require(IsWithin(msg.message, g_request.pConn->recv_mbuf) &&
-          IsWithin(msg.body, g_request.pConn->recv_mbuf));
-  Require(IsPossibleBody(g_request.strHead, msg.body.len));
-  if (message.find("\"DEVICE_QUERY\"") == std::string_view::npos) {
-    Require(MaySet(g_request.strUri));
-  }
+  Require(g_pUri != nullptr);
+  if (message.find("\"DEVICE_QUERY\"") == std::string_view::npos) Require(MaySet(*g_pUri));
+  g_pPlayed->datagrams.emplace_back(message);
+}
+
+// Only a whole request is carried out, with all of its body, and only when nothing of an earlier
+// reply waits.
+void CheckRequest(const mg_connection& conn, const http_message& msg) {
+  const std::string_view received = Text(conn.recv_mbuf);
+  const stModelRequest model = ReadModel(received);
+  Require(model.verdict == Verdict::kWhole);
+  Require(Text(msg.message).data() == received.data() && msg.message.len == model.nLength);
+  Require(Text(msg.body) == model.strBody);
+  Require(received.size() <= kMostReceived && conn.send_mbuf.len == 0);
 }
 
 void CheckReplies(std::string_view sent, bool bRefused) {
   const size_t nReplies = TakeReplies(sent).size();
-  for (const auto& endpoint : kEndpoints) {
-    if (!StartsWith(g_request.strUri, endpoint.uri)) continue;
+  for (const auto& endpoint : kReplies) {
+    if (!StartsWith(*g_pUri, endpoint.uri)) continue;
     Require(nReplies <= endpoint.nMost && (nReplies >= endpoint.nFewest || bRefused));
     return;
   }
 }
 
 bool MayRefuse(const http_message& msg) {
-  return std::string_view(msg.message.p, msg.message.len).find("time") != std::string_view::npos;
+  return Text(msg.message).find("time") != std::string_view::npos;
 }
 
 void HandleRequest(mg_connection* pConn, http_message* pMsg) {
-  g_request = {pConn, pMsg, std::string(pMsg->uri.p, pMsg->uri.len),
-               std::string(pMsg->message.p, static_cast<size_t>(pMsg->body.p - pMsg->message.p))};
-  const size_t nBefore = pConn->send_mbuf.len;
+  Require(!g_handled.bCloses);
+  CheckRequest(*pConn, *pMsg);
+  const std::string strUri(Text(pMsg->uri));
   const bool bMayRefuse = MayRefuse(*pMsg);
+  g_pUri = &strUri;
+  g_handled.requests.emplace_back(Text(pMsg->message));
   HttpEvent(pConn, MG_EV_HTTP_REQUEST, pMsg);
-  const bool bClosed = (pConn->flags & MG_F_CLOSE_IMMEDIATELY) != 0;
-  const std::string_view sent(pConn->send_mbuf.buf + nBefore, pConn->send_mbuf.len - nBefore);
-  if (IsEndpoint(g_request.strUri)) {
-    CheckReplies(sent, bClosed || bMayRefuse);
+  const bool bEnds = (pConn->flags & MG_F_SEND_AND_CLOSE) != 0;
+  g_handled.bCloses = bEnds || !CConnection::Of(*pConn).KeepsOpen();
+  const std::string_view sent = Text(pConn->send_mbuf);
+  Require(sent.size() <= kLongestReply);
+  if (IsEndpoint(strUri)) {
+    CheckReplies(sent, bMayRefuse);
   } else {
-    Require(StartsWith(sent, "HTTP/1.1 ") || bClosed || bMayRefuse);
+    Require(StartsWith(sent, "HTTP/1.1 ") || (bMayRefuse && sent.empty()));
   }
-  g_request = {};
+  g_pUri = nullptr;
 }
 
 void Probe(mg_connection* pConn, int nEvent, void* pData) {
@@ -128,32 +142,77 @@ void Probe(mg_connection* pConn, int nEvent, void* pData) {
   }
 }
 
-bool HasOutsideText(std::string_view text) {
-  return text.find(kOutsideText) != std::string_view::npos;
+std::string Without(std::string strText, std::string_view part) {
+  for (size_t nAt = 0; (nAt = strText.find(part, nAt)) != std::string::npos;)
+    strText.erase(nAt, part.size());
+  return strText;
 }
 
-void ReceivePieces(CScriptedNet& net, std::string_view bytes) {
-  for (const std::string_view piece : Split(bytes, kPieceMark)) {
-    net.Receive(piece);
-    Require(net.Unread() <= kMostUnread);
+// Every whole request that a client has sent was handled, one behind the other, unless one before
+// it closes; a client that has gone may miss the last ones.
+void CheckHandled(std::string_view stream, bool bGone) {
+  for (const std::string& strRequest : g_handled.requests) {
+    stream.remove_prefix(EmptyLines(stream));
+    Require(StartsWith(stream, strRequest));
+    stream.remove_prefix(strRequest.size());
   }
+  if (g_handled.bCloses || bGone) return;
+  stream.remove_prefix(EmptyLines(stream));
+  const stModelRequest next = ReadModel(stream);
+  Require(next.verdict != Verdict::kWhole || next.bMayRefuse);
 }
 
-void PlayClient(CScriptedNet& net, std::string_view stream, bool bMayEcho) {
+// Sends what the client sends before it reads. Returns it, freed of the marks.
+std::string Send(CScriptedNet& net, std::string_view bytes, bool bInPieces) {
+  const std::string strAll = Without(std::string(bytes), std::string_view(&kPieceMark, 1));
+  for (const std::string_view piece : Split(bInPieces ? bytes : strAll, kPieceMark))
+    net.Receive(piece);
+  return strAll;
+}
+
+// Returns what the client has read.
+std::string PlayClient(CScriptedNet& net, std::string_view stream, bool bInPieces) {
+  std::string strSent, strRead;
+  g_handled = {};
   net.Connect();
+  bool bGone = false;
   for (const std::string_view part : Split(stream, kReadMark)) {
     const size_t nAbort = part.find(kAbortMark);
-    ReceivePieces(net, part.substr(0, nAbort));
-    if (nAbort != std::string_view::npos) break;
-    Require(!HasOutsideText(net.Read()) || bMayEcho);
+    strSent += Send(net, part.substr(0, nAbort), bInPieces);
+    bGone = nAbort != std::string_view::npos;
+    if (bGone) break;
+    strRead += net.Read();
   }
-  net.Disconnect();
+  if (bGone) {
+    net.Abort();
+  } else {
+    strRead += net.Disconnect();
+  }
+  CheckHandled(strSent, bGone);
+  return strRead;
 }
 
-int NextDescriptor() {
-  const int nNext = dup(STDERR_FILENO);
-  close(nNext);
-  return nNext;
+ptrdiff_t CountDescriptors() {
+  const std::filesystem::directory_iterator first("/proc/self/fd");
+  return std::distance(first, std::filesystem::directory_iterator());
+}
+
+stPlayed Play(std::string_view input, bool bInPieces) {
+  stPlayed played;
+  g_pPlayed = &played;
+  CWebCtrl::Instance().Sessions() = CSessions();
+  srand(1);
+  std::vector<std::string_view> replies = Split(input, kReplyMark);
+  const std::string_view stream = replies.front();
+  replies.erase(replies.begin());
+  SetDeviceScript(replies);
+  CScriptedNet net(Probe);
+  const ptrdiff_t nDescriptors = CountDescriptors();
+  for (const std::string_view client : Split(stream, kClientMark)) {
+    played.strReplies += Without(PlayClient(net, client, bInPieces), kContinue);
+  }
+  Require(CountDescriptors() == nDescriptors);  // every file is closed again
+  return played;
 }
 
 }  // namespace
@@ -163,18 +222,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   StartServiceOnce();
   HttpOptions().document_root = FUZZ_SITE "/root";
   SetDatagramCheck(CheckDatagram);
-  CWebCtrl::Instance().Sessions() = CSessions();
 
   const std::string_view input = AsText(pData, nSize);
-  std::vector<std::string_view> replies = Split(input, kReplyMark);
-  const std::string_view stream = replies.front();
-  replies.erase(replies.begin());
-  SetDeviceScript(replies);
-  CScriptedNet net(Probe);
-  const int nDescriptor = NextDescriptor();
-  for (const std::string_view client : Split(stream, kClientMark)) {
-    PlayClient(net, client, HasOutsideText(input));
-    Require(NextDescriptor() == nDescriptor);  // every file is closed again
+  const stPlayed played = Play(input, true);
+  const bool bMayEcho = input.find(kOutsideText) != std::string_view::npos;
+  Require(bMayEcho || played.strReplies.find(kOutsideText) == std::string::npos);
+  if (input.find(kPieceMark) != std::string_view::npos) {
+    const stPlayed whole = Play(input, false);
+    Require(whole.datagrams == played.datagrams && whole.strReplies == played.strReplies);
   }
   return 0;
 }

@@ -57,6 +57,7 @@ int JudgeCodings(const stHead& head) {
   for (size_t i = 0; i < head.nFields; ++i) {
     if (!IsSameName(head.pFields[i].name, "Transfer-Encoding")) continue;
     ++nLines;
+    if (head.pFields[i].value.empty()) return 400;
     for (std::string_view list = head.pFields[i].value; !list.empty();) {
       const std::string_view coding = TakeElement(list);
       if (coding.empty()) return 400;
@@ -77,7 +78,10 @@ int JudgeBody(const stHead& head) {
 
 // Host and port, or nothing.
 bool IsHost(std::string_view value) {
-  return value.find_first_of(" \t/\\?#@<>\"") == std::string_view::npos;
+  return std::all_of(value.begin(), value.end(), [](char c) {
+    return isalnum(static_cast<unsigned char>(c)) != 0 ||
+           std::string_view("-._~%!$&'()*+,;=:[]").find(c) != std::string_view::npos;
+  });
 }
 
 int JudgeFields(const stHead& head) {

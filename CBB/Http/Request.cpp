@@ -59,6 +59,8 @@ void CRequest::Feed(std::string_view received) {
     const llhttp_errno_t error = llhttp_execute(&parse.parser, pFrom, nUpTo - parse.nFed);
     if (error == HPE_OK) {
       parse.nFed = nUpTo;
+      // What follows ends the line, or is an error for the parser to see: no extension.
+      if (received[nUpTo - 1] == '\r') parse.bSizeLine = false;
     } else if (error == HPE_PAUSED && !parse.bEnded) {
       parse.nFed = static_cast<size_t>(llhttp_get_error_pos(&parse.parser) - received.data());
       llhttp_resume(&parse.parser);
@@ -80,8 +82,11 @@ bool CRequest::SkipExtension(std::string_view received) {
   const bool bPlain = std::all_of(text.begin(), text.end(), [](char c) {
     return c == '\t' || (static_cast<unsigned char>(c) >= ' ' && c != 0x7F);
   });
-  if (!bPlain) Refuse(400);
-  parse.nFed = nEnd;
+  if (bPlain) {
+    parse.nFed = nEnd;
+  } else {
+    Refuse(400);
+  }
   return true;
 }
 

@@ -30,8 +30,9 @@ struct stParserCalls {
   }
 
   static int OnVersion(llhttp_t* pParser) {
-    if (pParser->http_major == 1) return 0;
-    return Refuse(Of(pParser), pParser->http_major == 0 ? 400 : 505);
+    if (pParser->http_major != 1) return Refuse(Of(pParser), pParser->http_major == 0 ? 400 : 505);
+    // Behind this one the parser waits for the beginning of another protocol.
+    return pParser->method == HTTP_PRI ? Refuse(Of(pParser), 501) : 0;
   }
 
   // Fields behind a body in chunks are read and forgotten.
