@@ -56,6 +56,21 @@ test('all files together', (t) => {
   within(t, 'bytes in web_root', bytes, kWholeBytes);
 });
 
+test('no file asks for anything elsewhere, and no document has script or style inside', () => {
+  let documents = 0;
+  for (const name of files().filter((path) => /\.(html|css|js|svg)$/.test(path))) {
+    const text = readFileSync(name, 'utf8');
+    for (const url of text.match(/https?:\/\/[\w.]+/g) || [])
+      assert.match(url, /^http:\/\/www\.w3\.org$/, name);
+    assert.doesNotMatch(text, /@import|\beval\(|document\.write/, name);
+    if (!name.endsWith('.html')) continue;
+    documents++;
+    assert.doesNotMatch(text, /<style|\son\w+=|\sstyle=|<script(?![^>]* src=)/, name);
+    if (text.includes('<script')) assert.match(text, /Content-Security-Policy/, name);
+  }
+  assert.ok(documents > 1);
+});
+
 // How long a browser that was never here takes until a password can be entered.
 async function firstView() {
   if (page) await page.context().close();
