@@ -35,7 +35,7 @@ constexpr char kAbortMark = '\x1B';
 // What stands in the file beside the document root.
 constexpr std::string_view kOutsideText = "not for browsers";
 // No reply is longer. One waits at most: a client that does not read gets no further one.
-constexpr size_t kLongestReply = 128 * 1024;
+constexpr size_t kLongestReply = 128U << 10;
 constexpr size_t kMostReceived = kMaxHeadBytes + kMaxBodyBytes + MG_TCP_IO_SIZE;
 // Whether a client is told to send its body depends on whether the body has come already.
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
@@ -164,7 +164,7 @@ void CheckHandled(std::string_view stream, bool bGone) {
 
 // Sends what the client sends before it reads. Returns it, freed of the marks.
 std::string Send(CScriptedNet& net, std::string_view bytes, bool bInPieces) {
-  const std::string strAll = Without(std::string(bytes), std::string_view(&kPieceMark, 1));
+  std::string strAll = Without(std::string(bytes), std::string_view(&kPieceMark, 1));
   for (const std::string_view piece : Split(bInPieces ? bytes : strAll, kPieceMark))
     net.Receive(piece);
   return strAll;
@@ -201,7 +201,7 @@ stPlayed Play(std::string_view input, bool bInPieces) {
   stPlayed played;
   g_pPlayed = &played;
   CWebCtrl::Instance().Sessions() = CSessions();
-  srand(1);
+  srand(1);  // NOLINT: the same numbers at each playing
   std::vector<std::string_view> replies = Split(input, kReplyMark);
   const std::string_view stream = replies.front();
   replies.erase(replies.begin());
