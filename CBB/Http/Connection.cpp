@@ -181,7 +181,6 @@ void CConnection::Serve() {
     m_bSilent = !bAnswered;
     mbuf_free(&m_conn.recv_mbuf);
   }
-  Send();
 }
 
 void CConnection::Answer() {
@@ -195,8 +194,7 @@ void CConnection::Answer() {
   if (m_request.IsHead()) CutBody(m_conn.send_mbuf, 0);
 }
 
-// Sends what the socket takes, within bounds. What is to be sent may have a gap when memory was
-// short: then no byte of it leaves.
+// What is to be sent may have a gap when memory was short: then no byte of it leaves.
 void CConnection::Send() {
   size_t nTotal = 0;
   while (!AllSent() && nTotal < kMostAtOnce) {

@@ -50,8 +50,11 @@ class CConnection {
   void OnWritable();
   void OnEndOfStream();
 
-  // Its turn has come: hands the request over to the service's handler and sends the reply.
+  // Its turn has come: hands the request over to the service's handler. The reply leaves by Send.
   void Serve();
+
+  // Sends what the socket takes, within bounds, and goes on once all has left.
+  void Send();
 
   // Within the handler of a request: whether the client would go on using the connection.
   bool KeepsOpen() const { return m_request.KeepsOpen(); }
@@ -94,7 +97,6 @@ class CConnection {
   void Answer();
   void ForgetReceived(size_t nSize);
   void Drop();
-  void Send();
   ssize_t SendSome();
   ssize_t SendWithBody();
   void Sent();

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "CBB/Http/Conditions.h"
 #include "CBB/Http/Descriptors.h"
 #include "CBB/Http/LibraryFiles.h"
 
@@ -41,6 +42,12 @@ std::string MakeTag(const stForm& form, const char* pszForm) {
   return szTag;
 }
 
+std::string MakeDate(time_t time) {
+  char szDate[kHttpDateSize];
+  FormatHttpDate(time, szDate);
+  return szDate;
+}
+
 // All of a file; false when it is shorter than it was.
 bool ReadAll(int nFd, std::string& strText) {
   for (size_t nAt = 0; nAt < strText.size();) {
@@ -55,6 +62,8 @@ bool ReadAll(int nFd, std::string& strText) {
 bool ReadForm(int nFd, const char* pszForm, stForm& form) {
   for (int i = 0; i < kMostTries; ++i) {
     if (fstat(nFd, &form.stat) != 0) return false;
+    form.strModified = MakeDate(form.stat.st_mtime);
+    form.strTag = MakeTag(form.stat, pszForm);
     form.pText = nullptr;
     form.strTag = MakeTag(form, pszForm);
     if (form.stat.st_size > static_cast<off_t>(kMaxCachedFile)) return true;

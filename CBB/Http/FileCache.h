@@ -19,6 +19,7 @@ constexpr size_t kMaxCachedFile = 256U << 10;
 struct stForm {
   struct stat stat {};
   std::string strTag;                        // entity tag, with its quotation marks
+  std::string strModified;                   // as HTTP writes it
   std::shared_ptr<const std::string> pText;  // null: too large to be kept
 };
 

@@ -77,13 +77,11 @@ std::string FormFields(const stFile& file, bool bPacked) {
 // The head as the library writes it, and behind it what it does not know of.
 void SendHead(const stRequest& request, const stFile& file, const stForm& form, bool bPacked,
               const stSelection& part) {
-  char szModified[kHttpDateSize];
-  FormatHttpDate(form.stat.st_mtime, szModified);
   const bool bSame = part.nStatus == 304;
   std::string strHead = "HTTP/1.1 " + std::to_string(part.nStatus) + " ";
   strHead.reserve(640);
   strHead.append(ReasonPhrase(part.nStatus)).append("\r\nServer: Mongoose/" MG_VERSION "\r\n");
-  strHead.append("Date: ").append(Now()).append("\r\nLast-Modified: ").append(szModified);
+  strHead.append("Date: ").append(Now()).append("\r\nLast-Modified: ").append(form.strModified);
   if (!bSame) {
     strHead.append("\r\nAccept-Ranges: bytes\r\nContent-Type: ");
     strHead.append(MediaType(file.strPath));

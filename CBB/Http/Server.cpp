@@ -12,6 +12,7 @@
 #include "CBB/Http/Descriptors.h"
 #include "CBB/Http/Library.h"
 #include "CBB/Http/LibraryMemory.h"
+#include "CBB/Util/Print.h"
 
 namespace {
 
@@ -72,6 +73,7 @@ int CServer::Bind(const char* pszAddress) {
   setsockopt(m_pListener->sock, SOL_SOCKET, SO_OOBINLINE, &nOn, sizeof(nOn));
   m_nPlaces = std::min(ClientDescriptors(), kMaxConnections);
   m_parting.reserve(static_cast<size_t>(m_nPlaces) + 1);
+  m_answered.reserve(static_cast<size_t>(m_nPlaces) + 1);
   m_nNowMs = ClockMs();
   return 0;
 }
@@ -112,11 +114,29 @@ void CServer::ServeTurns() {
   while (CConnection* const pConn = m_turns.Take()) {
     pConn->bQueued = false;
     pConn->Serve();
+    m_answered.push_back(pConn);
     m_nNowMs = ClockMs();
     Settle(pConn->Library());
     if (m_nNowMs >= nEnd || IsMemoryShort()) break;
   }
+  SendReplies();
+  SettleAnswered();
   m_bServing = false;
+}
+
+// A handler may be under way, so nothing is closed here.
+void CServer::SendReplies() {
+  FlushPrinted();
+  while (m_nSent < m_answered.size()) m_answered[m_nSent++]->Send();
+}
+
+void CServer::SettleAnswered() {
+  m_nSent = 0;
+  while (!m_answered.empty()) {
+    mg_connection& conn = m_answered.back()->Library();
+    m_answered.pop_back();
+    Settle(conn);
+  }
 }
 
 void CServer::Enqueue(CConnection& conn) {
@@ -162,12 +182,20 @@ void CServer::Open(mg_connection& conn) {
 void CServer::Forget(CConnection& conn) {
   m_turns.Remove(conn);
   m_further.Remove(conn);
+  ForgetAnswered(conn);
   m_parting.erase(std::remove(m_parting.begin(), m_parting.end(), &conn), m_parting.end());
   m_nHeld -= conn.nHeldCounted;
   m_nFiles -= conn.nFilesCounted;
   --m_nConnections;
   conn.Library().user_data = nullptr;
   delete &conn;
+}
+
+void CServer::ForgetAnswered(const CConnection& conn) {
+  const auto found = std::find(m_answered.begin(), m_answered.end(), &conn);
+  if (found == m_answered.end()) return;
+  if (found - m_answered.begin() < static_cast<std::ptrdiff_t>(m_nSent)) --m_nSent;
+  m_answered.erase(found);
 }
 
 void CServer::Accepted(mg_connection& conn) {

@@ -34,6 +34,11 @@ class CServer : private CWatcher, private CHost {
   // long. Returns whether memory ran out, upon which all clients were disconnected.
   bool Poll(int nWaitMs);
 
+  // Within a handler that is about to wait for long: sends the finished replies of this round. Else
+  // they leave together at its end. What has been printed leaves first: who has a reply finds its
+  // traces.
+  void SendReplies();
+
   // Closes everything. Not called by a destructor: a failed server is left as it is.
   void Close();
 
@@ -74,6 +79,8 @@ class CServer : private CWatcher, private CHost {
 
   void Settle(mg_connection& conn);
   void ServeTurns();
+  void SettleAnswered();
+  void ForgetAnswered(const CConnection& conn);
   int WaitMs(int nWaitMs) const;
   void CloseLate();
   void ReturnHeld();
@@ -99,6 +106,8 @@ class CServer : private CWatcher, private CHost {
   stQueue m_turns;    // of the clients that have a request now
   stQueue m_further;  // and of those that have had their turn in this round
   bool m_bServing = false;
-  uint64_t m_nAcceptMs = 0;             // when to listen again; 0 while listening
-  std::vector<CConnection*> m_parting;  // in the order in which their time ends
+  std::vector<CConnection*> m_answered;  // in this round
+  size_t m_nSent = 0;                    // of them, whose replies have been sent, or begun to be
+  uint64_t m_nAcceptMs = 0;              // when to listen again; 0 while listening
+  std::vector<CConnection*> m_parting;   // in the order in which their time ends
 };

@@ -9,7 +9,7 @@
 // thread's print between them. Numbers are handed over as std::to_string makes them. Any thread.
 void Print(std::initializer_list<std::string_view> texts);
 
-// Lets out what has been printed. Called before every wait that a watcher of the output would
-// notice (for the device, for the next request, for a restart): else a request's traces leave
+// Lets out what has been printed. Called before replies leave and before every long wait
+// (BeforeWait), as a watcher of the output would notice: else the traces of several requests leave
 // together. Any thread.
 void FlushPrinted();

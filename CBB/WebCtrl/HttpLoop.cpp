@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "CBB/Http/Server.h"
+#include "CBB/Util/BeforeWait.h"
 #include "CBB/Util/Print.h"
 #include "CBB/WebCtrl/HttpOptions.h"
 #include "CBB/WebCtrl/WebCtrl.h"
@@ -27,10 +28,8 @@ void PrintSetting(mg_connection* pConn, const char* pszName) {
 }  // namespace
 
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData) {
-  if (nEvent == MG_EV_HTTP_REQUEST) {
+  if (nEvent == MG_EV_HTTP_REQUEST)
     CWebCtrl::Instance().DoHttpRequeset(pConn, static_cast<http_message*>(pData));
-    FlushPrinted();  // before the reply leaves: who has it finds its traces
-  }
   if (nEvent == MG_EV_SSI_CALL) PrintSetting(pConn, static_cast<const char*>(pData));
 }
 
@@ -48,9 +47,12 @@ int RunHttpLoop(const char* pszWebRoot) {
     return -1;
   }
   printf("Starting web server on port %s\n", kPort);
+  FlushPrinted();
+  // A slow device holds up nobody whose reply is finished.
+  SetBeforeWait([](void* pServer) { static_cast<CServer*>(pServer)->SendReplies(); }, &server);
   for (;;) {
+    if (!server.Poll(kPollMs)) continue;
+    puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
     FlushPrinted();
-    if (server.Poll(kPollMs))
-      puts("CWebCtrl::DetectSvc, out of memory, all connections are closed.");
   }
 }

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "CBB/Util/BeforeWait.h"
 #include "CBB/Util/DebugPrint.h"
 #include "CBB/Util/Logger.h"
 #include "CBB/Util/Print.h"
@@ -71,7 +72,7 @@ int CWebCtrl::Stop() {
 int CWebCtrl::Restart() {
   Stop();
   memcpy(m_szDeviceIp, m_szSavedDeviceIp, sizeof(m_szDeviceIp));
-  FlushPrinted();
+  BeforeWait();
   sleep(kRestartPauseSec);
   Start(m_szWebRoot);
   return 0;
