@@ -1,6 +1,6 @@
 #include "CBB/Http/Body.h"
 
-#include <sys/sendfile.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr size_t kMostAtOnce = 256U << 10;
+constexpr size_t kMostAtOnce = 128U << 10;
 
 }  // namespace
 
@@ -47,11 +47,13 @@ bool CBody::IsUnchanged() const {
 }
 
 ssize_t CBody::SendTo(int nSock) {
-  if (!IsUnchanged()) return -1;
-  auto nFrom = static_cast<off_t>(m_nAt);
-  const ssize_t nSent = sendfile(nSock, m_nFd, &nFrom, std::min(m_nLeft, kMostAtOnce));
+  // Copied, as what sendfile leaves with the socket goes on changing with the file.
+  static char s_buffer[kMostAtOnce];
+  const size_t nWanted = std::min(m_nLeft, kMostAtOnce);
+  const ssize_t nGot = pread(m_nFd, s_buffer, nWanted, static_cast<off_t>(m_nAt));
+  if (nGot <= 0 || !IsUnchanged()) return -1;
+  const ssize_t nSent = send(nSock, s_buffer, static_cast<size_t>(nGot), MSG_NOSIGNAL);
   if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
-  if (nSent == 0) return -1;  // it has become shorter
   Skip(static_cast<size_t>(nSent));
   return nSent;
 }

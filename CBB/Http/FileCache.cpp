@@ -63,7 +63,6 @@ bool ReadForm(int nFd, const char* pszForm, stForm& form) {
   for (int i = 0; i < kMostTries; ++i) {
     if (fstat(nFd, &form.stat) != 0) return false;
     form.strModified = MakeDate(form.stat.st_mtime);
-    form.strTag = MakeTag(form.stat, pszForm);
     form.pText = nullptr;
     form.strTag = MakeTag(form, pszForm);
     if (form.stat.st_size > static_cast<off_t>(kMaxCachedFile)) return true;
