@@ -26,19 +26,9 @@ constexpr int kSendBufSize = 307200;
 // Far more datagrams than a receive buffer holds: who sends faster than they are discarded must not
 // hold the thread for ever.
 constexpr int kFlushMax = 65536;
-// A device that answers within this is not worth the preparations for a wait.
-constexpr timeval kPrompt{0, 2000};
 
 // The address as the diagnostics show it: a 32-bit number in memory order.
 unsigned AddrNumber(const sockaddr_in& addr) { return addr.sin_addr.s_addr; }
-
-// As select: 1 when a datagram waits, 0 when the time is up, -1 for a failure.
-int Select(int nSock, timeval timeout) {
-  fd_set readable;
-  FD_ZERO(&readable);
-  FD_SET(nSock, &readable);
-  return select(nSock + 1, &readable, nullptr, nullptr, &timeout);
-}
 
 }  // namespace
 
@@ -154,16 +144,21 @@ int CUdpCtrlSocket::SendDataToHost(const void* pData, int nLen) {
 
 // Returns 0 when a datagram waits, -1 for a failure, -2 when the time is up.
 int CUdpCtrlSocket::WaitReadable(int nTimeoutSec) const {
-  int nReady = m_nSock >= 0 ? Select(m_nSock, kPrompt) : -1;
-  if (nReady == 0) {
+  int nReady = -1;
+  fd_set readable;
+  FD_ZERO(&readable);
+  if (m_nSock >= 0) {
+    FD_SET(m_nSock, &readable);
     BeforeWait();
-    nReady = Select(m_nSock, {nTimeoutSec, 0});
+    timeval timeout{nTimeoutSec, 0};
+    nReady = select(m_nSock + 1, &readable, nullptr, nullptr, &timeout);
   }
   if (nReady < 0) {
     printf("CUdpCtrlSocket::RecvDataFromHost , get net ctrl select failed!\n");
     return -1;
   }
-  return nReady == 0 ? -2 : 0;
+  if (nReady == 0) return -2;
+  return FD_ISSET(m_nSock, &readable) ? 0 : -1;
 }
 
 int CUdpCtrlSocket::RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec) {

@@ -17,8 +17,15 @@ std::map<std::string, stReplay> g_replays;
 mg_serve_http_opts g_opts;
 
 void Answer(mg_connection* pConn, const stReplay& replay) {
+  // Like the daemon: the traces up to the exchange leave before its wait, the others with the
+  // reply.
+  auto line = replay.lines.begin();
+  while (line != replay.lines.end() && line->rfind("CUdpCtrlSocket::Recv", 0) != 0) {
+    fputs((line++)->c_str(), stdout);
+  }
+  fflush(stdout);
   if (!ExchangeAndParse(replay.strRequest)) return;
-  for (const std::string& strLine : replay.lines) fputs(strLine.c_str(), stdout);
+  while (line != replay.lines.end()) fputs((line++)->c_str(), stdout);
   mg_printf(pConn, "%s", replay.strHead.c_str());
   for (const std::string& strChunk : replay.chunks) {
     mg_send_http_chunk(pConn, strChunk.data(), strChunk.size());
