@@ -28,35 +28,6 @@ uint64_t ClockMs() {
 
 }  // namespace
 
-void CServer::stQueue::Append(CConnection& conn) {
-  conn.pNext = nullptr;
-  (pLast != nullptr ? pLast->pNext : pFirst) = &conn;
-  pLast = &conn;
-}
-
-CConnection* CServer::stQueue::Take() {
-  CConnection* const pTaken = pFirst;
-  if (pTaken != nullptr) Remove(*pTaken);
-  return pTaken;
-}
-
-void CServer::stQueue::Remove(const CConnection& conn) {
-  CConnection* pBefore = nullptr;
-  for (CConnection* p = pFirst; p != nullptr; pBefore = p, p = p->pNext) {
-    if (p != &conn) continue;
-    (pBefore != nullptr ? pBefore->pNext : pFirst) = p->pNext;
-    if (pLast == p) pLast = pBefore;
-    return;
-  }
-}
-
-void CServer::stQueue::Join(stQueue& other) {
-  if (other.pFirst == nullptr) return;
-  (pLast != nullptr ? pLast->pNext : pFirst) = other.pFirst;
-  pLast = other.pLast;
-  other = {};
-}
-
 CServer::CServer(mg_event_handler_t pfnHandler) : m_pfnHandler(pfnHandler) {}
 
 int CServer::Bind(const char* pszAddress) {
@@ -100,7 +71,7 @@ bool CServer::Poll(int nWaitMs) {
 }
 
 int CServer::WaitMs(int nWaitMs) const {
-  if (m_turns.pFirst != nullptr || m_further.pFirst != nullptr) return 0;
+  if (!m_turns.IsEmpty() || !m_further.IsEmpty()) return 0;
   uint64_t nUntil = m_nNowMs + static_cast<uint64_t>(nWaitMs);
   if (!m_parting.empty()) nUntil = std::min(nUntil, m_parting.front()->PartMs());
   if (m_nAcceptMs != 0) nUntil = std::min(nUntil, m_nAcceptMs);

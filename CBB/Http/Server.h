@@ -9,6 +9,7 @@
 
 #include "CBB/Http/Connection.h"
 #include "CBB/Http/Events.h"
+#include "CBB/Http/TurnQueue.h"
 
 // Places for clients, as far as the process's limit of descriptors allows them.
 constexpr int kMaxConnections = 2000;
@@ -48,17 +49,6 @@ class CServer : private CWatcher, private CHost {
   int Port() const;
 
  private:
-  // Clients whose turn comes, the first in front.
-  struct stQueue {
-    CConnection* pFirst = nullptr;
-    CConnection* pLast = nullptr;
-
-    void Append(CConnection& conn);
-    CConnection* Take();
-    void Remove(const CConnection& conn);
-    void Join(stQueue& other);
-  };
-
   static void OnEvent(mg_connection* pConn, int nEvent, void* pData);
   void Open(mg_connection& conn);
   void Forget(CConnection& conn);
@@ -103,8 +93,8 @@ class CServer : private CWatcher, private CHost {
   size_t m_nMostHeld = 0;  // since memory was given back
   uint64_t m_nNowMs = 0;
   uint64_t m_nUses = 0;
-  stQueue m_turns;    // of the clients that have a request now
-  stQueue m_further;  // and of those that have had their turn in this round
+  CTurnQueue m_turns;    // of the clients that have a request now
+  CTurnQueue m_further;  // and of those that have had their turn in this round
   bool m_bServing = false;
   std::vector<CConnection*> m_answered;  // in this round
   size_t m_nSent = 0;                    // of them, whose replies have been sent, or begun to be

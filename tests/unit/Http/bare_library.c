@@ -1,8 +1,8 @@
 /* The HTTP library as its authors made it, but for our switches: files, memory and events are its
    own. In a shared object of its own, so that it stands beside the one of CBB/Http. */
-#include <mongoose.c>
-
 #include "tests/unit/Http/bare_library.h"
+
+#include <mongoose.c>
 
 static struct mg_mgr s_mgr;
 static struct mg_serve_http_opts s_opts;
