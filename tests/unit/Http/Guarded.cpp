@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -25,6 +26,6 @@ CGuarded::~CGuarded() { munmap(m_pPages, m_nData + kPage); }
 char* CGuarded::Put(std::string_view bytes) {
   char* const pBegin = m_pPages + m_nData - bytes.size();
   memset(m_pPages, '?', m_nData - bytes.size());
-  memcpy(pBegin, bytes.data(), bytes.size());
+  std::copy(bytes.begin(), bytes.end(), pBegin);
   return pBegin;
 }

@@ -42,6 +42,7 @@ void* operator new(size_t nSize) {
   if (pBlock == nullptr) throw std::bad_alloc();
   return pBlock;
 }
+void* operator new(size_t nSize, const std::nothrow_t& /*tag*/) noexcept { return malloc(nSize); }
 void operator delete(void* pBlock) noexcept { free(pBlock); }
 void operator delete(void* pBlock, size_t /*nSize*/) noexcept { free(pBlock); }
 

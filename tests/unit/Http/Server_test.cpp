@@ -177,9 +177,10 @@ TEST_F(ServerTest, TakesAHandlersExceptionForAShortage) {
 TEST_F(ServerTest, BindsAnAddressOnce) {
   CTestServer server(&Answer);
   const std::string strTaken = "127.0.0.1:" + std::to_string(server.Port());
-  for (const std::string& strAddress : {strTaken, std::string("nowhere:80"), std::string("x")}) {
+  for (const std::string& strAddress : {strTaken, std::string("x")}) {
     CServer other(&Answer);
     EXPECT_EQ(-1, other.Bind(strAddress.c_str())) << strAddress;
+    other.Close();
   }
 }
 
