@@ -5,9 +5,10 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <regex>
 #include <string>
+#include <string_view>
 
 #include "tests/unit/Http/Loopback.h"
 #include "tests/unit/Http/WebRoot.h"
@@ -71,22 +72,36 @@ std::string Request(const std::string& strMethod, const std::string& strUri,
          "\r\n";
 }
 
+// Takes out what stands from the nAt-th byte up to nEnd, if both are there.
+void Erase(std::string& strText, size_t nAt, size_t nEnd) {
+  if (nAt != std::string::npos && nEnd != std::string::npos) strText.erase(nAt, nEnd - nAt);
+}
+
 // A reply without what the edge adds to it, and without what is of the moment.
 std::string Common(std::string strReply) {
-  static const struct {
-    std::regex text;
+  constexpr struct {
+    std::string_view text;
     const char* pszInstead;
   } kRows[] = {
-      {std::regex("\r\nCache-Control: no-cache"), ""},
-      {std::regex("\r\nX-Content-Type-Options: nosniff"), ""},
-      {std::regex("; charset=utf-8"), ""},
-      {std::regex("\nContent-Type: (application/x-javascript|text/javascript)\r"), "\nscript\r"},
-      {std::regex("\nDate: [^\r]*"), "\nDate"},
-      {std::regex("(\nEtag: \"[0-9a-f]+\\.[0-9]+)\\.[0-9a-f]{8}\""), "$1\""},
+      {"\r\nCache-Control: no-cache", ""},
+      {"\r\nX-Content-Type-Options: nosniff", ""},
+      {"; charset=utf-8", ""},
+      {"\nContent-Type: application/x-javascript\r", "\nscript\r"},
+      {"\nContent-Type: text/javascript\r", "\nscript\r"},
   };
   const size_t nHead = strReply.find("\r\n\r\n");
   std::string strHead = strReply.substr(0, nHead);
-  for (const auto& row : kRows) strHead = std::regex_replace(strHead, row.text, row.pszInstead);
+  for (const auto& row : kRows) {
+    const size_t nAt = strHead.find(row.text);
+    if (nAt != std::string::npos) strHead.replace(nAt, row.text.size(), row.pszInstead);
+  }
+  const size_t nDate = strHead.find("\nDate: ");
+  Erase(strHead, nDate, strHead.find('\r', nDate));
+  // The edge's tag has a third part.
+  const size_t nTag = strHead.find("\nEtag: ");
+  const size_t nSecond = strHead.find('.', strHead.find('.', nTag) + 1);
+  if (nTag != std::string::npos && nSecond < strHead.find('\r', nTag))
+    Erase(strHead, nSecond, nSecond + 9);
   return strHead + strReply.substr(std::min(nHead, strReply.size()));
 }
 
