@@ -25,16 +25,34 @@ def half_body():
     return sock
 
 
+def serves(device):
+    device.play(otherwise=answer('<stDisplay strLanguage="CN"/>'))
+    wait_until(lambda: served() == b'{ "strLanguage": "CN", "result": 1 }', "an answer")
+
+
 def test_address_space_used_up(spoilt, device):
-    """Bodies that never end, three times over."""
-    daemon = spoilt(limits={resource.RLIMIT_AS: 24 << 20})
+    """Bodies that never end, three times over, where there is less room than they may take."""
+    daemon = spoilt()
+    pid = daemon.process.pid
+    with open(f"/proc/{pid}/status", encoding="ascii") as file:
+        size = next(int(line.split()[1]) << 10 for line in file if line.startswith("VmSize"))
+    resource.prlimit(pid, resource.RLIMIT_AS, (size + (4 << 20),) * 2)
     for _ in range(3):
         daemon.mark()
         socks = []
         while SHORT not in daemon.stdout.since_mark():
             socks.append(half_body())
             assert len(socks) < 200
-        device.play(otherwise=answer('<stDisplay strLanguage="CN"/>'))
-        wait_until(lambda: served() == b'{ "strLanguage": "CN", "result": 1 }', "an answer")
+        serves(device)
         for sock in socks:
             sock.close()
+
+
+def test_24_mib_have_room_for_all_that_clients_may_hold(spoilt, device):
+    daemon = spoilt(limits={resource.RLIMIT_AS: 24 << 20})
+    daemon.mark()
+    socks = [half_body() for _ in range(100)]
+    serves(device)
+    assert SHORT not in daemon.stdout.since_mark()
+    for sock in socks:
+        sock.close()
