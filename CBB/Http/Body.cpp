@@ -17,6 +17,9 @@ constexpr size_t kMostAtOnce = 128U << 10;
 CBody::CBody(std::shared_ptr<const std::string> pText, size_t nAt, size_t nSize)
     : m_pText(std::move(pText)), m_nAt(nAt), m_nLeft(nSize) {}
 
+CBody::CBody(std::shared_ptr<const CLentText> pLent, size_t nAt, size_t nSize)
+    : m_pLent(std::move(pLent)), m_nAt(nAt), m_nLeft(nSize) {}
+
 CBody::CBody(int nFd, off_t nAt, off_t nSize, timespec changed)
     : m_nFd(nFd),
       m_changed(changed),
@@ -29,6 +32,7 @@ CBody::~CBody() {
 
 void CBody::Swap(CBody& other) {
   std::swap(m_pText, other.m_pText);
+  std::swap(m_pLent, other.m_pLent);
   std::swap(m_nFd, other.m_nFd);
   std::swap(m_changed, other.m_changed);
   std::swap(m_nAt, other.m_nAt);
@@ -46,14 +50,26 @@ bool CBody::IsUnchanged() const {
          st.st_ctim.tv_nsec == m_changed.tv_nsec;
 }
 
+size_t CBody::Held() const {
+  if (m_pLent.use_count() == 1) return m_pLent->Size();
+  return m_pText.use_count() == 1 ? m_pText->size() : 0;
+}
+
 ssize_t CBody::SendTo(int nSock) {
-  // Copied, as what sendfile leaves with the socket goes on changing with the file.
+  const ssize_t nSent =
+      m_pLent != nullptr ? m_pLent->SendTo(nSock, m_nAt, m_nLeft) : SendCopy(nSock);
+  if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
+  if (nSent == 0) return -1;  // there should be more
+  Skip(static_cast<size_t>(nSent));
+  return nSent;
+}
+
+// Copied, as what sendfile lends to the socket would go on changing with the file. 0 when that has
+// changed.
+ssize_t CBody::SendCopy(int nSock) {
   static char s_buffer[kMostAtOnce];
   const size_t nWanted = std::min(m_nLeft, kMostAtOnce);
   const ssize_t nGot = pread(m_nFd, s_buffer, nWanted, static_cast<off_t>(m_nAt));
-  if (nGot <= 0 || !IsUnchanged()) return -1;
-  const ssize_t nSent = send(nSock, s_buffer, static_cast<size_t>(nGot), MSG_NOSIGNAL);
-  if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
-  Skip(static_cast<size_t>(nSent));
-  return nSent;
+  if (nGot <= 0 || !IsUnchanged()) return 0;
+  return send(nSock, s_buffer, static_cast<size_t>(nGot), MSG_NOSIGNAL);
 }

@@ -219,13 +219,13 @@ ssize_t CConnection::SendSome() {
     if ((m_conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) return -1;
     return static_cast<ssize_t>(nBefore - head.len);
   }
-  return head.len == 0 && m_body.HoldsFile() ? m_body.SendTo(m_conn.sock) : SendWithBody();
+  return head.len == 0 && !m_body.IsInMemory() ? m_body.SendTo(m_conn.sock) : SendWithBody();
 }
 
 // The head and a text in one piece; the head before a file, which follows at once.
 ssize_t CConnection::SendWithBody() {
   mbuf& head = m_conn.send_mbuf;
-  const bool bText = !m_body.HoldsFile();
+  const bool bText = m_body.IsInMemory();
   iovec parts[2] = {{head.buf, head.len}, {nullptr, 0}};
   if (bText) parts[1] = {const_cast<char*>(m_body.Text()), m_body.Left()};
   msghdr message{};

@@ -64,6 +64,7 @@ bool ReadForm(int nFd, const char* pszForm, stForm& form) {
     if (fstat(nFd, &form.stat) != 0) return false;
     form.strModified = MakeDate(form.stat.st_mtime);
     form.pText = nullptr;
+    form.pLent = nullptr;
     form.strTag = MakeTag(form, pszForm);
     if (form.stat.st_size > static_cast<off_t>(kMaxCachedFile)) return true;
     auto pText = std::make_shared<std::string>(static_cast<size_t>(form.stat.st_size), '\0');
@@ -71,6 +72,8 @@ bool ReadForm(int nFd, const char* pszForm, stForm& form) {
     if (!ReadAll(nFd, *pText) || fstat(nFd, &after) != 0 || !IsSame(form.stat, after)) continue;
     form.pText = std::move(pText);
     form.strTag = MakeTag(form, pszForm);
+    if (form.pText->size() >= kLentFrom) form.pLent = CLentText::Make(*form.pText);
+    if (form.pLent != nullptr) form.pText = nullptr;
     return true;
   }
   return false;
@@ -86,9 +89,11 @@ bool IsNotOlder(const struct stat& packed, const struct stat& plain) {
 void AddPacked(stFile& file) {
   const COwnedFd fd(OpenForReading(PackedPath(file).c_str()));
   if (fd.Get() < 0) return;
-  file.bHasPacked = ReadForm(fd.Get(), "-gz", file.packed) && file.packed.pText != nullptr &&
+  file.bHasPacked = ReadForm(fd.Get(), "-gz", file.packed) && file.packed.IsKept() &&
                     IsNotOlder(file.packed.stat, file.plain.stat);
-  if (!file.bHasPacked) file.packed.pText = nullptr;
+  if (file.bHasPacked) return;
+  file.packed.pText = nullptr;
+  file.packed.pLent = nullptr;
 }
 
 // Whether a form is still what was looked at; bThere: whether it was there at all.
@@ -101,8 +106,9 @@ bool IsUnchanged(const std::string& strPath, const stForm& form, bool bThere) {
 
 }  // namespace
 
-size_t stFile::Bytes() const {
-  return (plain.pText ? plain.pText->size() : 0) + (packed.pText ? packed.pText->size() : 0);
+size_t stForm::Bytes() const {
+  if (pLent != nullptr) return pLent->Size();
+  return pText != nullptr ? pText->size() : 0;
 }
 
 std::shared_ptr<const stFile> CFileCache::Find(std::string_view uri) {
@@ -131,7 +137,7 @@ std::shared_ptr<const stFile> CFileCache::Add(std::string strUri, std::string st
   if (!ReadForm(nFd, "", pFile->plain)) return nullptr;
   AddPacked(*pFile);
   pFile->nUse = ++m_nUses;
-  if (pFile->strUri.empty() || pFile->plain.pText == nullptr) return pFile;
+  if (pFile->strUri.empty() || !pFile->plain.IsKept()) return pFile;
   m_files.push_back(pFile);
   m_nBytes += pFile->Bytes();
   while (m_nBytes > kMaxCacheBytes || m_files.size() > kMaxFiles) {

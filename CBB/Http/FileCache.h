@@ -11,16 +11,26 @@
 #include <string_view>
 #include <vector>
 
+#include "CBB/Http/LentText.h"
+
 // The texts of all files together, and of one.
 constexpr size_t kMaxCacheBytes = 1U << 20;
 constexpr size_t kMaxCachedFile = 256U << 10;
 
+// From this size on lending pages to a socket is cheaper than copying a text into it.
+constexpr size_t kLentFrom = 16U << 10;
+
 // One form of a file, plain or packed.
 struct stForm {
   struct stat stat {};
-  std::string strTag;                        // entity tag, with its quotation marks
-  std::string strModified;                   // as HTTP writes it
-  std::shared_ptr<const std::string> pText;  // null: too large to be kept
+  std::string strTag;       // entity tag, with its quotation marks
+  std::string strModified;  // as HTTP writes it
+  // The content, one way or the other; neither: too large to be kept.
+  std::shared_ptr<const std::string> pText;
+  std::shared_ptr<const CLentText> pLent;
+
+  bool IsKept() const { return pText != nullptr || pLent != nullptr; }
+  size_t Bytes() const;  // of what is kept
 };
 
 struct stFile {
@@ -32,7 +42,7 @@ struct stFile {
   time_t second = 0;  // of the last look
   uint64_t nUse = 0;
 
-  size_t Bytes() const;
+  size_t Bytes() const { return plain.Bytes() + packed.Bytes(); }
 };
 
 class CFileCache {

@@ -110,14 +110,15 @@ void SendFile(const stRequest& request, const stFile& file, int nFd) {
     return;
   }
   const bool bBody = !request.bHead && part.nSize != 0;
-  const int nOwn = bBody && form.pText == nullptr ? Duplicate(nFd) : -1;
-  if (bBody && form.pText == nullptr && nOwn < 0) {
+  const int nOwn = bBody && !form.IsKept() ? Duplicate(nFd) : -1;
+  if (bBody && !form.IsKept() && nOwn < 0) {
     SendStatus(&request.conn, 503, request.bKeepsOpen, true);
     return;
   }
-  CBody body = form.pText != nullptr ? CBody(form.pText, part.nAt, part.nSize)
-                                     : CBody(nOwn, static_cast<off_t>(part.nAt),
-                                             static_cast<off_t>(part.nSize), form.stat.st_ctim);
+  CBody body = form.pLent != nullptr   ? CBody(form.pLent, part.nAt, part.nSize)
+               : form.pText != nullptr ? CBody(form.pText, part.nAt, part.nSize)
+                                       : CBody(nOwn, static_cast<off_t>(part.nAt),
+                                               static_cast<off_t>(part.nSize), form.stat.st_ctim);
   SendHead(request, file, form, bPacked, part);
   if (bBody) CConnection::Of(request.conn).SetBody(std::move(body));
 }

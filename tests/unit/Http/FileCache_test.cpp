@@ -36,7 +36,8 @@ class FileCacheTest : public testing::Test {
   // The text that is kept for a name, or "-".
   std::string Kept(const std::string& strName) {
     const auto pFile = m_cache.Find(strName);
-    return pFile == nullptr ? "-" : *pFile->plain.pText;
+    if (pFile == nullptr) return "-";
+    return pFile->plain.pText == nullptr ? "lent" : *pFile->plain.pText;
   }
 
   CWebRoot m_root;
@@ -151,12 +152,22 @@ TEST_F(FileCacheTest, KeepsNoPackedFormThatIsOutsideOrTooLarge) {
   EXPECT_FALSE(Add("b.css", false)->bHasPacked);
 }
 
+TEST_F(FileCacheTest, LendsWhatIsNotSmall) {
+  Write("a.css", std::string(kLentFrom - 1, 'x'));
+  Write("b.css", std::string(kLentFrom, 'x'));
+  EXPECT_EQ(nullptr, Add("a.css")->plain.pLent);
+  const auto pLent = Add("b.css")->plain.pLent;
+  ASSERT_NE(nullptr, pLent);
+  EXPECT_EQ(kLentFrom, pLent->Size());
+  EXPECT_EQ(2 * kLentFrom - 1, m_cache.Bytes());
+}
+
 TEST_F(FileCacheTest, KeepsNoLargeFile) {
   Write("a.css", std::string(kMaxCachedFile, 'x'));
   Write("b.css", std::string(kMaxCachedFile + 1, 'x'));
-  EXPECT_EQ(kMaxCachedFile, Add("a.css")->plain.pText->size());
+  EXPECT_EQ(kMaxCachedFile, Add("a.css")->plain.Bytes());
   const auto pLarge = Add("b.css");
-  EXPECT_EQ(nullptr, pLarge->plain.pText);
+  EXPECT_FALSE(pLarge->plain.IsKept());
   EXPECT_EQ(static_cast<off_t>(kMaxCachedFile + 1), pLarge->plain.stat.st_size);
   EXPECT_EQ(nullptr, m_cache.Find("b.css"));
   EXPECT_EQ(kMaxCachedFile, m_cache.Bytes());
