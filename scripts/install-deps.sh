@@ -26,7 +26,7 @@ packages_for() {
     ui) echo chromium python3-pyqt5.qtwebengine fonts-wqy-microhei net-tools iproute2 \
       "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
-    bench) echo wrk lighttpd busybox libfcgi-dev valgrind ;;
+    bench) echo wrk lighttpd busybox libfcgi-dev valgrind strace ;;
     coverage) echo gcovr ;;
     fuzz) echo clang libclang-rt-14-dev llvm ;;
     # The libraries of the recorder's architecture, and what runs its executables here.

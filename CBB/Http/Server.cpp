@@ -98,16 +98,17 @@ void CServer::ServeTurns() {
 // A handler may be under way, so nothing is closed here.
 void CServer::SendReplies() {
   FlushPrinted();
-  while (m_nSent < m_answered.size()) m_answered[m_nSent++]->Send();
+  while (m_nSent < m_answered.size()) {
+    if (CConnection* const pConn = m_answered[m_nSent++]) pConn->Send();
+  }
 }
 
 void CServer::SettleAnswered() {
-  m_nSent = 0;
-  while (!m_answered.empty()) {
-    mg_connection& conn = m_answered.back()->Library();
-    m_answered.pop_back();
-    Settle(conn);
+  for (size_t i = 0; i < m_answered.size(); ++i) {
+    if (m_answered[i] != nullptr) Settle(m_answered[i]->Library());
   }
+  m_answered.clear();
+  m_nSent = 0;
 }
 
 void CServer::Enqueue(CConnection& conn) {
@@ -153,20 +154,13 @@ void CServer::Open(mg_connection& conn) {
 void CServer::Forget(CConnection& conn) {
   m_turns.Remove(conn);
   m_further.Remove(conn);
-  ForgetAnswered(conn);
+  std::replace(m_answered.begin(), m_answered.end(), &conn, static_cast<CConnection*>(nullptr));
   m_parting.erase(std::remove(m_parting.begin(), m_parting.end(), &conn), m_parting.end());
   m_nHeld -= conn.nHeldCounted;
   m_nFiles -= conn.nFilesCounted;
   --m_nConnections;
   conn.Library().user_data = nullptr;
   delete &conn;
-}
-
-void CServer::ForgetAnswered(const CConnection& conn) {
-  const auto found = std::find(m_answered.begin(), m_answered.end(), &conn);
-  if (found == m_answered.end()) return;
-  if (found - m_answered.begin() < static_cast<std::ptrdiff_t>(m_nSent)) --m_nSent;
-  m_answered.erase(found);
 }
 
 void CServer::Accepted(mg_connection& conn) {

@@ -70,7 +70,6 @@ class CServer : private CWatcher, private CHost {
   void Settle(mg_connection& conn);
   void ServeTurns();
   void SettleAnswered();
-  void ForgetAnswered(const CConnection& conn);
   int WaitMs(int nWaitMs) const;
   void CloseLate();
   void ReturnHeld();
@@ -96,7 +95,7 @@ class CServer : private CWatcher, private CHost {
   CTurnQueue m_turns;    // of the clients that have a request now
   CTurnQueue m_further;  // and of those that have had their turn in this round
   bool m_bServing = false;
-  std::vector<CConnection*> m_answered;  // in this round
+  std::vector<CConnection*> m_answered;  // in this round; null: gone
   size_t m_nSent = 0;                    // of them, whose replies have been sent, or begun to be
   uint64_t m_nAcceptMs = 0;              // when to listen again; 0 while listening
   std::vector<CConnection*> m_parting;   // in the order in which their time ends

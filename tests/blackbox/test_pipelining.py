@@ -85,6 +85,22 @@ def test_others_have_their_turn_between_the_requests(rig):
     assert in_time == [True], "all of them went first"
 
 
+def test_finished_reply_does_not_wait_for_the_device_of_another_client(rig):
+    rig.silent_device()
+    with Client() as first, Client() as second:
+        # The first is heard last: the system reports it first, even if the daemon still looks at it.
+        for client in (second, first):
+            client.send(get("/page.css"))
+            client.read_reply()
+        rig.daemon.pause()
+        first.send(get("/page.css"))
+        second.send(get("/get_LangInfo"))
+        rig.daemon.resume()
+        assert first.read_reply().body == b"body { color: page }"
+        assert second.pending() == b"", "both replies left when the device's time was up"
+        second.read_reply()
+
+
 def test_requests_of_a_client_that_broke_off_are_forgotten(rig):
     rig.device.play(SILENCE, otherwise=REFUSED)
     sock = socket.create_connection(("127.0.0.1", 80))
