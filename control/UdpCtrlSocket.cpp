@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -26,9 +27,16 @@ constexpr int kSendBufSize = 307200;
 // Far more datagrams than a receive buffer holds: who sends faster than they are discarded must not
 // hold the thread for ever.
 constexpr int kFlushMax = 65536;
+constexpr int kPromptMs = 2;
 
 // The address as the diagnostics show it: a 32-bit number in memory order.
 unsigned AddrNumber(const sockaddr_in& addr) { return addr.sin_addr.s_addr; }
+
+// Whether an answer comes so soon that the wait for it is none: nothing has to be prepared then.
+bool HasAnswered(int nSock) {
+  pollfd look{nSock, POLLIN, 0};
+  return poll(&look, 1, kPromptMs) != 0;
+}
 
 }  // namespace
 
@@ -149,7 +157,7 @@ int CUdpCtrlSocket::WaitReadable(int nTimeoutSec) const {
   FD_ZERO(&readable);
   if (m_nSock >= 0) {
     FD_SET(m_nSock, &readable);
-    BeforeWait();
+    if (!HasAnswered(m_nSock)) BeforeWait();
     timeval timeout{nTimeoutSec, 0};
     nReady = select(m_nSock + 1, &readable, nullptr, nullptr, &timeout);
   }

@@ -121,7 +121,7 @@ void CEvents::Poll(int nTimeoutMs) {
     }
     m_nEvents = 0;
     nTimeoutMs = 0;
-    nLooks = bMore ? nLooks - 1 : 0;
+    nLooks = bMore && !IsMemoryShort() ? nLooks - 1 : 0;
   } while (nLooks > 0);
 }
 
@@ -141,8 +141,10 @@ void CEvents::Tell(mg_connection& conn, const epoll_event& event, int nAt) {
   if (bStillThere && (event.events & EPOLLOUT) != 0) m_watcher.Writable(conn);
 }
 
+// None while memory is short: all clients that are there then are disconnected, and one that comes
+// back at once belongs to those behind.
 void CEvents::Accept(mg_connection& listener) {
-  for (int i = 0; i < kMaxAccepts; ++i) {
+  for (int i = 0; i < kMaxAccepts && !IsMemoryShort(); ++i) {
     socket_address address{};
     socklen_t nSize = sizeof(address);
     int nSock = accept4(listener.sock, &address.sa, &nSize, SOCK_NONBLOCK | SOCK_CLOEXEC);

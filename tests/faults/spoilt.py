@@ -33,7 +33,7 @@ def full_socket():
 
 
 class SpoiltDaemon(Daemon):
-    """limits: {resource: value}. output: a function that gives a descriptor for standard output and
+    """limits: {resource: value, or (soft, hard)}. output: a function that gives a descriptor for standard output and
     error, and one to keep open; or "closed". Without it the output is in files as always."""
 
     def __init__(self, folder, limits=None, output=None, env=None, closed=()):
@@ -43,7 +43,7 @@ class SpoiltDaemon(Daemon):
 
     def _prepare(self):
         for name, value in self._limits.items():
-            resource.setrlimit(name, (value, value))
+            resource.setrlimit(name, value if isinstance(value, tuple) else (value, value))
         for number in self._closed:
             os.close(number)
 

@@ -52,8 +52,9 @@ def short(tmp_path_factory):
     daemon.stop()
 
 
-# The date, and the random figure of the usage with the size of its chunk: one to three digits.
-VARYING = re.compile(rb'(Date: .*|(F|10|11)|, "result": .*)')
+# The date, a session's number, and the random figure of the usage with the size of its chunk: one to
+# three digits.
+VARYING = re.compile(rb'(Date: .*|\{ "jsession": .*|(F|10|11)|, "result": .*)')
 
 
 def reply_to(request):

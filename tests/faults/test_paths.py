@@ -119,7 +119,7 @@ def test_nothing_from_outside(rig, secret, method):
 
 
 def test_ranges_and_conditions_open_no_other_way(rig, secret):
-    for header in (b"Range: bytes=0-9", b"If-None-Match: x", b"Host: ../", b"Destination: /../x"):
+    for header in (b"Range: bytes=0-9", b"If-None-Match: x", b"Destination: /../x"):
         reply = fetch(b"GET /link.txt HTTP/1.1\r\n%s\r\nConnection: close\r\n\r\n" % header)
         assert reply.startswith(b"HTTP/1.1 404 ")
 

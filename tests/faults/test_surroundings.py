@@ -11,7 +11,7 @@ import netns
 import pytest
 from device import ACCEPTED, HOST, PORT, SILENCE, answer
 from http_client import Client, get, post
-from daemon import Daemon, fill_web_root, wait_until
+from daemon import Daemon, fill_web_root, wait_for_next_second, wait_until
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
 GOOD = b'{ "strLanguage": "CN", "result": 1 }'
@@ -131,12 +131,14 @@ def test_trouble(rig, trouble, step, body, lines, pages):
         if step:
             rig.device.play(step)
         assert ask(get("/get_LangInfo")).body == body
+        wait_for_next_second()  # in which files are looked at again
         page = ask(get("/page.css"))
         assert page.head.startswith(b"HTTP/1.1 %s " % pages)
         printed = rig.daemon.stdout.since_mark()
         assert all(line in printed for line in lines), printed
     rig.device.play(LANGUAGE)
     assert ask(get("/get_LangInfo")).body == GOOD
+    wait_for_next_second()
     assert ask(get("/page.css")).body == b"body { color: page }"
     rig.daemon.stderr.expect()
 
