@@ -13,7 +13,8 @@
 
 namespace {
 
-// Streams, listener, poll object, an exchange, a file about to be sent, the newest client.
+// Streams, listener, poll object, lent texts, an exchange, a file about to be sent, the newest
+// client.
 constexpr int kOtherDescriptors = 12;
 constexpr int kFirstClient = 32;
 
