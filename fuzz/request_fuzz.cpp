@@ -77,7 +77,8 @@ class CReader {
   // Bytes arrive: what is whole is delivered.
   void Receive(std::string_view bytes) {
     m_strReceived += bytes;
-    while (ReadOne()) continue;
+    while (ReadOne()) {
+    }
   }
 
   bool operator==(const CReader& other) const {

@@ -87,7 +87,7 @@ bool IsHost(std::string_view value) {
 int JudgeFields(const stHead& head) {
   int nHosts = 0, nStatus = 0;
   for (size_t i = 0; i < head.nFields; ++i) {
-    const stField& field = head.pFields[i];
+    const stFieldLine& field = head.pFields[i];
     if (IsSameName(field.name, "Host")) nHosts += IsHost(field.value) ? 1 : 2;
     // A client of HTTP/1.0 cannot mean it.
     if (head.nMinor > 0 && IsSameName(field.name, "Expect") &&

@@ -6,7 +6,7 @@
 #include <string_view>
 
 // One field line: its name, and its value without the blanks around it.
-struct stField {
+struct stFieldLine {
   std::string_view name;
   std::string_view value;
 };
@@ -16,7 +16,7 @@ struct stHead {
   std::string_view text;  // from the request line's first byte to the blank line's last
   std::string_view method;
   std::string_view target;
-  const stField* pFields = nullptr;
+  const stFieldLine* pFields = nullptr;
   size_t nFields = 0;
   int nMinor = 0;           // of HTTP/1.x
   bool bHasLength = false;  // the parser took a Content-Length, one and a plain number

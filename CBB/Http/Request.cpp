@@ -142,7 +142,7 @@ void CRequest::Fill(char* pReceived, http_message& msg) const {
   msg.body = parse.bChunked ? ToLibrary(parse.strBody) : ToLibrary(received.substr(parse.nHead));
   size_t nTaken = 0;
   for (size_t i = 0; i < parse.nFields; ++i) {
-    const stField field = parse.Field(i, pReceived);
+    const stFieldLine field = parse.Field(i, pReceived);
     if (field.value.empty()) continue;  // the library's own reading leaves these out as well
     msg.header_names[nTaken] = ToLibrary(field.name);
     msg.header_values[nTaken++] = ToLibrary(field.value);

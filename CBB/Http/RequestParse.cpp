@@ -72,7 +72,7 @@ struct stParserCalls {
   }
 
   static int Judge(stParse& parse) {
-    stField fields[kMaxFieldLines];
+    stFieldLine fields[kMaxFieldLines];
     for (size_t i = 0; i < parse.nFields; ++i) {
       fields[i] = parse.Field(i, parse.received.data());
       if (IsSameName(fields[i].name, "Expect")) parse.bExpects = parse.parser.http_minor > 0;
@@ -193,7 +193,7 @@ std::string_view stRequestParse::BehindBody() const {
   return received.substr(nFrom, nLength - nFrom);
 }
 
-stField stRequestParse::Field(size_t i, const char* pReceived) const {
+stFieldLine stRequestParse::Field(size_t i, const char* pReceived) const {
   const std::string_view value = values[i].In(pReceived);
   return {names[i].In(pReceived), value.substr(0, value.find_last_not_of(" \t") + 1)};
 }

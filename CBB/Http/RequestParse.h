@@ -69,5 +69,5 @@ struct stRequestParse {
   std::string_view Method() const {
     return llhttp_method_name(static_cast<llhttp_method_t>(parser.method));
   }
-  stField Field(size_t i, const char* pReceived) const;  // i < nFields
+  stFieldLine Field(size_t i, const char* pReceived) const;  // i < nFields
 };

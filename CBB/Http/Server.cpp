@@ -228,7 +228,8 @@ void CServer::ReturnHeld() {
 }
 
 void CServer::MakeRoom() {
-  while (m_nConnections + m_nFiles > static_cast<size_t>(m_nPlaces) && CloseFirst()) continue;
+  while (m_nConnections + m_nFiles > static_cast<size_t>(m_nPlaces) && CloseFirst()) {
+  }
 }
 
 // Calls pfnCall with every client, which may not close it.
@@ -264,5 +265,6 @@ void CServer::LimitHeld() {
 }
 
 void CServer::CloseAll() {
-  while (CloseFirst()) continue;
+  while (CloseFirst()) {
+  }
 }

@@ -48,7 +48,7 @@ class CHead {
   }
 
   std::string m_strText;
-  std::vector<stField> m_fields;
+  std::vector<stFieldLine> m_fields;
   stHead m_head;
 };
 
