@@ -30,8 +30,12 @@ off_t WholePages(size_t nSize) {
 
 }  // namespace
 
-std::shared_ptr<const CLentText> CLentText::Make(std::string_view text) {
+void CLentText::Prepare() {
   if (g_nFile < 0) g_nFile = MoveUp(MemoryFile());
+}
+
+std::shared_ptr<const CLentText> CLentText::Make(std::string_view text) {
+  Prepare();
   if (g_nFile < 0) return nullptr;
   auto pText = std::make_shared<const CLentText>(g_nEnd, text.size());
   const ssize_t nWritten = pwrite(g_nFile, text.data(), text.size(), g_nEnd);

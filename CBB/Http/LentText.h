@@ -11,6 +11,9 @@
 
 class CLentText {
  public:
+  // Opens the file that all texts lie in, so that it does not come with the first of them. Once.
+  static void Prepare();
+
   // A copy of the text, which is not empty; null where the system has no such pages, or no memory.
   static std::shared_ptr<const CLentText> Make(std::string_view text);
 

@@ -42,6 +42,7 @@ int CServer::Bind(const char* pszAddress) {
   const int nOn = 1;
   setsockopt(m_pListener->sock, IPPROTO_TCP, TCP_NODELAY, &nOn, sizeof(nOn));
   setsockopt(m_pListener->sock, SOL_SOCKET, SO_OOBINLINE, &nOn, sizeof(nOn));
+  CLentText::Prepare();
   m_nPlaces = std::min(ClientDescriptors(), kMaxConnections);
   m_parting.reserve(static_cast<size_t>(m_nPlaces) + 1);
   m_answered.reserve(static_cast<size_t>(m_nPlaces) + 1);

@@ -69,9 +69,6 @@ def served(rig):
 @pytest.mark.parametrize("kind", KINDS)
 def test_well_behaved_client_is_served_among(rig, kind):
     rig.device.play()
-    with Client() as client:  # the first larger file opens the one that such texts lie in
-        client.send(get("/large.bin"))
-        client.read_reply()
     before = rig.daemon.count_idle_descriptors()
     with crowd(KINDS[kind]) as socks:
         served(rig)

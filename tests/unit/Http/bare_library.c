@@ -2,7 +2,7 @@
    own. In a shared object of its own, so that it stands beside the one of CBB/Http. */
 #include "tests/unit/Http/bare_library.h"
 
-#include <mongoose.c>
+#include <mongoose.c> /* NOLINT: the library in a build of its own */
 
 static struct mg_mgr s_mgr;
 static struct mg_serve_http_opts s_opts;
