@@ -69,8 +69,12 @@ struct stEventCalls {
 void CEvents::InitManager(mg_mgr& mgr) {
   static const mg_iface_vtable s_table = stEventCalls::Table();
   g_pEvents = this;
+  // Other managers of the process go on having the library's own interface.
+  const mg_iface_vtable* const pOwn = mg_ifaces[MG_MAIN_IFACE];
   mg_ifaces[MG_MAIN_IFACE] = &s_table;
   mg_mgr_init(&mgr, nullptr);
+  mg_ifaces[MG_MAIN_IFACE] = pOwn;
+  g_pEvents = nullptr;
 }
 
 bool CEvents::Add(const mg_connection& conn) {

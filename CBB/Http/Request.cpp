@@ -91,8 +91,7 @@ bool CRequest::SkipExtension(std::string_view received) {
 }
 
 // The parser has stopped: at the request's end, at what our rules refuse, or at what it does not
-// take itself.
-// Returns whether that tells what becomes of the request.
+// take itself. Returns whether that tells what becomes of the request.
 bool CRequest::Conclude(int nError) {
   stRequestParse& parse = *m_pParse;
   if (nError == HPE_PAUSED) {
