@@ -51,8 +51,18 @@ bool HasTag(std::string_view list, std::string_view tag, bool bWeak) {
   return false;
 }
 
+// Most requests have none.
+bool HasPrecondition(const http_message& msg) {
+  for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
+    const mg_str& name = msg.header_names[i];
+    if (IsSameName(std::string_view(name.p, name.len).substr(0, 3), "If-")) return true;
+  }
+  return false;
+}
+
 // 200 to go on, else 304 or 412.
 int JudgePreconditions(http_message& msg, const stRepresentation& file) {
+  if (!HasPrecondition(msg)) return 200;
   const std::string match = FieldList(msg, "If-Match");
   const std::string none = FieldList(msg, "If-None-Match");
   const time_t since = ParseHttpDate(FieldValue(msg, "If-Modified-Since"));

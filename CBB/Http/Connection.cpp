@@ -160,6 +160,7 @@ void CConnection::Drop() {
 }
 
 void CConnection::ForgetReceived(size_t nSize) {
+  if (nSize == 0) return;
   mbuf_remove(&m_conn.recv_mbuf, nSize);
   mbuf_trim(&m_conn.recv_mbuf);
 }

@@ -10,6 +10,7 @@
 #include "CBB/Http/Conditions.h"
 #include "CBB/Http/Descriptors.h"
 #include "CBB/Http/LibraryFiles.h"
+#include "CBB/Http/MediaTypes.h"
 
 namespace {
 
@@ -134,6 +135,7 @@ std::shared_ptr<const stFile> CFileCache::Add(std::string strUri, std::string st
   pFile->second = time(nullptr);
   pFile->strUri = std::move(strUri);
   pFile->strPath = std::move(strPath);
+  pFile->strType = MediaType(pFile->strPath);
   if (!ReadForm(nFd, "", pFile->plain)) return nullptr;
   AddPacked(*pFile);
   pFile->nUse = ++m_nUses;

@@ -36,6 +36,7 @@ struct stForm {
 struct stFile {
   std::string strUri;  // as it is asked for
   std::string strPath;
+  std::string strType;  // media type, with its charset
   stForm plain;
   bool bHasPacked = false;  // a form packed by gzip lies beside it and is not older
   stForm packed;

@@ -18,7 +18,6 @@
 #include "CBB/Http/HeadRules.h"
 #include "CBB/Http/Library.h"
 #include "CBB/Http/LibraryFiles.h"
-#include "CBB/Http/MediaTypes.h"
 #include "CBB/Http/Refusals.h"
 
 namespace {
@@ -68,23 +67,18 @@ std::string RangeField(const stSelection& part, size_t nSize) {
          std::to_string(part.nAt + part.nSize - 1) + "/" + std::to_string(nSize) + "\r\n";
 }
 
-std::string FormFields(const stFile& file, bool bPacked) {
-  const char* const pszPacked = bPacked ? "Content-Encoding: gzip\r\n" : "";
-  const char* const pszVary = file.bHasPacked ? "Vary: Accept-Encoding\r\n" : "";
-  return std::string(pszPacked) + pszVary;
-}
-
 // The head as the library writes it, and behind it what it does not know of.
 void SendHead(const stRequest& request, const stFile& file, const stForm& form, bool bPacked,
               const stSelection& part) {
   const bool bSame = part.nStatus == 304;
   std::string strHead = "HTTP/1.1 " + std::to_string(part.nStatus) + " ";
   strHead.reserve(640);
-  strHead.append(ReasonPhrase(part.nStatus)).append("\r\nServer: Mongoose/" MG_VERSION "\r\n");
-  strHead.append("Date: ").append(Now()).append("\r\nLast-Modified: ").append(form.strModified);
+  strHead.append(ReasonPhrase(part.nStatus));
+  strHead.append("\r\nServer: Mongoose/" MG_VERSION "\r\nDate: ").append(Now());
+  strHead.append("\r\nLast-Modified: ").append(form.strModified);
   if (!bSame) {
     strHead.append("\r\nAccept-Ranges: bytes\r\nContent-Type: ");
-    strHead.append(MediaType(file.strPath));
+    strHead.append(file.strType);
   }
   strHead.append("\r\nConnection: ").append(request.bKeepsOpen ? "keep-alive\r\n" : "close\r\n");
   if (!bSame) {
@@ -92,7 +86,8 @@ void SendHead(const stRequest& request, const stFile& file, const stForm& form, 
     strHead.append(RangeField(part, static_cast<size_t>(form.stat.st_size)));
   }
   strHead.append("Etag: ").append(form.strTag).append("\r\n");
-  strHead.append(bSame ? FormFields(file, false) : FormFields(file, bPacked));
+  if (bPacked && !bSame) strHead.append("Content-Encoding: gzip\r\n");
+  if (file.bHasPacked) strHead.append("Vary: Accept-Encoding\r\n");
   const bool bVersioned = request.strUri.compare(0, kVersioned.size(), kVersioned) == 0;
   strHead.append(bVersioned ? kVersionedFields : kPageFields).append("\r\n\r\n");
   mg_send(&request.conn, strHead.data(), static_cast<int>(strHead.size()));

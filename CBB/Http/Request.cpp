@@ -129,7 +129,6 @@ void CRequest::Fill(char* pReceived, http_message& msg) const {
   static char s_szRoot[] = "/";  // the library may write into a path
   const stRequestParse& parse = *m_pParse;
   const std::string_view received(pReceived, parse.nLength);
-  msg = {};
   msg.message = ToLibrary(received);
   msg.method = ToLibrary(received.substr(0, parse.Method().size()));
   std::string_view target = parse.target.In(pReceived);
@@ -137,7 +136,7 @@ void CRequest::Fill(char* pReceived, http_message& msg) const {
   target.remove_prefix(PathBegin(target));
   const size_t nQuery = std::min(target.find('?'), target.size());
   msg.uri = nQuery == 0 ? mg_str{s_szRoot, 1} : ToLibrary(target.substr(0, nQuery));
-  if (nQuery < target.size()) msg.query_string = ToLibrary(target.substr(nQuery + 1));
+  msg.query_string = nQuery < target.size() ? ToLibrary(target.substr(nQuery + 1)) : mg_str{};
   msg.body = parse.bChunked ? ToLibrary(parse.strBody) : ToLibrary(received.substr(parse.nHead));
   size_t nTaken = 0;
   for (size_t i = 0; i < parse.nFields; ++i) {
@@ -146,6 +145,8 @@ void CRequest::Fill(char* pReceived, http_message& msg) const {
     msg.header_names[nTaken] = ToLibrary(field.name);
     msg.header_values[nTaken++] = ToLibrary(field.value);
   }
+  // The list ends at a name of no length; what lies behind is not looked at.
+  msg.header_names[nTaken] = msg.header_values[nTaken] = mg_str{};
 }
 
 void CRequest::Clear() {

@@ -54,7 +54,8 @@ class CRequest {
 
   // Of a whole request: the library's record of it. Its texts lie in the same bytes that were read,
   // which begin at pReceived now, except that a body in chunks, freed of their frames, lies in this
-  // object. The record must not outlive either. A missing path is "/".
+  // object. The record must not outlive either. A missing path is "/". Fields behind the first one
+  // without a name are left as they were.
   void Fill(char* pReceived, http_message& msg) const;
 
   // Forgets the request: the next one is read from its beginning.

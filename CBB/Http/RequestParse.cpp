@@ -72,16 +72,16 @@ struct stParserCalls {
   }
 
   static int Judge(stParse& parse) {
-    stFieldLine fields[kMaxFieldLines];
+    static stFieldLine s_fields[kMaxFieldLines];  // not cleared for each request
     for (size_t i = 0; i < parse.nFields; ++i) {
-      fields[i] = parse.Field(i, parse.received.data());
-      if (IsSameName(fields[i].name, "Expect")) parse.bExpects = parse.parser.http_minor > 0;
+      s_fields[i] = parse.Field(i, parse.received.data());
+      if (IsSameName(s_fields[i].name, "Expect")) parse.bExpects = parse.parser.http_minor > 0;
     }
     stHead head;
     head.text = parse.Head();
     head.method = parse.Method();
     head.target = parse.target.In(parse.received.data());
-    head.pFields = fields;
+    head.pFields = s_fields;
     head.nFields = parse.nFields;
     head.nMinor = parse.parser.http_minor;
     head.bHasLength = parse.bHasLength;

@@ -11,7 +11,7 @@
 #include "CBB/WebCtrl/Routes.h"
 
 void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
-  printf("--------------------------DoHttpRequeset, start.\n");
+  puts("--------------------------DoHttpRequeset, start.");
   const std::string_view request(pMsg->message.p, pMsg->message.len);
   if (m_sessions.CheckSession(request, static_cast<int32_t>(time(nullptr))) != 0) {
     // Deliberate: a refused request is left without any answer.
@@ -25,7 +25,7 @@ void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
       return;
     }
   }
-  printf("------------others-------mg_serve_http.\n");
+  puts("------------others-------mg_serve_http.");
   ServeFile(pConn, pMsg, HttpOptions());
 }
 
