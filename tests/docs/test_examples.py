@@ -2,14 +2,18 @@
 
 In a document each fenced block marked "console run" is run against the daemon and the simulated
 recorder, one pair for the whole document, and its output compared; a block marked "xml sent" names
-the datagrams that the console block above it caused.
+the datagrams that the console block above it caused. A block marked "file NAME" behind its language
+is a file that the console blocks find in their folder. The commands of a block marked "console start"
+are started in the place of that pair, and go on running.
 """
+
+import os
 
 import pytest
 from documents import as_pattern, blocks, commands, documents
 from recorder import Recorder
 
-CONSOLE, SENT = "console run", "xml sent"
+CONSOLE, SENT, START = "console run", "xml sent", "console start"
 
 
 def _examples():
@@ -25,6 +29,19 @@ def _examples():
     return found
 
 
+def _files(document):
+    """Name and content of each file that a document gives to its readers."""
+    for block in blocks(document):
+        words = block.kind.split(" ")
+        if words[1:2] == ["file"]:
+            yield words[2], block.text + "\n"
+
+
+def _started(document):
+    started = [block for block in blocks(document) if block.kind == START]
+    return [command for block in started for command, _ in commands(block.text)]
+
+
 EXAMPLES = _examples()
 
 
@@ -36,7 +53,11 @@ def recorder_of(tmp_path_factory):
     def recorder_of(document):
         if document not in current:
             close()
-            current[document] = Recorder(tmp_path_factory.mktemp("examples"))
+            folder = tmp_path_factory.mktemp("examples")
+            current[document] = Recorder(folder, started=_started(document))
+            for name, text in _files(document):
+                with open(os.path.join(current[document].folder, name), "w", encoding="utf-8") as file:
+                    file.write(text)
         return current[document]
 
     def close():

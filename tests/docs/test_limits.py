@@ -20,6 +20,8 @@ SENTENCES = {
         "the service restarts itself, which takes {kRestartPauseSec} seconds",
     ],
     "docs/api.md": [
+        "An export takes {kReplyMax} bytes of the device's answer.",
+        "An import takes {kImportMost} bytes.",
         "until the device answers; {kDeviceTimeoutSec} seconds when it does not",
         "its answer **and {kRestartPauseSec} seconds**",
         "| Set without an answer | {kDeviceTimeoutSec} seconds |",
