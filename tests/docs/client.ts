@@ -5,8 +5,9 @@ import type {PathsWithMethod} from 'openapi-typescript-helpers';
 import type {paths} from './api.js';
 
 type Query = PathsWithMethod<paths, 'get'>;
-type Stream =
-    paths['/set_MainStreamInfo']['post']['requestBody']['content']['application/x-www-form-urlencoded'];
+type Form<Uri extends PathsWithMethod<paths, 'post'>> =
+    paths[Uri]['post']['requestBody']['content']['application/x-www-form-urlencoded'];
+type Stream = Form<'/set_MainStreamInfo'>;
 
 const kQueries = [
   '/get_LangInfo', '/get_BaseInfo', '/get_UserSecurity', '/get_LockOfPassword', '/get_MirrorInfo',

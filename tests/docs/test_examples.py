@@ -3,11 +3,9 @@
 In a document each fenced block marked "console run" is run against the daemon and the simulated
 recorder, one pair for the whole document, and its output compared; a block marked "xml sent" names
 the datagrams that the console block above it caused. A block marked "file NAME" behind its language
-is a file that the console blocks find in their folder. The commands of a block marked "console start"
-are started in the place of that pair, and go on running.
+is a file that the console blocks find in their folder. The commands of a block marked "console
+start" are started in the place of that pair, and go on running.
 """
-
-import os
 
 import pytest
 from documents import as_pattern, blocks, commands, documents
@@ -56,8 +54,7 @@ def recorder_of(tmp_path_factory):
             folder = tmp_path_factory.mktemp("examples")
             current[document] = Recorder(folder, started=_started(document))
             for name, text in _files(document):
-                with open(os.path.join(current[document].folder, name), "w", encoding="utf-8") as file:
-                    file.write(text)
+                (folder / name).write_text(text, encoding="utf-8")
         return current[document]
 
     def close():

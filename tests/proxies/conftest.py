@@ -6,7 +6,7 @@ import sys
 
 _HERE = os.path.dirname(os.path.abspath(__file__))
 _RIG = os.path.join(os.path.dirname(_HERE), "blackbox")
-sys.path.insert(0, _RIG)
+sys.path[:0] = [_RIG, os.path.join(os.path.dirname(_HERE), "docs")]
 
 # Both files are called conftest, so that one goes by another name here.
 _spec = importlib.util.spec_from_file_location("rig_conftest", os.path.join(_RIG, "conftest.py"))
@@ -28,7 +28,8 @@ def pytest_generate_tests(metafunc):
 
 def pytest_sessionfinish(session):
     _rig.pytest_sessionfinish(session)
-    if session.exitstatus == pytest.ExitCode.OK and not any(map(program, _PROXIES)):
+    reporter = session.config.pluginmanager.get_plugin("terminalreporter")
+    if session.exitstatus == pytest.ExitCode.OK and not reporter.stats.get("passed"):
         session.exitstatus = 77  # what CTest takes for "skipped"
 
 

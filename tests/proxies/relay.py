@@ -1,4 +1,7 @@
-"""Stands between a proxy and the daemon, passes every byte on and keeps it."""
+"""Stands between a proxy and the daemon, passes every byte on and keeps it.
+
+A test may change what the proxy is told: `told` is given what the daemon sent.
+"""
 
 import contextlib
 import select
@@ -13,8 +16,8 @@ _PATIENCE_SEC = 10
 class Passage:
     """One connection of the proxy: what it sent, and what the daemon sent back."""
 
-    def __init__(self, proxy):
-        self._proxy = proxy
+    def __init__(self, proxy, told):
+        self._proxy, self._told = proxy, told
         self.sent, self.returned = bytearray(), bytearray()
         self._thread = threading.Thread(target=self._run, daemon=True)
 
@@ -31,7 +34,7 @@ class Passage:
                         target, record = ways[source]
                         data = source.recv(65536)
                         record += data
-                        target.sendall(data)
+                        target.sendall(self._told(data) if source is daemon else data)
                         if not data:
                             del ways[source]
                             with contextlib.suppress(OSError):
@@ -49,12 +52,13 @@ class Relay:
     def __init__(self):
         self._listener = socket.create_server(("127.0.0.1", PORT))
         self._passages = []
+        self.told = bytes
         threading.Thread(target=self._run, daemon=True).start()
 
     def _run(self):
         with contextlib.suppress(OSError):
             while True:
-                passage = Passage(self._listener.accept()[0])
+                passage = Passage(self._listener.accept()[0], self.told)
                 self._passages.append(passage)
                 passage.start()
 
