@@ -11,6 +11,7 @@ from entrance import NAME, USER, Entrance, Guest, answer, why_not
 from http_client import Client, get, post
 from reading import requests
 from relay import PORT as RELAY
+from test_limits import constants
 
 SET = change('<stNetWorkMode ucFD_NetType="2"/>')
 SETTING = ("-d", "ucFD_NetWType=2")
@@ -207,6 +208,13 @@ def test_lines_that_pass_are_no_longer_than_the_daemon_takes(relay, guest):
     assert came(relay) == []
     longest = guest.ask(f"/other.css?{'a' * 4000}", *own(f"Referer: {'a' * 3500}"))
     assert (longest.status, longest.body) == (200, b"body { color: other }")
+
+
+def test_the_longest_exchanges_have_time_in_a_row_of_requests():
+    waits = int(re.search(r"proxy_read_timeout (\d+)s;", read("packaging/proxy/webctrl.conf"))[1])
+    of = constants()
+    assert waits >= 4 * (of["kImportTimeoutSec"] + of["kRestartPauseSec"])
+    assert f"504 after {waits} seconds" in read("docs/deployment.md")
 
 
 def test_guesses_are_few(entrance, relay):
