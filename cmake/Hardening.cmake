@@ -1,6 +1,6 @@
-# Release builds are hardened, the HTTP library included: a bus network is a hostile place. What a
-# compiler or processor does not offer is left out; tests/checks/hardening.py shows what the result
-# has. Sanitized and fuzzing builds bring checks of their own, which these would disturb.
+# Release builds are hardened, the HTTP library included: the network in a bus is hostile. Flags
+# that a compiler or processor does not support are left out; tests/checks/hardening.py shows the
+# result. Sanitizer and fuzzing builds have their own checks, which these flags would disturb.
 option(WEBCTRL_HARDENING "Harden release builds" ON)
 include(CheckCXXCompilerFlag)
 
@@ -13,11 +13,11 @@ if(WEBCTRL_HARDENING AND CMAKE_BUILD_TYPE STREQUAL "Release" AND NOT WEBCTRL_SAN
       add_compile_options(${flag})
     endif()
   endforeach()
-  # Level 3 also knows sizes that are known at run time only; older compilers take it as 2.
+  # Level 3 also checks sizes that are only known at run time; older compilers treat it as 2.
   add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
   add_link_options(-Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
 
-  # A static executable is position-independent only with a C library made for it.
+  # A static executable can be position-independent only with a C library built for that.
   if(NOT CMAKE_EXE_LINKER_FLAGS MATCHES "-static")
     include(CheckPIESupported)
     check_pie_supported()

@@ -1,5 +1,5 @@
-# mongoose: what whoever includes the HTTP library's header must see, from -DMONGOOSE_DIR= (a copy of
-# the 6 series from 6.16 on) or from .deps/mongoose, where scripts/fetch-mongoose.sh puts it. CBB/Http
+# mongoose: the include path and switches of the HTTP library, from -DMONGOOSE_DIR= (a copy of the 6
+# series from 6.16 on) or from .deps/mongoose, where scripts/fetch-mongoose.sh puts it. CBB/Http
 # builds it.
 set(MONGOOSE_DIR ${CMAKE_SOURCE_DIR}/.deps/mongoose CACHE PATH
     "Folder with mongoose.c and mongoose.h, 6.16 or a later one of the 6 series")
@@ -23,8 +23,8 @@ endif()
 
 add_library(mongoose INTERFACE)
 target_include_directories(mongoose SYSTEM INTERFACE ${MONGOOSE_DIR})
-# The switches change the library's own types, so every user must see the same ones. What the
-# pages do not use is not there at all: whoever reaches the port must not list folders, start programs
+# The switches change the library's types, so every user must see the same ones. Features that the
+# pages do not use are compiled out: nobody who reaches the port may list folders, start programs
 # that lie beside the pages, or hold connections under another protocol.
 target_compile_definitions(
   mongoose
@@ -40,12 +40,13 @@ target_compile_definitions(
          MG_ENABLE_HTTP_CGI=0
          MG_ENABLE_HTTP_WEBDAV=0
          MG_ENABLE_DIRECTORY_LISTING=0
-         # The library's types hold sizes of files: 64 bits for whoever passes them.
+         # The library's types contain file sizes: 64 bits for everyone who passes them.
          _FILE_OFFSET_BITS=64
-         # Field lines of a request, and one.
+         # The most field lines of a request, plus one.
          MG_MAX_HTTP_HEADERS=101
-         # One segment a poll (the default) lets delayed acknowledgements stall longer replies.
+         # One segment per poll (the default) lets delayed acknowledgements stall longer replies.
          MG_TCP_IO_SIZE=16384
          MG_MAX_HTTP_SEND_MBUF=16384
-         # Two such paths a level of nested includes; CBB/Http/Library.c says why so short.
+         # Each level of nested includes has two such paths; CBB/Http/Library.c says why they are so
+         # short.
          MG_MAX_PATH=1024)

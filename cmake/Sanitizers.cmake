@@ -2,7 +2,7 @@
 # HTTP library included.
 set(WEBCTRL_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas")
 if(WEBCTRL_BUILD_FUZZ AND NOT WEBCTRL_SANITIZE)
-  # The fuzz targets' coverage is counted in everything that they drive.
+  # Everything that the fuzz targets drive is instrumented for coverage.
   set(WEBCTRL_SANITIZE address,undefined,fuzzer-no-link)
 endif()
 if(WEBCTRL_SANITIZE)

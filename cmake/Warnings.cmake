@@ -1,10 +1,10 @@
-# Our code compiles without a warning; the libraries' code is theirs.
+# Our own code compiles without warnings; the libraries' code is not held to that.
 add_library(webctrl_warnings INTERFACE)
 target_compile_options(webctrl_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
                                                   -Werror)
 
-# webctrl_library(<name> <sources>...): a static library of one folder, built with our warnings and
-# included by paths from the project's root ("control/UdpCtrlSocket.h").
+# webctrl_library(<name> <sources>...): the static library of one folder, built with our warnings;
+# its headers are included by paths from the project's root ("control/UdpCtrlSocket.h").
 function(webctrl_library name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})

@@ -1,6 +1,6 @@
-// Attribute tables: one row per XML attribute says its name and how its text gets into a record.
-// Walk applies a table to an element, WalkIndexed to the item elements under a container. Nothing
-// here owns or keeps anything; a record may be filled from one thread at a time.
+// Attribute tables: one row per XML attribute, with its name and how its text is stored in a
+// record. Walk applies a table to an element, WalkIndexed to the item elements under a container.
+// Nothing here owns or keeps anything; a record may be filled from one thread at a time.
 #pragma once
 
 #include <strings.h>
@@ -21,10 +21,10 @@ struct MemberOf<M> {
   using Field = F;
 };
 
-// Stores take a record and a text (an attribute's or a form variable's) and fill one field.
-// They return 0; 1 to make the import's result 1; negative to reject the section at once.
+// A store takes a record and a text (of an attribute or a form variable) and fills one field. It
+// returns 0; 1 to make the import's result 1; a negative number to reject the section at once.
 
-// By the field's type: a text is cut to its capacity less one, a float and an integer converted.
+// By the field's type: a text is cut to its capacity minus one; a float or an integer is converted.
 template <auto M>
 int Store(typename MemberOf<M>::Record& rec, const char* pszText) {
   using F = typename MemberOf<M>::Field;
@@ -38,7 +38,7 @@ int Store(typename MemberOf<M>::Record& rec, const char* pszText) {
   return 0;
 }
 
-// An address in any spelling; a text that is none leaves the field.
+// An address in any spelling; any other text leaves the field unchanged.
 template <auto M>
 int StoreAddress(typename MemberOf<M>::Record& rec, const char* pszText) {
   ConvertAddressValue(pszText, rec.*M);
@@ -51,20 +51,20 @@ struct stAttr {
   int (*pfnStore)(R& rec, const char* pszText);
 };
 
-// A row whose name and member cannot drift apart; ATTR_AS with a store other than the plain one.
+// A row whose name and member cannot drift apart; ATTR_AS is for a store other than the plain one.
 #define ATTR(R, field) \
   { #field, Store < &R::field> }
 #define ATTR_AS(R, field, pfnStore) \
   { #field, pfnStore < &R::field> }
 
-// Stores every attribute that the table names, in document order, letter case ignored; others are
-// skipped and fields without an attribute stay. Returns 0; 1 when a store asked for it (the walk
-// goes on); -1 when a store rejected the section (the walk stops) or there is no element.
+// Stores every attribute that the table names, in document order and ignoring case; others are
+// skipped, and fields without an attribute keep their value. Returns 0; 1 when a store asked for it
+// (the walk goes on); -1 when a store rejected the section (the walk stops) or there is no element.
 template <class R, size_t N>
 int Walk(const TiXmlElement* pElem, const stAttr<R> (&rows)[N], R& rec) {
   if (pElem == nullptr) return -1;
   int nResult = 0;
-  size_t nNext = 0;  // devices send attributes in about the table's order: the next row comes first
+  size_t nNext = 0;  // devices send attributes roughly in table order: try the next row first
   for (const TiXmlAttribute* p = pElem->FirstAttribute(); p != nullptr; p = p->Next()) {
     for (size_t i = 0; i < N; ++i) {
       const stAttr<R>& row = rows[(nNext + i) % N];
@@ -79,17 +79,17 @@ int Walk(const TiXmlElement* pElem, const stAttr<R> (&rows)[N], R& rec) {
   return nResult;
 }
 
-// How much of an item element's name may stand from its first "_" on.
+// How long an item element's name may be from its first "_" on.
 enum class Suffix { kExactlyTwo, kAtLeastTwo };
 
-// The item number in an item element's name: the digit behind the first "_". Returns 0 to 9, or
-// -1 when there is no "_", no digit behind it, or more behind it than the rule allows.
+// The item number in an item element's name: the digit after the first "_". Returns 0 to 9, or -1
+// when there is no "_", no digit after it, or more after it than the rule allows.
 int ItemIndex(const char* pszName, Suffix rule);
 
-// Walks the item elements under the section's container child into pItems[0 .. nItems - 1].
-// Returns 0 (also without a container or items); 1 at the first item beyond the last, which ends
-// the import: it and all behind it, later containers included, stay unread; -1 at an item with a
-// malformed name, keeping what was stored before it.
+// Walks the item elements under the section's container child into pItems[0 .. nItems - 1]. Returns
+// 0 (also without a container or items); 1 at the first item with an index beyond the last, which
+// ends the import: it and everything after it, later containers included, stay unread; -1 at an
+// item with a malformed name, keeping what was stored before it.
 template <class R, size_t N>
 int WalkItems(const TiXmlElement* pSection, const char* pszContainer, const stAttr<R> (&rows)[N],
               R* pItems, int nItems, Suffix rule) {
@@ -112,8 +112,8 @@ int WalkItems(const TiXmlElement* pSection, const char* pszContainer, const stAt
   return WalkItems(pSection, pszContainer, rows, items, static_cast<int>(M), Suffix::kExactlyTwo);
 }
 
-// A section's last container, with the arguments of WalkItems. Returns the import's result: 0, also
-// at an item beyond the last, or -1.
+// For a section's last container, with the arguments of WalkItems. Returns the import's result: 0
+// (also at an index beyond the last) or -1.
 template <class... Args>
 int WalkIndexed(Args&&... args) {
   return WalkItems(args...) < 0 ? -1 : 0;

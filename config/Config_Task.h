@@ -1,6 +1,6 @@
-// CConfig_Task turns one section element of a device reply into its fixed-size record. One lives
-// on the stack for one query: construct, call one importer, copy the wanted record out. No value is
-// kept between queries; use one from one thread.
+// CConfig_Task turns one section element of a device reply into its fixed-size record. Create one
+// on the stack for each query: construct, call one importer, copy the wanted record out. No value
+// is kept between queries. An object belongs to one thread.
 #pragma once
 
 #include <condition_variable>
@@ -16,7 +16,7 @@ class StrDict;
 
 class CConfig_Task {
  public:
-  // Zeroes the record. Never fails: parts that memory ran out for are absent.
+  // Zeroes the record. Never fails: parts for which memory ran out are absent.
   CConfig_Task();
   // Releases what the task owns.
   virtual ~CConfig_Task();
@@ -27,12 +27,12 @@ class CConfig_Task {
   const stConfig& Record() const { return m_stConfig; }
 
   // Every importer reads the attributes of pElem (and its item elements) into its section's member
-  // of *pDst, or of the task's own record when pDst is null. An attribute that is absent leaves
-  // its field, so pass a zeroed record. Neither pointer is kept. Returns 0; -1 when the section is
-  // rejected (no element, a malformed item name, a bad strFD_DeviceNo): the record is then filled
-  // in part and must not be used.
+  // of *pDst, or of the task's own record when pDst is null. A missing attribute leaves its field
+  // unchanged, so pass a zeroed record. Neither pointer is kept. Returns 0; -1 when the section is
+  // rejected (no element, a malformed item name, a bad strFD_DeviceNo): the record is then partly
+  // filled and must not be used.
 
-  // Rejects a strFD_DeviceNo of other than 5 to 12 characters and says so on standard output.
+  // Rejects a strFD_DeviceNo that is not 5 to 12 characters long and says so on standard output.
   int Import_stBaseInfo(TiXmlElement* pElem, stConfig* pDst = nullptr);
   int Import_stUserSec(TiXmlElement* pElem, stConfig* pDst = nullptr);
   int Import_stLockOfPassword(TiXmlElement* pElem, stConfig* pDst = nullptr);
@@ -94,7 +94,7 @@ class CConfig_Task {
   };
   using WorkList = std::unique_ptr<stWorkList, CRelease>;
 
-  // Made with every task and never written to; each part is absent when memory ran out for it.
+  // Present in every task and never written to; a part is absent when memory ran out for it.
   struct stParts {
     stParts();
     WorkList apWork[2];
@@ -111,6 +111,6 @@ class CConfig_Task {
   stConfig m_stConfig{};
   std::mutex m_xMutex;
   std::condition_variable m_xCond;
-  std::unique_ptr<void, CRelease> m_apHandle[3];  // released with the task when set
+  std::unique_ptr<void, CRelease> m_apHandle[3];  // freed with the task if set
   Parts m_pParts;
 };

@@ -1,4 +1,4 @@
-// Importers of the alarm sections; each stands under its attribute tables.
+// Importers of the alarm sections, each below its attribute tables.
 #include "config/Config_Task.h"
 
 constexpr stAttr<stAlarm> kAlarm[] = {
@@ -50,7 +50,7 @@ int CConfig_Task::Import_stSpeed(TiXmlElement* pElem, stConfig* pDst) {
 
 namespace {
 
-// Deliberate: a temperature is read as a whole number and only kept as a float.
+// Deliberate: a temperature is read as a whole number although it is kept as a float.
 template <auto M>
 int StoreWholeDegrees(stTempAlarmItem& rec, const char* pszText) {
   rec.*M = static_cast<float>(TextToInt(pszText));

@@ -1,4 +1,4 @@
-// Importers of the recorder's own sections; each stands under its attribute tables.
+// Importers of the recorder's own sections, each below its attribute tables.
 #include <algorithm>
 #include <cstdio>
 
@@ -84,7 +84,7 @@ int CConfig_Task::Import_stVersion(TiXmlElement* pElem, stConfig* pDst) {
 
 namespace {
 
-// Keeps what stands between "Revision:" and the line's end in a modem's identification text.
+// Keeps the text between "Revision:" and the end of the line in a modem's identification text.
 int StoreRevision(stSystemInfo& rec, const char* pszText) {
   static constexpr char kMark[] = "Revision:";
   memset(rec.ATI, 0, sizeof(rec.ATI));

@@ -1,4 +1,4 @@
-// Importers of the network sections; each stands under its attribute tables.
+// Importers of the network sections, each below its attribute tables.
 #include "config/Config_Task.h"
 
 constexpr stAttr<stNetWorkMode> kNetWorkMode[] = {

@@ -1,4 +1,4 @@
-// Importers of recording, snapshots and export; each stands under its attribute tables.
+// Importers of recording, snapshots and export, each below its attribute tables.
 #include "config/Config_Task.h"
 
 constexpr stAttr<stRecord> kRecord[] = {

@@ -1,4 +1,4 @@
-// Importers of the vehicle and of what is wired to the recorder; each stands under its tables.
+// Importers of the vehicle and of the devices wired to the recorder, each below its tables.
 #include "CBB/Util/OtherFun.h"
 #include "config/Config_Task.h"
 
@@ -51,7 +51,8 @@ int CConfig_Task::Import_stPower(TiXmlElement* pElem, stConfig* pDst) {
 
 namespace {
 
-// Takes whole bytes; a text with other characters, or of more bytes than the block has, leaves it.
+// Stores whole bytes. A text with other characters, or with more bytes than the block, leaves it
+// unchanged.
 int StoreReserveData(stReserve& rec, const char* pszText) {
   const size_t nDigits = strlen(pszText) & ~size_t{1};
   int nLen = sizeof(rec.ucReserveData);

@@ -1,4 +1,4 @@
-// Importers of picture and streams; each stands under its attribute tables.
+// Importers of picture and streams, each below its attribute tables.
 #include "config/Config_Task.h"
 
 constexpr stAttr<stVideoMirrorItem> kVideoMirrorItem[] = {
@@ -14,7 +14,7 @@ int CConfig_Task::Import_stVideoMirror(TiXmlElement* pElem, stConfig* pDst) {
 
 namespace {
 
-// A region's corner goes down to a multiple of 16.
+// A region's corner is rounded down to a multiple of 16.
 template <auto M>
 int StoreRoiCorner(stVideoItem& rec, const char* pszText) {
   Store<M>(rec, pszText);
@@ -22,7 +22,8 @@ int StoreRoiCorner(stVideoItem& rec, const char* pszText) {
   return 0;
 }
 
-// Deliberate: a region's size goes up to a multiple of 16, and one that is a multiple grows by 16.
+// Deliberate: a region's size is rounded up to the next multiple of 16; an exact multiple grows by
+// 16.
 template <auto M>
 int StoreRoiSize(stVideoItem& rec, const char* pszText) {
   Store<M>(rec, pszText);

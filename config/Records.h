@@ -1,6 +1,6 @@
 // The composite configuration record: one member per section of the device application's
-// configuration, named after the record's type with "Info" behind it. Plain values: it is zeroed,
-// filled by one importer and copied out section by section. About seven kilobytes.
+// configuration, named after the record's type plus "Info". Plain values: it is zeroed, filled by
+// one importer and copied out section by section. About seven kilobytes.
 #pragma once
 
 #include "config/RecordsAlarm.h"

@@ -1,6 +1,5 @@
-// Records of alarms: inputs, linkage, speed, temperature, acceleration and video analysis. The
-// service queries none of them. Plain values without ownership; a field is named after its XML
-// attribute.
+// Records of alarms: inputs, linkage, speed, temperature, acceleration and video analysis. No
+// endpoint queries them. Plain values without ownership; a field is named after its XML attribute.
 #pragma once
 
 #include <cstdint>

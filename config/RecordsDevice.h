@@ -7,7 +7,7 @@
 
 // Identity, time zone, daylight saving, positioning and disk options.
 struct stBaseInfo {
-  char strFD_DeviceNo[16];  // 5 to 12 characters; an import with another length is rejected
+  char strFD_DeviceNo[16];  // 5 to 12 characters; an import with any other length is rejected
   uint8_t ucFD_TimeZone;
   uint8_t ucFD_TZAdjust;
   uint8_t ucFD_DstEnable;
@@ -26,7 +26,7 @@ struct stBaseInfo {
 };
 static_assert(sizeof(stBaseInfo) == 56);
 
-// One account of the browser's users.
+// One account of a browser user.
 struct stUserItem {
   uint8_t ucFD_UserStatus;
   char strFD_UserName[16];
@@ -74,13 +74,13 @@ struct stVersion {
 };
 static_assert(sizeof(stVersion) == 260);
 
-// Live status, as of the reply.
+// Live status at the time of the reply.
 struct stSystemInfo {
   uint8_t GpsExist;
   char GpsPos[64];
   uint8_t GNetExist;
   char IMEI[32];
-  char ATI[64];  // only the module's revision out of the modem's identification text
+  char ATI[64];  // only the revision from the modem's identification text
   uint8_t SimExist;
   char IMSI[64];
   char ICCID[64];

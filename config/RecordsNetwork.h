@@ -1,7 +1,7 @@
 // Records of the recorder's network side: modes, mobile network, Wi-Fi, wired address, platform
 // servers. Plain values without ownership. A field is named after its XML attribute; a text field
 // always keeps a terminating NUL, except the GB28181 identifiers. Addresses are in network byte
-// order when they came as dotted text, else the number that was sent.
+// order when they came as dotted text, otherwise they are the number that was sent.
 #pragma once
 
 #include <cstdint>

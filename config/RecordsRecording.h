@@ -1,5 +1,5 @@
-// Records of recording, snapshots, export and timed recording. The service queries none of them.
-// Plain values without ownership; a field is named after its XML attribute.
+// Records of recording, snapshots, export and timed recording. No endpoint queries them. Plain
+// values without ownership; a field is named after its XML attribute.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +42,7 @@ struct stExport {
 };
 static_assert(sizeof(stExport) == 4);
 
-// Two recording periods of one day.
+// The two recording periods of a day.
 struct stTimingRecItem {
   uint8_t ucRT1Type;
   uint8_t ucRT2Type;

@@ -1,5 +1,5 @@
-// Records of the vehicle and of what is wired to the recorder: registration, serial ports, pan-tilt
-// heads, power, reserved bytes, network cameras. The service queries none of them. Plain values
+// Records of the vehicle and of the devices wired to the recorder: registration, serial ports,
+// pan-tilt heads, power, reserved bytes, network cameras. No endpoint queries them. Plain values
 // without ownership; a field is named after its XML attribute.
 #pragma once
 
@@ -51,7 +51,7 @@ struct stPower {
 static_assert(sizeof(stPower) == 16);
 
 struct stReserve {
-  uint8_t ucReserveData[128];  // out of hexadecimal text
+  uint8_t ucReserveData[128];  // from hexadecimal text
 };
 static_assert(sizeof(stReserve) == 128);
 

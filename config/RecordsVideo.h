@@ -1,5 +1,5 @@
-// Records of picture and streams: mirror, main and sub stream, and the crop and overlay sections
-// that the service does not query. Plain values without ownership; a field is named after its XML
+// Records of picture and streams: mirror, main and sub stream, and the crop and overlay sections,
+// which no endpoint queries. Plain values without ownership; a field is named after its XML
 // attribute.
 #pragma once
 
@@ -26,7 +26,7 @@ struct stVideoItem {
   uint32_t uiFD_DisableAudio;
   uint32_t uiFD_DisableVideo;
   uint32_t uiFD_EnableROI;
-  uint32_t ucFD_ROI_X;  // Deliberate: 32 bits wide in spite of the prefix; so are the next three.
+  uint32_t ucFD_ROI_X;  // Deliberate: 32 bits wide despite the prefix; so are the next three.
   uint32_t ucFD_ROI_Y;
   uint32_t ucFD_ROI_Wight;
   uint32_t ucFD_ROI_Height;

@@ -12,7 +12,7 @@
 
 float TextToFloat(const char* pszText) {
   const double dValue = atof(pszText);
-  // Converting a number beyond the float's range is undefined.
+  // Converting a number outside the float's range is undefined.
   if (dValue > FLT_MAX) return INFINITY;
   if (dValue < -FLT_MAX) return -INFINITY;
   return static_cast<float>(dValue);

@@ -24,15 +24,15 @@ namespace {
 constexpr char kBroadcastIp[] = "255.255.255.255";
 constexpr char kBroadcastIf[] = "eth0";
 constexpr int kSendBufSize = 307200;
-// Far more datagrams than a receive buffer holds: who sends faster than they are discarded must not
-// hold the thread for ever.
+// Far more datagrams than a receive buffer holds. A sender that is faster than the discarding must
+// not block the thread forever.
 constexpr int kFlushMax = 65536;
 constexpr int kPromptMs = 2;
 
-// The address as the diagnostics show it: a 32-bit number in memory order.
+// The address as diagnostics show it: a 32-bit number in memory order.
 unsigned AddrNumber(const sockaddr_in& addr) { return addr.sin_addr.s_addr; }
 
-// Whether an answer comes so soon that the wait for it is none: nothing has to be prepared then.
+// Whether an answer comes so soon that BeforeWait is not worth calling.
 bool HasAnswered(int nSock) {
   pollfd look{nSock, POLLIN, 0};
   return poll(&look, 1, kPromptMs) != 0;
@@ -69,7 +69,7 @@ int CUdpCtrlSocket::OpenCtrlSocket() {
 
 int CUdpCtrlSocket::CreateSocket() {
   m_nSock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  // A descriptor that does not fit into a set for select is of no use.
+  // A descriptor that does not fit into select's set is of no use.
   if (m_nSock >= FD_SETSIZE) {
     CloseCtrlSocket();
     errno = EMFILE;
@@ -102,8 +102,8 @@ int CUdpCtrlSocket::CloseCtrlSocket() {
   return 0;
 }
 
-// Discards what waits in the socket, so that a late reply to an earlier request is not taken for
-// the reply to the next.
+// Discards what is waiting in the socket, so that a late reply to an earlier request is not
+// mistaken for the reply to the next.
 void CUdpCtrlSocket::FlushStale() {
   if (m_nSock < 0) return;
   for (int i = 0; i < kFlushMax; ++i) {
@@ -126,7 +126,7 @@ int CUdpCtrlSocket::FillDestination(sockaddr_in& dst) const {
     return 0;
   }
   uint32_t uiAddr = 0;
-  // Deliberate: always this interface, not the one that the socket is bound to.
+  // Deliberate: always this interface, not the one to which the socket is bound.
   if (GetIfBrdAddr(kBroadcastIf, uiAddr)) {
     printf("CUdpCtrlSocket::SendDataToHost, get IfBrdAddr failed.\n");
     return -1;
@@ -150,7 +150,7 @@ int CUdpCtrlSocket::SendDataToHost(const void* pData, int nLen) {
   return -1;
 }
 
-// Returns 0 when a datagram waits, -1 for a failure, -2 when the time is up.
+// Returns 0 when a datagram is waiting, -1 for a failure, -2 when the time is up.
 int CUdpCtrlSocket::WaitReadable(int nTimeoutSec) const {
   int nReady = -1;
   fd_set readable;
@@ -172,24 +172,25 @@ int CUdpCtrlSocket::WaitReadable(int nTimeoutSec) const {
 int CUdpCtrlSocket::RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec) {
   assert(pBuf);
   if (const int nRet = WaitReadable(nTimeoutSec)) return nRet;
-  // On the heap: the thread's stack has 128 KiB.
+  // On the heap: the thread's stack is only 128 KiB.
   const std::unique_ptr<uint8_t[]> pWork(new (std::nothrow) uint8_t[kReplyMax]);
   if (pWork == nullptr) return -1;
   sockaddr_in from{};
   socklen_t nFromLen = sizeof(from);
-  // Not waiting: a datagram with a bad checksum is announced and then is not there.
+  // Non-blocking: select announces a datagram with a bad checksum, but recvfrom does not deliver
+  // it.
   const ssize_t nGot = recvfrom(m_nSock, pWork.get(), kReplyMax, MSG_DONTWAIT,
                                 reinterpret_cast<sockaddr*>(&from), &nFromLen);
   if (nGot < 1) return -1;
   return TakeDatagram(from, pWork.get(), static_cast<int>(nGot), pBuf, nLen);
 }
 
-// Hands a received datagram over to the caller if sender and length are right.
+// Passes a received datagram to the caller if sender and length are right.
 int CUdpCtrlSocket::TakeDatagram(const sockaddr_in& from, const void* pData, int nGot, void* pBuf,
                                  int& nLen) const {
   const std::string strFrom = AddressText(from.sin_addr.s_addr);
   const int nFromPort = ntohs(from.sin_port);
-  // Deliberate: only the port decides, the address is shown.
+  // Deliberate: only the port is checked; the address is only shown.
   if (nFromPort != m_usDstPort) {
     printf(
         "CUdpCtrlSocket::RecvDataFromHost, failed, get data peer net info not match[%s  VS %s], "

@@ -1,23 +1,23 @@
-// The datagram endpoint towards the device application: one object per exchange, bound to a fixed
-// local port, sending to a fixed destination and waiting a bounded time for one reply.
+// The UDP endpoint towards the device application: one object per exchange, bound to a fixed local
+// port, which sends to a fixed destination and waits a limited time for one reply.
 //
-// An object belongs to one thread. It owns its socket. Failures print a line and return; only the
-// sender's port is checked, by design.
+// An object belongs to one thread and owns its socket. Failures print a line and return. By design
+// only the sender's port is checked.
 #pragma once
 
 #include <netinet/in.h>
 
 #include <cstdint>
 
-// The longest datagram that is received whole, in bytes.
+// The longest datagram that can be received whole, in bytes.
 constexpr int kReplyMax = 30000;
 
 class CUdpCtrlSocket {
  public:
   // Opens the socket at once; a failure is printed and shows as a failed send later. The address is
-  // dotted IPv4 text (31 characters kept), "255.255.255.255" means broadcast when ucBroadcast is
-  // set. The socket is bound to usLocalPort (0: any) on the address of the interface (11 characters
-  // kept), or on any address when the interface has none. Ports in host order.
+  // dotted IPv4 text (at most 31 characters); "255.255.255.255" means broadcast when ucBroadcast is
+  // set. The socket is bound to usLocalPort (0: any) on the address of the interface (at most 11
+  // characters), or on any address when the interface has none. Ports in host order.
   CUdpCtrlSocket(const char* pszDstIp, uint16_t usDstPort, uint16_t usLocalPort,
                  uint8_t ucBroadcast, const char* pszIfName);
   // Closes the socket if one is open.
@@ -35,8 +35,8 @@ class CUdpCtrlSocket {
 
   // Waits up to nTimeoutSec seconds for one datagram from the destination's port. nLen gives the
   // room in pBuf and receives the number of bytes; no terminator is added. Returns 0; -1 for a
-  // failure, a sender with another port or a datagram beyond the room or empty; -2 when the time
-  // is up. Buffer and nLen are touched on success only.
+  // failure, a sender with another port, or a datagram that is empty or does not fit; -2 when the
+  // time is up. The buffer and nLen change only on success.
   int RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec);
 
  private:

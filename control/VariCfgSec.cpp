@@ -19,7 +19,7 @@ constexpr char kResult[] = "Result";
 constexpr uint8_t kBroadcast = 1;
 constexpr size_t kResultSize = 512;
 
-// The source lines that the traces of a query name.
+// The line numbers in the traces of a query.
 constexpr char kLineQueryStart[] = "461";
 constexpr char kLineQueryDone[] = "477";
 
@@ -34,11 +34,11 @@ int ActionCode(const char* pszAction) {
   return nCode;
 }
 
-// The check of a parsed message, with CheckMessage's results.
+// Checks a parsed message; returns what CheckMessage does.
 int FindRoot(TiXmlDocument& doc, TiXmlElement*& pRoot) {
   TiXmlElement* const pFound = doc.FirstChildElement(kRoot);
   if (pFound == nullptr) return -2;
-  // Deliberate: the lines name the classifier, whoever asks for the check.
+  // Deliberate: the lines name the classifier, whichever function makes the check.
   const TiXmlAttribute* const pAttr = pFound->FirstAttribute();
   if (pAttr == nullptr) {
     printf("CWebCtrl::GetParaCmdType, get first pAttribute failed.\n");
@@ -62,7 +62,7 @@ int GetParaInfoByCmd(const char* pszDevIp, uint16_t usDevPort, const char* pszRe
   if (const int nRet = sock.SendDataToHost(pszRequest, static_cast<int>(strlen(pszRequest))))
     return nRet;
   if (sock.RecvDataFromHost(pReply, nCapacity, kDeviceTimeoutSec)) return -1;
-  // The rest of a longer request may stand behind the reply in the same buffer.
+  // The rest of a longer request may follow the reply in the same buffer.
   pReply[nCapacity] = '\0';
   Print({"FUN:", __func__, ", LINE:", kLineQueryDone, ".\n"});
   return 0;
@@ -71,7 +71,7 @@ int GetParaInfoByCmd(const char* pszDevIp, uint16_t usDevPort, const char* pszRe
 int SetParaInfoByCmd(CUdpCtrlSocket& sock, const char* pszMsg, int nLen, int& nResult,
                      int nTimeoutSec) {
   if (const int nRet = sock.SendDataToHost(pszMsg, nLen)) return nRet;
-  // On the heap: the thread's stack has 128 KiB.
+  // On the heap: the thread's stack is only 128 KiB.
   const std::unique_ptr<char[]> pReply(new (std::nothrow) char[kReplyMax + 1]());
   if (pReply == nullptr) return -1;
   int nReplyLen = kReplyMax;

@@ -8,21 +8,21 @@
 
 namespace {
 
-// The parser steps over a terminator that a cut multi-byte sequence promises to contain; no
-// sequence is longer than this.
+// A cut multi-byte sequence makes the parser step over the terminator; no sequence is longer than
+// this.
 constexpr size_t kPadding = 8;
 
 bool HasUtf8Mark(const char* pszText) { return strncmp(pszText, "\xEF\xBB\xBF", 3) == 0; }
 
-// Measures nesting with the parser's own lexical functions, so that both see the same tags in
-// every encoding. Only elements are taken apart here, in a loop; the rest cannot nest. Good for one
+// Measures nesting with the parser's own lexical functions, so that both see the same tags in every
+// encoding. It parses only elements, in a loop; other nodes cannot nest. One object measures one
 // text.
 class CDepthProbe : private TiXmlDocument {
  public:
-  // True when the parser would go deeper than kXmlDepthMax. Where the parser stops with an error,
-  // the measuring may stop too.
+  // True when the parser would recurse deeper than kXmlDepthMax. Measuring may stop where the
+  // parser stops with an error.
   bool IsTooDeep(const char* pszText);
-  // The text without what is inside of its outermost elements.
+  // The text without the content of its outermost elements.
   std::string Outermost(const char* pszText);
 
  private:
@@ -46,7 +46,7 @@ bool CDepthProbe::IsTooDeep(const char* pszText) {
   const char* p = Begin(pszText);
   while (p != nullptr && *p && m_nDeepest <= kXmlDepthMax) {
     p = Step(p);
-    // Not in one call with the step, which may have learnt the encoding.
+    // Not in the same call as the step, which may have found the encoding.
     p = SkipWhiteSpace(p, m_encoding);
   }
   return m_nDeepest > kXmlDepthMax;
@@ -58,7 +58,7 @@ std::string CDepthProbe::Outermost(const char* pszText) {
   while (p != nullptr && *p) {
     const bool bInside = m_nDepth > 0;
     const char* const pNext = Step(p);
-    // Behind what the parser stops at, nothing matters.
+    // After the point where the parser stops nothing matters.
     if (!bInside) strOutermost.append(p, pNext != nullptr ? pNext : p + strlen(p));
     if (!bInside && m_nDepth > 0 && pNext != nullptr)
       strOutermost.insert(strOutermost.size() - 1, "/");
@@ -101,7 +101,7 @@ const char* CDepthProbe::OpenElement(const char* p) {
   return nullptr;
 }
 
-// Steps over an end tag. Its name is not compared: the parser stops at a wrong one.
+// Steps over an end tag. Its name is not checked: the parser stops at a wrong one.
 const char* CDepthProbe::CloseElement(const char* p) {
   --m_nDepth;
   TIXML_STRING name;
@@ -109,7 +109,7 @@ const char* CDepthProbe::CloseElement(const char* p) {
   return p != nullptr && *p == '>' ? p + 1 : nullptr;
 }
 
-// A first declaration fixes the encoding of what follows, by the parser's rule.
+// The first declaration sets the encoding of what follows, by the parser's rule.
 void CDepthProbe::LearnEncoding(TiXmlNode& node) {
   const TiXmlDeclaration* const pDecl = node.ToDeclaration();
   if (pDecl == nullptr || m_encoding != TIXML_ENCODING_UNKNOWN) return;
@@ -119,10 +119,9 @@ void CDepthProbe::LearnEncoding(TiXmlNode& node) {
   m_encoding = bUtf8 ? TIXML_ENCODING_UTF8 : TIXML_ENCODING_LEGACY;
 }
 
-// The first ">" from behind a start tag's "<", or null when it might be part of a value. It is not
-// when only double quotes stand before it, and those in pairs: a quote that neither opens nor
-// closes a value stops the parser, and so does all else here that is no tag, so no element is
-// missed.
+// The first ">" after a start tag's "<", or null when it might be part of a value. It is not when
+// only paired double quotes come before it. A quote that neither opens nor closes a value stops the
+// parser, and so does anything else here that is not a tag, so no element is missed.
 const char* PlainTagEnd(const char* p) {
   const char* const pEnd = strchr(p, '>');
   if (pEnd == nullptr || memchr(p, '\'', static_cast<size_t>(pEnd - p)) != nullptr) return nullptr;
@@ -136,8 +135,8 @@ const char* PlainTagEnd(const char* p) {
 
 bool BeginsName(char c) { return c == '_' || (c > 0 && isalpha(c) != 0); }
 
-// True when the text is made of elements and text alone, in the plainest form, none nested too
-// deep: what a device really sends is passed here without building anything.
+// True when the text consists of plain elements and text, none nested too deeply. What devices
+// really send passes here without building anything.
 bool IsPlainAndFlat(const char* pszText) {
   if (HasUtf8Mark(pszText)) return false;
   int nDepth = 0;
@@ -160,7 +159,7 @@ bool IsPlainAndFlat(const char* pszText) {
 int ParseXml(TiXmlDocument& doc, const char* pszText) {
   assert(pszText);
   doc.Clear();
-  // Nobody asks for rows and columns, and older builds of the parser count them without end in a
+  // Rows and columns are never used, and older builds of the parser loop forever counting them in a
   // text that is cut inside a character.
   doc.SetTabSize(0);
   const size_t nLen = strlen(pszText);
@@ -185,7 +184,7 @@ std::string OutermostXml(const char* pszText) {
 size_t RootTagLength(const char* pszText) {
   if (pszText[0] != '<' || !BeginsName(pszText[1])) return 0;
   const char* const pEnd = PlainTagEnd(pszText + 1);
-  // A reference without its end is looked for in what follows.
+  // The parser looks for the end of an unfinished reference in what follows.
   if (pEnd == nullptr || memchr(pszText, '&', static_cast<size_t>(pEnd - pszText)) != nullptr)
     return 0;
   return static_cast<size_t>(pEnd - pszText) + 1;

@@ -1,4 +1,4 @@
-// The failing end of ENC_ASSERT.
+// What ENC_ASSERT calls on failure.
 #include "encoding/Assert.h"
 
 #include <stdio.h>

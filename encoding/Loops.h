@@ -1,5 +1,5 @@
-// The two loops of the conversions, bytes to code points and back. One thread, the caller's
-// buffers.
+// The two loops of the conversions, bytes to code points and back. They use the caller's buffers
+// only.
 #pragma once
 
 #include <stdint.h>
@@ -9,9 +9,9 @@
 
 #include "encoding/Turns.h"
 
-// pfnOne(const char*, uint32_t*) converts one character and returns the bytes it took, or 0.
-// pfnEither does the same without a branch for ASCII and the commonest others, 0 for what it leaves
-// to pfnOne; it may read nMax bytes.
+// pfnOne(const char*, uint32_t*) converts one character and returns the bytes it consumed, or 0.
+// pfnEither does the same without a branch for ASCII and the most common other characters, and
+// returns 0 for what it leaves to pfnOne; it may read nMax bytes.
 template <int nMax, class F, class G>
 int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, int* nMembOut, F pfnOne,
                  G pfnEither) {
@@ -46,8 +46,8 @@ int ToCodePoints(const char* pInput, ptrdiff_t nLen, uint32_t* pOutput, int* nMe
 }
 
 // pfnOne(uint32_t, char*) writes one character of at most nMax bytes and returns their number or 0.
-// pfnEither does the same without a branch for ASCII and the commonest others, 0 for what it leaves
-// to pfnOne; it may write nMax bytes.
+// pfnEither does the same without a branch for ASCII and the most common other characters, and
+// returns 0 for what it leaves to pfnOne; it may write nMax bytes.
 template <int nMax, class F, class G>
 int FromCodePoints(const uint32_t* pInput, char* pOutput, int* nMembOut, F pfnOne, G pfnEither) {
   static_assert(sizeof(wchar_t) == sizeof(uint32_t));

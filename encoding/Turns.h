@@ -1,6 +1,6 @@
-// How a text is gone through fast whatever it is made of: runs of ASCII are copied in blocks, and
-// where ASCII and other characters take turns at random, characters are converted without a branch.
-// For the loops of the conversions only; nothing here keeps anything.
+// Makes conversion fast for every kind of text: runs of ASCII are copied in blocks, and where ASCII
+// and other characters alternate at random, characters are converted without a branch. For the
+// loops of the conversions only; nothing here keeps state.
 #pragma once
 
 #include <stddef.h>
@@ -10,10 +10,9 @@ inline uint32_t ByteAt(const char* pText, ptrdiff_t nIndex) {
   return static_cast<unsigned char>(pText[nIndex]);
 }
 
-// Copies the ASCII characters at the front, at most nMost of them, from bytes to code points or the
-// other way; returns their number. Configurations are mostly runs of ASCII, and blocks of this
-// length, looked at and then copied, are what a compiler makes vectors of. Unit is the type of the
-// input without its sign.
+// Copies the leading ASCII characters, at most nMost of them, from bytes to code points or back;
+// returns their number. Configurations are mostly runs of ASCII, and compilers vectorise blocks of
+// this length that are checked and then copied. Unit is the unsigned type of the input.
 template <class Unit, class TIn, class TOut>
 inline ptrdiff_t CopyAscii(const TIn* __restrict pInput, ptrdiff_t nMost,
                            TOut* __restrict pOutput) {
@@ -32,15 +31,15 @@ inline ptrdiff_t CopyAscii(const TIn* __restrict pInput, ptrdiff_t nMost,
   return n;
 }
 
-// Where ASCII and other characters take turns at random, a processor guesses every second turn
-// wrong, and a wrong guess costs more than a character. Then a burst of characters is converted
-// without a guess, each as if it were of either kind.
+// Where ASCII and other characters alternate at random, the processor mispredicts every second
+// branch, and a misprediction costs more than a character. Then a burst of characters is converted
+// without branches, each as if it were of either kind.
 constexpr int kBurst = 32;            // characters
-constexpr int kManyTurns = 8;         // within a burst: the next is a burst, too
+constexpr int kManyTurns = 8;         // this many in a burst: the next one is a burst, too
 constexpr ptrdiff_t kShortTurn = 12;  // input units from one run of ASCII to the next
 constexpr int kShortTurns = 3;        // in a row: a burst begins
 
-// Notes where runs of ASCII begin; tells when the turns have become short.
+// Notes where runs of ASCII begin and detects when they have become short.
 class CTurns {
  public:
   bool AreShort(ptrdiff_t nIn) {
@@ -54,8 +53,8 @@ class CTurns {
   int m_nShort = 0;
 };
 
-// Converts bursts by pfnEither(pInput, pOutput), which returns the units taken or written, or 0 for
-// what it leaves to others. fnFits tells whether one more burst fits; fnStep moves on.
+// Converts bursts with pfnEither(pInput, pOutput), which returns the units consumed or written, or
+// 0 for what it leaves to others. fnFits says whether one more burst fits; fnStep moves on.
 template <class Fits, class Step>
 void Burst(Fits fnFits, Step fnStep) {
   for (int nTurns = kManyTurns; nTurns >= kManyTurns && fnFits();) {
@@ -70,10 +69,10 @@ void Burst(Fits fnFits, Step fnStep) {
   }
 }
 
-// All bits when the unit is no ASCII, else none.
+// All bits set when the unit is not ASCII, otherwise none.
 inline uint32_t NotAscii(uint32_t uiUnit) { return 0U - static_cast<uint32_t>(uiUnit >= 0x80); }
 
-// Takes the bits of one where the mask is set, of the other where it is not.
+// Selects the bits of one where the mask is set, of the other where it is not.
 inline uint32_t Choose(uint32_t uiMask, uint32_t uiIfSet, uint32_t uiIfNot) {
   return (uiIfSet & uiMask) | (uiIfNot & ~uiMask);
 }

@@ -1,5 +1,5 @@
-// alg_table: the functions that need not be fast. An entry that is removed from a chain is kept for
-// the next put; the block of entries only grows.
+// alg_table: the functions that need not be fast. An entry removed from a chain is kept for the
+// next put; the block of entries only grows.
 #include "encoding/alg_table.h"
 
 #include <stdlib.h>
@@ -11,7 +11,7 @@
 namespace {
 
 constexpr uint32_t kPrimes[] = {509, 509, 1021, 2053, 4093, 8191, 16381, 32771, 65521, 2147483647};
-constexpr uint32_t kFirstRoomMax = 65536;  // a hint is no promise: do not believe a huge one
+constexpr uint32_t kFirstRoomMax = 65536;  // a hint is not a promise: do not trust a huge one
 
 inline uint32_t BucketOf(const alg_table* pTable, uint32_t uiKey) {
   return TableBucket(pTable, pTable->pfnHash(uiKey));
@@ -121,7 +121,7 @@ uint32_t Table_remove(alg_table* pTable, uint32_t uiKey) {
   uint32_t uiEntry = Find(pTable, uiKey, &uiPrevious);
   if (uiEntry == 0) return 0;
   const uint32_t uiValue = pTable->pEntries[uiEntry].uiValue;
-  if (uiPrevious == 0) {  // a bucket: the next of the chain moves up into it
+  if (uiPrevious == 0) {  // a bucket: the next entry of the chain moves into it
     const uint32_t uiNext = pTable->pEntries[uiEntry].uiNext;
     pTable->pEntries[uiEntry] = pTable->pEntries[uiNext];
     uiEntry = uiNext;

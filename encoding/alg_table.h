@@ -12,8 +12,8 @@
 // Returns 0 when the keys are equal, anything else when not. A key always equals itself: identical
 // keys are found without asking.
 using TableCompare = int (*)(uint32_t uiLeft, uint32_t uiRight);
-// Any value; keys that compare equal must have the same one. 16 bits are enough for every bucket
-// count that a table can have, and make the bucket of a hash cheap to find.
+// Any value; keys that compare equal must have the same one. 16 bits are enough for every possible
+// bucket count and make a hash's bucket cheap to find.
 using TableHash = uint16_t (*)(uint32_t uiKey);
 // Called by Table_map for every entry; may change *pValue, may not put or remove.
 using TableVisit = void (*)(uint32_t uiKey, uint32_t* pValue, void* pArg);
@@ -24,14 +24,14 @@ struct stTableEntry {
   uint32_t uiNext;  // index of the next entry of the chain, 0 at its end
 };
 
-// Read the members if you like; only the functions below write them.
+// The members may be read; only the functions below write them.
 struct alg_table {
   uint32_t uiBuckets;     // their count, a prime
   uint32_t uiReciprocal;  // 2^32 / uiBuckets, rounded up
   TableCompare pfnCmp;
   TableHash pfnHash;
   stTableEntry* pEntries;  // 0 stays empty, 1 to uiBuckets are the buckets, then the chained ones
-  uint32_t uiUsed;         // entries handed out so far, those three kinds together
+  uint32_t uiUsed;         // entries used so far, all three kinds together
   uint32_t uiRoom;         // entries allocated
   uint32_t uiFree;         // chain of chained entries that were removed
   int nLength;             // keys in the table
@@ -39,8 +39,8 @@ struct alg_table {
 };
 
 // A new empty table for about nHint entries (0 and up; more may be put). It has 509 buckets for a
-// hint below 510, else the prime before the first one of 509, 1021, 2053, 4093, 8191, 16381, 32771,
-// 65521, 2147483647 that is not below the hint. Null without memory.
+// hint below 510, otherwise the prime before the first one of 509, 1021, 2053, 4093, 8191, 16381,
+// 32771, 65521, 2147483647 that is not below the hint. Null without memory.
 alg_table* Table_new(int nHint, TableCompare pfnCmp, TableHash pfnHash);
 
 // Frees *ppTable with all its entries and sets it to null.
@@ -61,7 +61,7 @@ inline uint32_t Table_get(const alg_table* pTable, uint32_t uiKey);
 // -2: no memory, the table is as before.
 int64_t Table_put(alg_table* pTable, uint32_t uiKey, uint32_t uiValue);
 
-// Takes the key out. Returns its value, 0 when the table has none.
+// Removes the key. Returns its value, 0 when the table has none.
 uint32_t Table_remove(alg_table* pTable, uint32_t uiKey);
 
 // Calls pfnApply(key, &value, pArg) for every entry, in no order to rely on.
@@ -78,9 +78,9 @@ inline uint32_t TableBucket(const alg_table* pTable, uint16_t usHash) {
   return 1 + usHash - static_cast<uint32_t>(ullProduct >> 32) * pTable->uiBuckets;
 }
 
-// Whether the bucket or the entry behind it has the key cannot be predicted, and a wrong guess
-// costs more than the lookup. So which one it is must be computed (a conditional move), not
-// branched upon.
+// Whether the bucket or the entry after it has the key cannot be predicted, and a misprediction
+// costs more than the lookup. So the choice must be computed (a conditional move) rather than
+// branched on.
 template <TableHash kHash>
 inline uint32_t Table_get(const alg_table* pTable, uint32_t uiKey) {
   ENC_ASSERT(pTable, "table");

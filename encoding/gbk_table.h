@@ -1,6 +1,6 @@
-// The GBK forward table: code page 936 from 0x8140 to 0xFE4F, one entry a code, no gaps, so that
-// the entry of code c stands at index c - kGbkFirst. Constant data, safe from every thread.
-// The numbers are in gbk_table.inc, which tools/gbk_table writes; never edit that file by hand.
+// The GBK forward table: code page 936 from 0x8140 to 0xFE4F, one entry per code without gaps, so
+// that code c is at index c - kGbkFirst. Constant data; any thread. The numbers are in
+// gbk_table.inc, which tools/gbk_table writes; never edit that file by hand.
 #pragma once
 
 #include <stdint.h>

@@ -1,7 +1,7 @@
 // The conversions. Each direction is an inline single-character function; the exported one adds the
 // assertions (a compiler must not inline an exported function into position-independent code), and
-// the array and string functions run it in one of two loops. Beside it stands one named Either...,
-// which converts without a branch ASCII and the commonest others: see Turns.h.
+// the array and string functions run it in one of two loops. Each has a twin named Either..., which
+// converts ASCII and the most common other characters without a branch: see Turns.h.
 #include "encoding/unicode_utf-8.h"
 
 #include <stddef.h>
@@ -30,8 +30,7 @@ inline int GbkPair(uint32_t uiGbk, uint32_t* pUcs) {
   return 2;
 }
 
-// The byte behind a lead byte is read without a look at the length: at the end it is the
-// terminator.
+// The byte after a lead byte is read without checking the length: at the end it is the terminator.
 inline int GbkCharacter(const char* pInput, uint32_t* pUcs) {
   const uint32_t uiLead = ByteAt(pInput, 0);
   return GbkPair(uiLead << 8 | (uiLead < 0x80 ? 0 : ByteAt(pInput, 1)), pUcs);
@@ -47,7 +46,7 @@ inline int EitherGbk(const char* pInput, uint32_t* pUcs) {
 
 inline bool Continues(uint32_t uiByte) { return (uiByte & 0xC0) == 0x80; }
 
-// The sequences of four to six bytes, seldom seen.
+// The sequences of four to six bytes, which are rare.
 int LongUtf8Character(const char* pInput, uint32_t* pUnic) {
   const uint32_t uiLead = ByteAt(pInput, 0);
   const int nLen = uiLead < 0xF8 ? 4 : uiLead < 0xFC ? 5 : 6;
@@ -63,8 +62,8 @@ int LongUtf8Character(const char* pInput, uint32_t* pUnic) {
   return nLen;
 }
 
-// One sequence; *pUnic is only written on success. Three bytes, as all of Chinese has, come first.
-// Deliberate: overlong forms and surrogates pass.
+// One sequence; *pUnic is only written on success. Three bytes come first, because all of Chinese
+// needs them. Deliberate: overlong forms and surrogates pass.
 inline int Utf8Character(const char* pInput, uint32_t* pUnic) {
   const uint32_t uiLead = ByteAt(pInput, 0);
   if ((uiLead & 0xF0) == 0xE0) {
@@ -92,7 +91,7 @@ inline int EitherUtf8(const char* pInput, uint32_t* pUnic) {
   return static_cast<int>(1 + (uiMask & 2));
 }
 
-// One code point of two bytes or of four to six, seldom seen.
+// One code point of two bytes or of four to six, which are rare.
 int PutOtherUtf8(uint32_t uiUnic, char* pOutput) {
   if (uiUnic >= 0x80000000) return 0;
   const int nLen = uiUnic < 0x800 ? 2 : uiUnic < 0x200000 ? 4 : uiUnic < 0x4000000 ? 5 : 6;
@@ -115,7 +114,7 @@ inline int PutUtf8Character(uint32_t uiUnic, char* pOutput) {
   return 3;
 }
 
-// Behind ASCII, what was there stays.
+// The bytes after an ASCII character keep their values.
 inline int PutEitherUtf8(uint32_t uiUnic, char* pOutput) {
   const uint32_t uiMask = NotAscii(uiUnic);
   if (((uiUnic - 0x800) & uiMask) >= 0x10000 - 0x800) return 0;
@@ -156,7 +155,8 @@ inline int PutGbkCharacter(uint32_t uiUnic, char* pOutput) {
   return nLen;
 }
 
-// For ASCII it looks up any code point that is there. Behind ASCII, what was there stays.
+// ASCII looks up some code point that is in the table and ignores the result. The byte after it
+// keeps its value.
 inline int PutEitherGbk(uint32_t uiUnic, char* pOutput) {
   constexpr uint32_t kThere = 0x4E00;
   if (tab_UCS2_to_GBK == nullptr) return 0;
@@ -221,7 +221,7 @@ int enc_stc_unicode_to_GBK_init() {
   if (tab_UCS2_to_GBK == nullptr) return 0;
   for (const stGbkCode& code : kGbkTable) {
     if (code.usUcs2 == kGbkUnassigned) continue;
-    // Deliberate: the table stays in use as far as it is filled.
+    // Deliberate: the table stays in use, filled as far as it got.
     if (Table_put(tab_UCS2_to_GBK, code.usUcs2, code.usGbk) != -1) return 0;
   }
   return 1;

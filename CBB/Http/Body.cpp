@@ -59,13 +59,13 @@ ssize_t CBody::SendTo(int nSock) {
   const ssize_t nSent =
       m_pLent != nullptr ? m_pLent->SendTo(nSock, m_nAt, m_nLeft) : SendCopy(nSock);
   if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
-  if (nSent == 0) return -1;  // there should be more
+  if (nSent == 0) return -1;  // the file should be longer
   Skip(static_cast<size_t>(nSent));
   return nSent;
 }
 
-// Copied, as what sendfile lends to the socket would go on changing with the file. 0 when that has
-// changed.
+// Copied: pages that sendfile lends to the socket would go on changing with the file. 0 when the
+// file has changed.
 ssize_t CBody::SendCopy(int nSock) {
   static char s_buffer[kMostAtOnce];
   const size_t nWanted = std::min(m_nLeft, kMostAtOnce);

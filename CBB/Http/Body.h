@@ -1,6 +1,5 @@
-// What a reply consists of behind its head when that is a file: text that others share, in memory
-// or in pages that the system lends to sockets, or an open file. An object belongs to one
-// connection.
+// The body of a reply that is a file: text shared with other replies, in memory or in pages that
+// the system lends to sockets, or an open file. An object belongs to one connection.
 #pragma once
 
 #include <sys/types.h>
@@ -16,13 +15,13 @@ class CBody {
  public:
   CBody() = default;  // nothing
 
-  // A part of a text: nSize bytes from nAt on.
+  // A part of a text: nSize bytes starting at nAt.
   CBody(std::shared_ptr<const std::string> pText, size_t nAt, size_t nSize);
 
   CBody(std::shared_ptr<const CLentText> pLent, size_t nAt, size_t nSize);
 
-  // A part of an open file, which is closed with the object. Once the file is another one than at
-  // changed, no byte of it is sent any more.
+  // A part of an open file, which is closed with the object. Once the file differs from its state
+  // at changed, no more of it is sent.
   CBody(int nFd, off_t nAt, off_t nSize, timespec changed);
 
   CBody(CBody&& other) noexcept { Swap(other); }
@@ -38,18 +37,17 @@ class CBody {
   bool HoldsFile() const { return m_nFd >= 0; }
   bool IsInMemory() const { return m_pText != nullptr; }
 
-  // The bytes of a text that nobody else has any more.
+  // The bytes of a text that only this object still holds.
   size_t Held() const;
 
-  // Of a text in memory: where what is left begins.
+  // For a text in memory: where the unsent part begins.
   const char* Text() const { return m_pText->data() + m_nAt; }
 
-  // nSize bytes of what is left were sent.
+  // Notes that nSize more bytes were sent.
   void Skip(size_t nSize);
 
-  // Of anything else: sends some of what is left to the socket. Returns how much; 0 when the socket
-  // takes nothing now; -1 when nothing more can come, as the client is gone or the file has
-  // changed.
+  // For anything else: sends part of the rest to the socket. Returns how much; 0 when the socket is
+  // full; -1 when the rest cannot be sent because the client is gone or the file has changed.
   ssize_t SendTo(int nSock);
 
  private:

@@ -10,7 +10,7 @@
 
 namespace {
 
-// The lines of one name together, as one list.
+// All lines with one name, joined into one list.
 std::string FieldList(const http_message& msg, std::string_view name) {
   std::string strList;
   for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
@@ -22,8 +22,8 @@ std::string FieldList(const http_message& msg, std::string_view name) {
   return strList;
 }
 
-// A number in front of text, which loses it; false for none. One that is beyond every file's size
-// counts as the largest.
+// Takes a number off the front of text; false if there is none. A number above any file's size
+// counts as the largest one.
 bool TakeNumber(std::string_view& text, size_t& nValue) {
   constexpr size_t kLargest = std::numeric_limits<size_t>::max() / 16;
   const size_t nDigits = std::min(text.find_first_not_of("0123456789"), text.size());
@@ -34,7 +34,8 @@ bool TakeNumber(std::string_view& text, size_t& nValue) {
   return nDigits != 0;
 }
 
-// Whether a list of entity tags has one, or is "*". bWeak: a weak tag counts as its strong one.
+// Whether a list of entity tags contains the tag or is "*". bWeak: weak and strong tags compare
+// equal.
 bool HasTag(std::string_view list, std::string_view tag, bool bWeak) {
   if (list == "*") return true;
   while (!list.empty()) {
@@ -60,7 +61,7 @@ bool HasPrecondition(const http_message& msg) {
   return false;
 }
 
-// 200 to go on, else 304 or 412.
+// 200 to continue, otherwise 304 or 412.
 int JudgePreconditions(http_message& msg, const stRepresentation& file) {
   if (!HasPrecondition(msg)) return 200;
   const std::string match = FieldList(msg, "If-Match");
@@ -73,7 +74,7 @@ int JudgePreconditions(http_message& msg, const stRepresentation& file) {
   return since != -1 && file.modified <= since ? 304 : 200;
 }
 
-// The range goes with another version of the file.
+// The range belongs to another version of the file.
 bool IsRangeOutdated(http_message& msg, const stRepresentation& file) {
   const std::string_view wanted = FieldValue(msg, "If-Range");
   if (wanted.empty()) return false;
@@ -101,7 +102,7 @@ stSelection SelectRange(std::string_view range, size_t nSize) {
   return {206, nFirst, std::min(bFirst && bLast ? nLast + 1 : nSize, nSize) - nFirst};
 }
 
-// Among the parameters of an element of Accept-Encoding is a weight of nothing.
+// Whether the parameters of an Accept-Encoding element include a weight of 0.
 bool IsRefused(std::string_view parameters) {
   while (!parameters.empty()) {
     parameters.remove_prefix(1);  // the semicolon

@@ -1,5 +1,5 @@
-// What of a file a request wants: all of it, a part, or only to know that it has not changed. No
-// I/O, no state. Any thread.
+// How much of a file a request asks for: all of it, a part, or only whether it has changed. No I/O,
+// no state. Any thread.
 #pragma once
 
 #include <mongoose.h>
@@ -8,7 +8,7 @@
 #include <ctime>
 #include <string_view>
 
-// One form of a file as clients know it.
+// One form of a file as clients identify it.
 struct stRepresentation {
   std::string_view tag;  // entity tag, with its quotation marks
   time_t modified;
@@ -21,23 +21,23 @@ struct stSelection {
   size_t nSize;
 };
 
-// Judges the conditional and range fields of a GET or HEAD request, in the order that HTTP gives
-// them. A date that cannot be read, a range of several parts, and one that is malformed count as
-// absent. Other methods get all of the file.
+// Evaluates the conditional and range fields of a GET or HEAD request in the order that HTTP
+// prescribes. An unreadable date, a malformed range and a range of several parts count as absent.
+// Other methods get the whole file.
 stSelection Select(http_message& msg, const stRepresentation& file);
 
-// Whether the client takes a file packed by gzip: its Accept-Encoding names it, or "*", without a
-// weight of 0.
+// Whether the client accepts gzip: its Accept-Encoding names "gzip" or "*" with a weight above 0.
 bool AcceptsGzip(http_message& msg);
 
-// The value of a field, or nothing.
+// The value of a field, or empty.
 std::string_view FieldValue(http_message& msg, const char* pszName);
 
-// A date of one of HTTP's three forms in seconds since the epoch, or -1.
+// Parses a date in one of HTTP's three forms into seconds since the epoch; -1 if it is none of
+// them.
 time_t ParseHttpDate(std::string_view text);
 
-// The longest text that FormatHttpDate makes, with its end.
+// The longest text that FormatHttpDate writes, terminator included.
 constexpr size_t kHttpDateSize = 64;
 
-// Puts a time as HTTP writes it, terminated, into pszText (kHttpDateSize bytes).
+// Writes a time in HTTP's form, terminated, into pszText (kHttpDateSize bytes).
 void FormatHttpDate(time_t time, char* pszText);

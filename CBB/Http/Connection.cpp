@@ -19,7 +19,7 @@ constexpr size_t kMostAtOnce = 1U << 20;  // sent before others have their turn
 
 std::string_view Text(const mbuf& buffer) { return {buffer.buf, buffer.len}; }
 
-// A reply to HEAD ends with its head, however many the endpoint gives.
+// A reply to HEAD ends with its head, however many replies the endpoint writes.
 void CutBody(mbuf& sent, size_t nFrom) {
   const size_t nHead = Text(sent).find("\r\n\r\n", nFrom);
   if (nHead != std::string_view::npos) sent.len = nHead + 4;
@@ -59,7 +59,7 @@ void CConnection::OnReadable() {
   }
 }
 
-// Others have their turn before more of this client's bytes are received.
+// Other clients get their turn before more of this client's bytes are received.
 void CConnection::OnReceived() {
   Advance();
   m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len;
@@ -78,7 +78,7 @@ void CConnection::OnEndOfStream() {
   }
 }
 
-// Looks at what has arrived, once nothing of an earlier reply is left.
+// Handles what has arrived once the earlier reply has been sent in full.
 void CConnection::Advance() {
   if (m_state == State::kReading || m_state == State::kHungUp) {
     if (m_request.State() == Reading::kPartial) {
@@ -133,7 +133,7 @@ void CConnection::Refuse(int nStatus) {
   Send();
 }
 
-// A close while bytes arrive would reset the connection, and the client lose the reply.
+// Closing while bytes arrive would reset the connection, and the client would lose the reply.
 void CConnection::Part() {
   if (m_bEnded) {
     Close();
@@ -171,7 +171,7 @@ void CConnection::Serve() {
   if (m_state == State::kReading) m_state = State::kAnswering;
   Answer();
   const bool bAnswered = !AllSent();
-  // The library ends a reply without a length so.
+  // This is how the library ends a reply without a length.
   const bool bEnds = (m_conn.flags & MG_F_SEND_AND_CLOSE) != 0;
   m_conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
   m_request.Clear();
@@ -195,7 +195,7 @@ void CConnection::Answer() {
   if (m_request.IsHead()) CutBody(m_conn.send_mbuf, 0);
 }
 
-// What is to be sent may have a gap when memory was short: then no byte of it leaves.
+// If memory was short the reply may have a gap: then none of it is sent.
 void CConnection::Send() {
   size_t nTotal = 0;
   while (!AllSent() && nTotal < kMostAtOnce) {
@@ -211,7 +211,7 @@ void CConnection::Send() {
 
 void CConnection::Watch() { m_host.Events().Want(m_conn, WantsBytes(), !AllSent(), false); }
 
-// How many bytes have left: 0 when the socket takes none, -1 when the client is gone.
+// The number of bytes sent: 0 when the socket is full, -1 when the client is gone.
 ssize_t CConnection::SendSome() {
   mbuf& head = m_conn.send_mbuf;
   if (m_body.Left() == 0) {
@@ -223,7 +223,7 @@ ssize_t CConnection::SendSome() {
   return head.len == 0 && !m_body.IsInMemory() ? m_body.SendTo(m_conn.sock) : SendWithBody();
 }
 
-// The head and a text in one piece; the head before a file, which follows at once.
+// Head and text in one call; before a file only the head, and the file follows at once.
 ssize_t CConnection::SendWithBody() {
   mbuf& head = m_conn.send_mbuf;
   const bool bText = m_body.IsInMemory();

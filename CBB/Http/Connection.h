@@ -1,7 +1,7 @@
-// One client's connection: its state, the request that arrives on it, the reply that leaves, and
-// its end. Turns.h draws the states; what may happen is decided there and nowhere else. An object
-// lives from the library's accept event to its close event and is owned by the library's record of
-// the connection. HTTP server thread only.
+// One client's connection: its state, the incoming request, the outgoing reply, and its end.
+// Turns.h draws the states and decides what may happen. An object lives from the library's accept
+// event to its close event and is owned by the library's record of the connection. HTTP server
+// thread only.
 #pragma once
 
 #include <mongoose.h>
@@ -16,18 +16,18 @@
 
 class CConnection;
 
-// What a connection needs of the server that it belongs to.
+// What a connection needs from its server.
 class CHost {
  public:
-  // A request has arrived whole: its client gets a turn. Once until the turn has come.
+  // A complete request has arrived: its client gets a turn. Called once per turn.
   virtual void Enqueue(CConnection& conn) = 0;
 
-  // All is said: the connection is closed at its PartMs, if it is not before.
+  // The exchange is over: the connection is closed at its PartMs at the latest.
   virtual void Parting(CConnection& conn) = 0;
 
   virtual CEvents& Events() = 0;
-  virtual uint64_t NowMs() const = 0;   // of a clock that nobody sets
-  virtual uint64_t NextUse() = 0;       // a number larger than all before
+  virtual uint64_t NowMs() const = 0;   // of a clock that cannot be set
+  virtual uint64_t NextUse() = 0;       // larger than every number before
   virtual http_message& Message() = 0;  // for the request that is being answered
 
  protected:
@@ -40,32 +40,32 @@ class CConnection {
   CConnection(const CConnection&) = delete;
   CConnection& operator=(const CConnection&) = delete;
 
-  // The object of one of the library's connections that a server has accepted.
+  // The object that belongs to an accepted connection of the library.
   static CConnection& Of(const mg_connection& conn);
 
-  // What happens to it: the socket has bytes; the library has received some; the socket takes
-  // bytes; the client sends no more.
+  // Events: the socket is readable; the library has received bytes; the socket is writable; the
+  // client has ended its stream.
   void OnReadable();
   void OnReceived();
   void OnWritable();
   void OnEndOfStream();
 
-  // Its turn has come: hands the request over to the service's handler. The reply leaves by Send.
+  // Its turn has come: passes the request to the service's handler. Send sends the reply.
   void Serve();
 
-  // Sends what the socket takes, within bounds, and goes on once all has left.
+  // Sends what the socket accepts, up to a limit, and continues once everything is sent.
   void Send();
 
-  // Within the handler of a request: whether the client would go on using the connection.
+  // Inside a request's handler: whether the client wants to keep the connection.
   bool KeepsOpen() const { return m_request.KeepsOpen(); }
 
-  // Within the handler of a request: what is to be sent behind what stands in the send buffer then.
+  // Inside a request's handler: sets the body to send after the current content of the send buffer.
   void SetBody(CBody body) { m_body = std::move(body); }
 
-  // Takes it out of everything; the server closes it.
+  // Removes it from every list; the server closes it.
   void Close();
 
-  // It has said all, and the client has had its time to read it.
+  // The last reply is sent, and the client has had its time to read it.
   bool IsLate(uint64_t nNowMs) const { return m_nPartMs != 0 && nNowMs >= m_nPartMs; }
   uint64_t PartMs() const { return m_nPartMs; }
 
@@ -73,13 +73,13 @@ class CConnection {
     return {m_bServed, nNowMs - m_nAcceptMs, nNowMs - m_nUsedMs, m_nLastUse};
   }
 
-  // What it holds for its client: bytes of memory, open files.
+  // What it holds for its client: memory in bytes, open files.
   size_t Held() const;
   size_t HeldFiles() const { return m_body.HoldsFile() ? 1 : 0; }
 
   mg_connection& Library() { return m_conn; }
 
-  // The server's queue of turns, and what it has counted of it.
+  // Its link in the server's queue of turns, and what the server has counted for it.
   CConnection* pNext = nullptr;
   bool bQueued = false;
   size_t nHeldCounted = 0;
@@ -108,8 +108,8 @@ class CConnection {
   CBody m_body;
   bool m_bContinued = false;  // the client was told to send the body of this request
   bool m_bServed = false;
-  bool m_bEnded = false;   // the client sends no more
-  bool m_bSilent = false;  // its last request got no answer, and nothing more does
+  bool m_bEnded = false;   // the client has ended its stream
+  bool m_bSilent = false;  // its last request gets no answer, and no later one does
   uint64_t m_nAcceptMs;
   uint64_t m_nUsedMs;
   uint64_t m_nLastUse;

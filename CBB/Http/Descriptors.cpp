@@ -13,12 +13,12 @@
 
 namespace {
 
-// Streams, listener, poll object, lent texts, an exchange, a file about to be sent, the newest
-// client.
+// Standard streams, listener, poll object, lent texts, an exchange, a file about to be sent, the
+// newest client.
 constexpr int kOtherDescriptors = 12;
 constexpr int kFirstClient = 32;
 
-// The lowest number for a client: as low as can be where no number is too high for select.
+// The lowest number for a client; 0 where no number is too high for select.
 int FirstClient() { return DescriptorLimit() > FD_SETSIZE ? kFirstClient : 0; }
 
 void OpenClosedStreams() {
@@ -27,8 +27,8 @@ void OpenClosedStreams() {
   if (nFd > STDERR_FILENO) close(nFd);
 }
 
-// The mode belongs to the open file, which other processes may share: a pipe is opened a second
-// time where that is allowed, so that only this process's writes change. A socket cannot be.
+// The mode belongs to the open file, which other processes may share. So a pipe is opened a second
+// time where possible, and only this process's writes change. A socket cannot be reopened.
 void StopWaitingForReader(int nFd) {
   char szPath[32];
   snprintf(szPath, sizeof(szPath), "/proc/self/fd/%d", nFd);

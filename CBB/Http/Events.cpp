@@ -17,7 +17,7 @@ CEvents* g_pEvents = nullptr;  // of the manager that is being initialised
 
 }  // namespace
 
-// What the library calls. Everything else is its own interface's.
+// What the library calls. The rest comes from its own interface.
 struct stEventCalls {
   static CEvents& Of(mg_iface* pIface) { return *static_cast<CEvents*>(pIface->data); }
 
@@ -44,7 +44,7 @@ struct stEventCalls {
     if (!Of(pConn->iface).Add(*pConn)) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
   }
 
-  // An orderly end is the watcher's to judge: the library would close.
+  // The watcher decides what an orderly end means: the library would close at once.
   static int Receive(mg_connection* pConn, void* pBuf, size_t nSize) {
     if (nSize == 0) return 0;  // no memory for the buffer
     const ssize_t nGot = recv(pConn->sock, pBuf, nSize, 0);
@@ -69,7 +69,7 @@ struct stEventCalls {
 void CEvents::InitManager(mg_mgr& mgr) {
   static const mg_iface_vtable s_table = stEventCalls::Table();
   g_pEvents = this;
-  // Other managers of the process go on having the library's own interface.
+  // Other managers in the process keep the library's own interface.
   const mg_iface_vtable* const pOwn = mg_ifaces[MG_MAIN_IFACE];
   mg_ifaces[MG_MAIN_IFACE] = &s_table;
   mg_mgr_init(&mgr, nullptr);
@@ -93,7 +93,7 @@ bool CEvents::Add(const mg_connection& conn) {
   return epoll_ctl(m_nPoll, EPOLL_CTL_ADD, conn.sock, &event) == 0;
 }
 
-// The socket is closed next, which takes it out of the poll object.
+// The socket is closed next, which removes it from the poll object.
 void CEvents::Forget(const mg_connection& conn) {
   for (int i = 0; i < m_nEvents; ++i) {
     if (m_events[i].data.ptr == &conn) m_events[i].data.ptr = nullptr;
@@ -112,8 +112,9 @@ void CEvents::Want(const mg_connection& conn, bool bReadable, bool bWritable, bo
   epoll_ctl(m_nPoll, EPOLL_CTL_MOD, conn.sock, &event);
 }
 
-// All that there is, before anybody has a turn: a reset must not wait behind other clients' bytes.
-// The system hands sockets out in turns, so that as many looks as there are sockets see each once.
+// Collects every event before anybody has a turn: a reset must not wait behind other clients'
+// bytes. The system reports ready sockets in rotation, so as many calls as there are sockets see
+// each one.
 void CEvents::Poll(int nTimeoutMs) {
   size_t nLooks = m_wanted.size() / kMaxEvents + 1;
   do {
@@ -134,7 +135,7 @@ void CEvents::Tell(mg_connection& conn, const epoll_event& event, int nAt) {
     Accept(conn);
     return;
   }
-  // Behind an orderly end there may be bytes to read: left in the socket they would reset it.
+  // There may be unread bytes before an orderly end; left in the socket they would cause a reset.
   const bool bEnded = (event.events & (EPOLLHUP | EPOLLIN)) == EPOLLHUP;
   if ((event.events & EPOLLERR) != 0 || bEnded) {
     m_watcher.Broken(conn);
@@ -145,8 +146,8 @@ void CEvents::Tell(mg_connection& conn, const epoll_event& event, int nAt) {
   if (bStillThere && (event.events & EPOLLOUT) != 0) m_watcher.Writable(conn);
 }
 
-// None while memory is short: all clients that are there then are disconnected, and one that comes
-// back at once belongs to those behind.
+// Accepts none while memory is short: all present clients are about to be disconnected, and one
+// that reconnects at once must queue behind those that wait.
 void CEvents::Accept(mg_connection& listener) {
   for (int i = 0; i < kMaxAccepts && !IsMemoryShort(); ++i) {
     socket_address address{};

@@ -1,6 +1,6 @@
-// The HTTP library's event interface over epoll: sockets that nothing happens to cost nothing,
-// however many there are, and a client's reset is known as soon as it arrives. What happens is told
-// to one watcher, which does the rest with the library's own calls. One thread.
+// The HTTP library's event interface over epoll: idle sockets cost nothing, however many there are,
+// and a client's reset is noticed as soon as it arrives. One watcher is told of every event and
+// does the rest with the library's own calls. One thread.
 #pragma once
 
 #include <mongoose.h>
@@ -9,15 +9,15 @@
 #include <cstdint>
 #include <vector>
 
-// What may happen to a socket. A connection that is closed meanwhile is told nothing more.
+// What may happen to a socket. A connection that has been closed gets no more events.
 class CWatcher {
  public:
   virtual void Accepted(mg_connection& conn) = 0;
-  virtual void CannotAccept() = 0;  // no descriptor, or no memory, for a client that waits
+  virtual void CannotAccept() = 0;  // no descriptor or no memory for a waiting client
   virtual void Readable(mg_connection& conn) = 0;
   virtual void Writable(mg_connection& conn) = 0;
-  virtual void EndOfStream(mg_connection& conn) = 0;  // while being read
-  virtual void Broken(mg_connection& conn) = 0;       // reset, or closed from both sides
+  virtual void EndOfStream(mg_connection& conn) = 0;  // during a read
+  virtual void Broken(mg_connection& conn) = 0;       // reset, or closed by both sides
 
  protected:
   ~CWatcher() = default;
@@ -29,13 +29,13 @@ class CEvents {
   CEvents(const CEvents&) = delete;
   CEvents& operator=(const CEvents&) = delete;
 
-  // Initialises mgr as a manager over this interface, which must outlive its use. The system's poll
-  // object is made with the first socket and closed with the manager, so that a manager that gets
-  // no socket leaves nothing open.
+  // Initialises mgr as a manager over this interface, which must outlive it. The epoll object is
+  // created with the first socket and closed with the manager, so a manager that never gets a
+  // socket leaves nothing open.
   void InitManager(mg_mgr& mgr);
 
-  // What the watcher wants to be told of a connection from now on, beside a break, which is always
-  // told. bExactly: not even once more what is not wanted; else what is not wanted may still come.
+  // Sets which events of a connection the watcher wants from now on; a break is always reported.
+  // bExactly: unwanted events stop at once; otherwise they may still be reported.
   void Want(const mg_connection& conn, bool bReadable, bool bWritable, bool bExactly);
 
  private:
@@ -51,7 +51,7 @@ class CEvents {
 
   CWatcher& m_watcher;
   int m_nPoll = -1;
-  int m_nEvents = 0;  // of the poll under way
+  int m_nEvents = 0;  // of the current poll
   epoll_event m_events[kMaxEvents];
   std::vector<uint32_t> m_wanted;  // by socket
 };

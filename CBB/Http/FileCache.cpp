@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr size_t kMaxFiles = 256;  // that are kept
-constexpr int kMostTries = 3;      // to read a file that changes meanwhile
+constexpr size_t kMaxFiles = 256;  // files kept
+constexpr int kMostTries = 3;      // attempts to read a file that keeps changing
 
 bool IsSame(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
@@ -29,8 +29,8 @@ uint32_t Hash(std::string_view text) {
   return uiHash;
 }
 
-// As the HTTP library makes them, told apart by form and by what the library does not look at: two
-// versions of a page often have one length, and one date where a package gives it.
+// Like the HTTP library's tags, plus the form and what the library ignores: two versions of a page
+// often have the same length, and the same date if a package sets it.
 std::string MakeTag(const stForm& form, const char* pszForm) {
   const struct stat& stat = form.stat;
   const uint32_t uiVersion =
@@ -49,7 +49,7 @@ std::string MakeDate(time_t time) {
   return szDate;
 }
 
-// All of a file; false when it is shorter than it was.
+// Reads a whole file; false when it has become shorter.
 bool ReadAll(int nFd, std::string& strText) {
   for (size_t nAt = 0; nAt < strText.size();) {
     const ssize_t nGot = pread(nFd, &strText[nAt], strText.size() - nAt, static_cast<off_t>(nAt));
@@ -59,7 +59,7 @@ bool ReadAll(int nFd, std::string& strText) {
   return true;
 }
 
-// Reads a form of one version: what it was before and after the reading is the same.
+// Reads one form of one version: the file is the same before and after reading.
 bool ReadForm(int nFd, const char* pszForm, stForm& form) {
   for (int i = 0; i < kMostTries; ++i) {
     if (fstat(nFd, &form.stat) != 0) return false;
@@ -86,7 +86,7 @@ bool IsNotOlder(const struct stat& packed, const struct stat& plain) {
   return packed.st_mtime >= plain.st_mtime;
 }
 
-// A packed form is kept whole or not taken.
+// A packed form is kept whole or not used.
 void AddPacked(stFile& file) {
   const COwnedFd fd(OpenForReading(PackedPath(file).c_str()));
   if (fd.Get() < 0) return;
@@ -97,7 +97,7 @@ void AddPacked(stFile& file) {
   file.packed.pLent = nullptr;
 }
 
-// Whether a form is still what was looked at; bThere: whether it was there at all.
+// Whether a form is unchanged since the last check; bThere: whether it existed then.
 bool IsUnchanged(const std::string& strPath, const stForm& form, bool bThere) {
   const COwnedFd fd(OpenForReading(strPath.c_str()));
   struct stat now {};

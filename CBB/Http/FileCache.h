@@ -1,5 +1,5 @@
-// The files of the document root as they are sent: read once, and again when they have changed.
-// What was looked at in the same second of the clock counts as unchanged. HTTP server thread only.
+// The files of the document root as they are sent: read once, and again when they have changed. A
+// file that was checked in the same second counts as unchanged. HTTP server thread only.
 #pragma once
 
 #include <sys/stat.h>
@@ -13,11 +13,11 @@
 
 #include "CBB/Http/LentText.h"
 
-// The texts of all files together, and of one.
+// Limits for the texts of all files together, and of one file.
 constexpr size_t kMaxCacheBytes = 1U << 20;
 constexpr size_t kMaxCachedFile = 256U << 10;
 
-// From this size on lending pages to a socket is cheaper than copying a text into it.
+// From this size on it is cheaper to lend pages to a socket than to copy the text.
 constexpr size_t kLentFrom = 16U << 10;
 
 // One form of a file, plain or packed.
@@ -25,7 +25,7 @@ struct stForm {
   struct stat stat {};
   std::string strTag;       // entity tag, with its quotation marks
   std::string strModified;  // as HTTP writes it
-  // The content, one way or the other; neither: too large to be kept.
+  // The content in one of two forms; neither when it is too large to keep.
   std::shared_ptr<const std::string> pText;
   std::shared_ptr<const CLentText> pLent;
 
@@ -34,13 +34,13 @@ struct stForm {
 };
 
 struct stFile {
-  std::string strUri;  // as it is asked for
+  std::string strUri;  // as requested
   std::string strPath;
   std::string strType;  // media type, with its charset
   stForm plain;
-  bool bHasPacked = false;  // a form packed by gzip lies beside it and is not older
+  bool bHasPacked = false;  // a .gz form lies beside it and is not older
   stForm packed;
-  time_t second = 0;  // of the last look
+  time_t second = 0;  // of the last check
   uint64_t nUse = 0;
 
   size_t Bytes() const { return plain.Bytes() + packed.Bytes(); }
@@ -48,16 +48,16 @@ struct stFile {
 
 class CFileCache {
  public:
-  // The file of a URI that was added before, as it is in this second; null when it is not there, is
-  // not the same any more, or may not be opened.
+  // The file for a URI that was added before, valid in this second; null when it is missing, has
+  // changed or may not be opened.
   std::shared_ptr<const stFile> Find(std::string_view uri);
 
-  // Reads the file at strPath, which was opened as nFd (the caller's), with its packed form. Keeps
-  // it under strUri when it is small enough; others go for it, the longest unused first. An empty
-  // strUri is not kept. Returns null when the file changes all the time while it is read.
+  // Reads the file at strPath, open as nFd (which stays the caller's), with its packed form. Keeps
+  // it under strUri when it is small enough, dropping the least recently used files to make room.
+  // An empty strUri is not kept. Returns null when the file keeps changing while it is read.
   std::shared_ptr<const stFile> Add(std::string strUri, std::string strPath, int nFd);
 
-  // The texts that are kept, in bytes.
+  // The size of the texts kept, in bytes.
   size_t Bytes() const { return m_nBytes; }
 
  private:

@@ -23,10 +23,10 @@
 namespace {
 
 constexpr char kAllow[] = "Allow: GET, HEAD, POST, OPTIONS\r\n";
-// What browsers are told of every file and page: ask each time, and believe the media type.
+// What browsers are told about every file and page: revalidate each time, and trust the media type.
 constexpr char kPageFields[] = "Cache-Control: no-cache\r\nX-Content-Type-Options: nosniff";
 constexpr char kPageTypes[] = ".shtml=text/html; charset=utf-8,.shtm=text/html; charset=utf-8";
-// Files below this folder have a hash of their content in their names.
+// Files in this folder have a hash of their content in their names.
 constexpr std::string_view kVersioned = "/assets/";
 constexpr char kVersionedFields[] =
     "Cache-Control: max-age=31536000, immutable\r\nX-Content-Type-Options: nosniff";
@@ -36,21 +36,21 @@ CFileCache g_cache;
 struct stRequest {
   mg_connection& conn;
   http_message& msg;
-  std::string strUri;  // the library changes its own
+  std::string strUri;  // the library changes its copy
   bool bHead;
   bool bKeepsOpen;
 };
 
 std::string_view Text(const mg_str& text) { return {text.p, text.len}; }
 
-// Nothing about it that the library would read in another way.
+// True when nothing in it would be read differently by the library.
 bool IsPlainUri(std::string_view uri) {
   return uri.size() > 1 && uri.front() == '/' && uri.back() != '/' &&
          uri.find('%') == std::string_view::npos && uri.find("//") == std::string_view::npos &&
          uri.find("/.") == std::string_view::npos;
 }
 
-// The date of now, made once a second.
+// The current date, formatted once a second.
 const char* Now() {
   static time_t s_second = -1;
   static char s_szDate[kHttpDateSize];
@@ -59,7 +59,7 @@ const char* Now() {
   return s_szDate;
 }
 
-// The fields that tell where a part belongs.
+// The fields that say where a part belongs.
 std::string RangeField(const stSelection& part, size_t nSize) {
   if (part.nStatus == 416) return "Content-Range: bytes */" + std::to_string(nSize) + "\r\n";
   if (part.nStatus != 206) return {};
@@ -67,7 +67,7 @@ std::string RangeField(const stSelection& part, size_t nSize) {
          std::to_string(part.nAt + part.nSize - 1) + "/" + std::to_string(nSize) + "\r\n";
 }
 
-// The head as the library writes it, and behind it what it does not know of.
+// The head as the library writes it, followed by the fields it does not know.
 void SendHead(const stRequest& request, const stFile& file, const stForm& form, bool bPacked,
               const stSelection& part) {
   const bool bSame = part.nStatus == 304;
@@ -93,7 +93,7 @@ void SendHead(const stRequest& request, const stFile& file, const stForm& form, 
   mg_send(&request.conn, strHead.data(), static_cast<int>(strHead.size()));
 }
 
-// nFd: the open file, which stays the caller's; -1 when its text is in memory.
+// nFd: the open file, which stays the caller's; -1 when the text is in memory.
 void SendFile(const stRequest& request, const stFile& file, int nFd) {
   const bool bRange = !FieldValue(request.msg, "Range").empty();
   const bool bPacked = file.bHasPacked && !bRange && AcceptsGzip(request.msg);
@@ -118,7 +118,7 @@ void SendFile(const stRequest& request, const stFile& file, int nFd) {
   if (bBody) CConnection::Of(request.conn).SetBody(std::move(body));
 }
 
-// The library's messages about includes name files by their whole path.
+// The library's messages about includes contain full paths.
 void HidePaths(mbuf& sent, const char* pszRoot) {
   constexpr std::string_view kDeep = "SSI #include level is too deep";
   constexpr std::string_view kLong = ": SSI tag is too large";
@@ -139,13 +139,14 @@ void HidePaths(mbuf& sent, const char* pszRoot) {
   mbuf_append(&sent, strText.data(), strText.size());
 }
 
-// Of the library's answer; 500 when there is none.
+// The status of the library's answer; 500 when there is none.
 int StatusOf(const std::string& strAnswer) {
   constexpr size_t kAt = sizeof("HTTP/1.1");
   return strAnswer.size() > kAt + 3 ? atoi(strAnswer.substr(kAt, 3).c_str()) : 500;
 }
 
-// To the same path with a slash behind it. Two slashes in front would name another host.
+// Redirects to the same path with a slash at its end. Two slashes at its start would name another
+// host.
 void SendRedirect(const stRequest& request) {
   const std::string& strUri = request.strUri;
   const size_t nPath = strUri.find_first_not_of('/');
@@ -154,8 +155,8 @@ void SendRedirect(const stRequest& request) {
             ReasonPhrase(301), strPath.c_str());
 }
 
-// What the library has answered that is no file: a page with includes stays as it is; of a redirect
-// and of an error only the status is taken.
+// The library's answers other than a file: a page with includes stays as it is; of a redirect or an
+// error only the status is used.
 void SendOther(const stRequest& request, const mg_serve_http_opts& opts) {
   mbuf& sent = request.conn.send_mbuf;
   const std::string strAnswer(sent.buf, sent.len);
@@ -173,7 +174,7 @@ void SendOther(const stRequest& request, const mg_serve_http_opts& opts) {
   }
 }
 
-// The conditional fields and the range are judged here, by today's rules.
+// Conditional fields and ranges are evaluated here, by today's rules.
 void TakeAwayConditions(http_message& msg) {
   for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
     const std::string_view name = Text(msg.header_names[i]);

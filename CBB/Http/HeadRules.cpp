@@ -29,7 +29,7 @@ std::string_view TakeElement(std::string_view& list) {
   return element;
 }
 
-// Exactly "method target HTTP/1.x": the parser also takes more blanks, and other protocols.
+// Exactly "method target HTTP/1.x": the parser also accepts extra spaces and other protocols.
 bool IsRequestLine(const stHead& head) {
   const size_t nTarget = head.method.size() + 1;
   const size_t nVersion = nTarget + head.target.size() + 1;
@@ -51,7 +51,7 @@ bool IsTarget(const stHead& head) {
          host.find('@') == std::string_view::npos;
 }
 
-// 0, or the status for the codings of all Transfer-Encoding lines together.
+// Judges the codings of all Transfer-Encoding lines together: 0, or the status to refuse with.
 int JudgeCodings(const stHead& head) {
   int nLines = 0, nChunked = 0;
   for (size_t i = 0; i < head.nFields; ++i) {
@@ -89,7 +89,7 @@ int JudgeFields(const stHead& head) {
   for (size_t i = 0; i < head.nFields; ++i) {
     const stFieldLine& field = head.pFields[i];
     if (IsSameName(field.name, "Host")) nHosts += IsHost(field.value) ? 1 : 2;
-    // A client of HTTP/1.0 cannot mean it.
+    // HTTP/1.0 has no transfer codings.
     if (head.nMinor > 0 && IsSameName(field.name, "Expect") &&
         !IsSameName(field.value, "100-continue"))
       nStatus = 417;
@@ -97,12 +97,12 @@ int JudgeFields(const stHead& head) {
   return nHosts > 1 ? 400 : nStatus;
 }
 
-// Methods that the parser knows and that ask for something other than an answer.
+// Methods that the parser knows but that ask for something other than a reply.
 bool IsForeignMethod(std::string_view method) {
   return method == "CONNECT" || method == "PRI" || method == "SOURCE";
 }
 
-// "HTTP/d.d" as far as it is there.
+// "HTTP/d.d", as far as it has arrived.
 bool MayBeVersion(std::string_view text) {
   constexpr std::string_view kShape = "HTTP/0.0";
   for (size_t i = 0; i < text.size(); ++i) {

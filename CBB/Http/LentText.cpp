@@ -9,8 +9,8 @@
 
 namespace {
 
-// All texts lie in one file without a name. A place in it is never used again: a socket may still
-// have the pages that were there.
+// All texts lie in one unnamed file. A place in it is never reused: a socket may still hold its
+// pages.
 int g_nFile = -1;
 off_t g_nEnd = 0;
 

@@ -1,5 +1,5 @@
-// Text in pages that the system lends to sockets instead of copying it into them: what lighttpd and
-// others do with a file's own pages, but of a copy that nobody writes to, so that a reply never
+// Text in pages that the system lends to sockets instead of copying them. lighttpd and others do
+// this with a file's own pages; here it is a copy that nobody writes to, so that a reply never
 // mixes two versions of a file. HTTP server thread only.
 #pragma once
 
@@ -11,22 +11,23 @@
 
 class CLentText {
  public:
-  // Opens the file that all texts lie in, so that it does not come with the first of them. Once.
+  // Opens the file that holds all texts, so that the first text does not have to. Call once.
   static void Prepare();
 
-  // A copy of the text, which is not empty; null where the system has no such pages, or no memory.
+  // A copy of the text, which must not be empty; null where the system has no such pages or no
+  // memory.
   static std::shared_ptr<const CLentText> Make(std::string_view text);
 
   CLentText(off_t nAt, size_t nSize) : m_nAt(nAt), m_nSize(nSize) {}
   CLentText(const CLentText&) = delete;
   CLentText& operator=(const CLentText&) = delete;
 
-  // Gives the pages back, once sockets need them no more.
+  // Gives the pages back once no socket needs them.
   ~CLentText();
 
   size_t Size() const { return m_nSize; }
 
-  // Sends some of the nSize bytes from nAt on. As sendfile.
+  // Sends some of the nSize bytes starting at nAt, like sendfile.
   ssize_t SendTo(int nSock, size_t nAt, size_t nSize) const;
 
  private:

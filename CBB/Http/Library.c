@@ -1,4 +1,4 @@
-/* The HTTP library, built for a thread with a stack of 128 KiB, over our memory and our files.
+/* The HTTP library, built for a thread with a stack of 128 KiB, on top of our memory and files.
 
    Pages that include each other nest up to ten levels, each with a buffer of BUFSIZ bytes and two
    of MG_MAX_PATH on the stack: 180 KiB with the C library's sizes. An include's tag is read into
@@ -20,7 +20,7 @@
 #error "an include's tag may be longer than a path"
 #endif
 
-/* The room that a growing send buffer gets in advance does not shrink with it. */
+/* The headroom that a growing send buffer gets is not given back when it shrinks. */
 #undef MBUF_SIZE_MAX_HEADROOM
 #define MBUF_SIZE_MAX_HEADROOM 8192
 
@@ -43,7 +43,7 @@ FILE* LibraryServeFile(struct mg_connection* pConn, struct http_message* pMsg,
 const char* LibraryMediaType(const char* pszPath) {
   struct mg_serve_http_opts opts;
   memset(&opts, 0, sizeof(opts));
-  /* Its types are terminated texts. */
+  /* The library's types are terminated texts. */
   return mg_get_mime_type(pszPath, "text/plain", &opts).p;
 }
 

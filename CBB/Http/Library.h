@@ -1,4 +1,4 @@
-/* The HTTP library, and what it knows and does not tell. Also read as C. HTTP server thread only.
+/* The HTTP library, with access to its private parts. Also read as C. HTTP server thread only.
  */
 #pragma once
 
@@ -16,12 +16,12 @@ struct mg_serve_http_opts;
 /* The library's own event interface. */
 extern const struct mg_iface_vtable mg_socket_iface_vtable; /* NOLINT: its header has none */
 
-/* Closes a connection and frees it. Nothing of the library may be under way for it. */
+/* Closes a connection and frees it. No call of the library may be running for it. */
 void LibraryClose(struct mg_connection* pConn);
 
-/* Lets the library answer a request for a file: mg_serve_http, with what it needs around it. What
-   it answers stands in the connection's send buffer. Returns the file that it would send behind
-   that, at its beginning, which the caller closes; null when the answer is there as a whole. */
+/* Lets the library answer a request for a file: mg_serve_http with the preparation it needs. The
+   answer is in the connection's send buffer. Returns the file that the library would send after
+   that, at its beginning, which the caller closes; null when the answer is complete. */
 FILE* LibraryServeFile(struct mg_connection* pConn, struct http_message* pMsg,
                        const struct mg_serve_http_opts* pOpts);
 

@@ -15,7 +15,7 @@ namespace {
 const char* g_pszFolder = "";
 COpenInside g_inside;
 
-// What the library was last told of a file: it asks three times for each one that it serves.
+// What the library was last told about a file: it asks three times for each file.
 struct {
   char szPath[MG_MAX_PATH];
   cs_stat_t stat;
@@ -32,7 +32,7 @@ void NoteFirst(const char* pszPath, int nFd) {
   fstat(nFd, &g_first.opened.stat);
 }
 
-// An include that cannot be opened leaves its place empty: the library would print the path.
+// An include that cannot be opened leaves its place empty; the library would print the path.
 int OpenInclude() { return open("/dev/null", O_RDONLY | O_CLOEXEC); }
 
 }  // namespace
@@ -73,15 +73,15 @@ FILE* mg_fopen(const char* pszPath, const char* /*pszMode*/) {
   FILE* const pStream = fdopen(nFd, "rb");
   if (pStream == nullptr) {
     close(nFd);
-    NoteMemoryShortage();  // or the page around it would go out without it
+    NoteMemoryShortage();  // otherwise the page would be sent without it
   } else if (!IsPage(pszPath)) {
-    setvbuf(pStream, nullptr, _IONBF, 0);  // read in pieces: a buffer would be one copy more
+    setvbuf(pStream, nullptr, _IONBF, 0);  // read in pieces: a buffer would be one more copy
   }
   return pStream;
 }
 
-// Only a page's own text and its includes are read for the library. A file that is a reply as a
-// whole leaves by other means.
+// Only pages with includes and the files that they include are read for the library. A file that is
+// the whole reply is sent in another way.
 size_t mg_fread(void* pBuf, size_t nSize, size_t nCount, FILE* pFile) {
   return IsPage(g_first.szPath) ? fread(pBuf, nSize, nCount, pFile) : 0;
 }

@@ -1,26 +1,26 @@
-// The files that the HTTP library opens: regular ones inside the document root and no others,
-// wherever a URI, a page's include or a symbolic link leads. They are only ever read. The library
+// The files that the HTTP library opens: only regular ones inside the document root, wherever a
+// URI, a page's include or a symbolic link leads. They are opened for reading only. The library
 // calls mg_stat, mg_fopen, mg_fread and mg_fwrite for them. HTTP server thread only; nothing here
-// throws, as the library's frames lie between.
+// throws, because the library's C frames are on the stack.
 #pragma once
 
 #include <sys/stat.h>
 
 // The first file that was opened for a request.
 struct stOpened {
-  const char* pszPath;  // the library's; empty when none was opened
+  const char* pszPath;  // owned by the library; empty when none was opened
   struct stat stat;
 };
 
-// The next request looks at the file system anew: within one request the library's repeated
-// questions about a file have one answer. pszFolder is the document root, and must outlive the
+// Begins a request, which sees the file system afresh; within one request the library's repeated
+// questions about a file get the same answer. pszFolder is the document root and must outlive the
 // request.
 void BeginFiles(const char* pszFolder);
 
-// What was opened since. Valid until the next BeginFiles.
+// What has been opened since then. Valid until the next BeginFiles.
 const stOpened& OpenedFile();
 
-// Opens a file for reading, if the library could, and returns its descriptor, else -1.
+// Opens a file for reading under the same rules as the library and returns its descriptor, or -1.
 int OpenForReading(const char* pszPath);
 
 // Whether a file is a page with includes, which the library reads itself.

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The library's record of a connection's protocol, one for each open connection, fits a block.
+// The library's protocol record of a connection, one per open connection, fits a block.
 constexpr size_t kBlockSize = 128;
 constexpr size_t kBlocks = 160;
 
@@ -26,7 +26,7 @@ bool IsReserve(const void* pBlock) {
   return nAt >= nBegin && nAt < nBegin + sizeof(g_reserve);
 }
 
-// A zeroed block of the reserve, or null when it is too small or used up.
+// A zeroed block from the reserve, or null when a block is too small or none is left.
 void* TakeReserve(size_t nSize) {
   NoteMemoryShortage();
   if (nSize > kBlockSize) return nullptr;
@@ -48,7 +48,7 @@ void* ReserveCalloc(size_t nCount, size_t nSize) {
   return pBlock != nullptr ? pBlock : TakeReserve(nCount * nSize);
 }
 
-// Grows receive and send buffers only, which never are of the reserve.
+// Only receive and send buffers grow, and they never come from the reserve.
 void* ReserveRealloc(void* pBlock, size_t nSize) {
   void* const pGrown = realloc(pBlock, nSize);
   if (pGrown == nullptr && nSize != 0) NoteMemoryShortage();
@@ -69,8 +69,8 @@ bool IsMemoryShort() { return g_bShort; }
 
 bool TakeMemoryShortage() { return g_bShort.exchange(false); }
 
-// Left alone, the C library keeps what was once freed: large blocks come from the heap of a thread
-// after the first of their size has gone, and stay there.
+// By default the C library keeps freed memory: once a large block has been freed, later ones of its
+// size come from the thread's heap and stay there.
 void PrepareMemory() {
 #ifdef __GLIBC__
   constexpr int kLargeBlock = 128 << 10;

@@ -1,8 +1,8 @@
-// The media types that browsers are told. Any thread.
+// The media types that are sent to browsers. Any thread.
 #pragma once
 
 #include <string>
 
-// The type of a file by the end of its name, with the charset where it is text. The HTTP library's
-// type for names that the pages do not use.
+// The type of a file by its extension, with the charset if it is text. Extensions that the pages do
+// not use get the HTTP library's type.
 std::string MediaType(const std::string& strPath);

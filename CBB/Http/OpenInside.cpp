@@ -13,7 +13,7 @@
 #include "CBB/Util/TextCopy.h"
 
 int COpenInside::Open(const char* pszFolder, const char* pszPath) {
-  // Not waiting for a pipe's writer: it is refused below.
+  // Does not wait for a pipe's writer: a pipe is refused below.
   const int nFd = open(pszPath, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (nFd < 0) return -1;
   LookAtFolder(pszFolder);

@@ -1,4 +1,4 @@
-// Opening the files of one folder and no others, wherever symbolic links lead.
+// Opens files inside one folder only, wherever symbolic links lead.
 #pragma once
 
 #include <sys/stat.h>
@@ -10,14 +10,14 @@
 class COpenInside {
  public:
   // Opens the regular file at pszPath for reading and returns its descriptor, which the caller
-  // closes and no other program inherits. The place where the file really is must be below the one
-  // where pszFolder really is. Both are looked at anew in every second of the clock; a file that
-  // was there passes for the rest of one, as long as it is the same one, unchanged. Else returns -1
-  // with errno: the system's reason, or ENOENT for what must not be opened. Does not wait.
+  // closes and no other program inherits. The file's real path must be below the real path of
+  // pszFolder. Both are checked again every second; within a second an unchanged file passes
+  // without a check. Otherwise returns -1 with errno: the system's reason, or ENOENT for what must
+  // not be opened. Does not block.
   int Open(const char* pszFolder, const char* pszPath);
 
  private:
-  // A file in one state. Asking where it is takes as long as the rest of opening it.
+  // A file in one state. Finding its real path takes as long as the rest of opening it.
   struct stSeen {
     dev_t dev;
     ino_t ino;
@@ -29,7 +29,7 @@ class COpenInside {
   bool IsBelow(int nFd) const;
 
   char m_szGiven[PATH_MAX] = "";
-  char m_szReal[PATH_MAX] = "";  // empty: not there, so nothing is below it
-  time_t m_second = 0;           // of the last look at the folder
+  char m_szReal[PATH_MAX] = "";  // empty: missing, so nothing is below it
+  time_t m_second = 0;           // of the last check of the folder
   stSeen m_seen[32] = {};        // below it, in that second
 };

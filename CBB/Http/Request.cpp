@@ -42,8 +42,8 @@ Reading CRequest::Read(std::string_view received) {
   return m_reading;
 }
 
-// Feeds no further than a limit that does not depend on how the bytes were cut: of the head, of the
-// body, and of what stands between the pieces of a body in chunks, with the lines behind it.
+// Feeds the parser no further than a limit that does not depend on how the bytes were cut: one for
+// the head, one for the body, and one for what stands between the chunks of a body and after it.
 void CRequest::Feed(std::string_view received) {
   stRequestParse& parse = *m_pParse;
   while (m_reading == Reading::kPartial) {
@@ -59,7 +59,7 @@ void CRequest::Feed(std::string_view received) {
     const llhttp_errno_t error = llhttp_execute(&parse.parser, pFrom, nUpTo - parse.nFed);
     if (error == HPE_OK) {
       parse.nFed = nUpTo;
-      // What follows ends the line, or is an error for the parser to see: no extension.
+      // What follows ends the line, or is an error that the parser must see: not an extension.
       if (received[nUpTo - 1] == '\r') parse.bSizeLine = false;
     } else if (error == HPE_PAUSED && !parse.bEnded) {
       parse.nFed = static_cast<size_t>(llhttp_get_error_pos(&parse.parser) - received.data());
@@ -70,8 +70,8 @@ void CRequest::Feed(std::string_view received) {
   }
 }
 
-// Takes the extensions of a chunk, from behind its size up to the line's end, out of what the
-// parser gets: it knows one at a time. Returns whether there were any.
+// Hides a chunk's extensions, from its size to the end of the line, from the parser, which handles
+// only one. Returns whether there were any.
 bool CRequest::SkipExtension(std::string_view received) {
   stRequestParse& parse = *m_pParse;
   const size_t nFirst = received.find_first_not_of(" \t", parse.nFed);
@@ -90,8 +90,8 @@ bool CRequest::SkipExtension(std::string_view received) {
   return true;
 }
 
-// The parser has stopped: at the request's end, at what our rules refuse, or at what it does not
-// take itself. Returns whether that tells what becomes of the request.
+// The parser has stopped: at the request's end, at something our rules refuse, or at something it
+// rejects itself. Returns whether that settles the request.
 bool CRequest::Conclude(int nError) {
   stRequestParse& parse = *m_pParse;
   if (nError == HPE_PAUSED) {
@@ -141,7 +141,7 @@ void CRequest::Fill(char* pReceived, http_message& msg) const {
   size_t nTaken = 0;
   for (size_t i = 0; i < parse.nFields; ++i) {
     const stFieldLine field = parse.Field(i, pReceived);
-    if (field.value.empty()) continue;  // the library's own reading leaves these out as well
+    if (field.value.empty()) continue;  // the library's own parser leaves these out as well
     msg.header_names[nTaken] = ToLibrary(field.name);
     msg.header_values[nTaken++] = ToLibrary(field.value);
   }

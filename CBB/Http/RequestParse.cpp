@@ -7,8 +7,8 @@
 
 namespace {
 
-// What the parser calls. A piece of text may come in several pieces, each where the one before
-// ended. Nothing here throws, as the parser's frames lie between.
+// The parser's callbacks. A text may come in several pieces, each starting where the one before
+// ended. Nothing here throws, because the parser's C frames are on the stack.
 struct stParserCalls {
   using stParse = stRequestParse;
 
@@ -31,11 +31,11 @@ struct stParserCalls {
 
   static int OnVersion(llhttp_t* pParser) {
     if (pParser->http_major != 1) return Refuse(Of(pParser), pParser->http_major == 0 ? 400 : 505);
-    // Behind this one the parser waits for the beginning of another protocol.
+    // After this one the parser waits for another protocol to begin.
     return pParser->method == HTTP_PRI ? Refuse(Of(pParser), 501) : 0;
   }
 
-  // Fields behind a body in chunks are read and forgotten.
+  // Trailer fields of a chunked body are read and dropped.
   static bool IsTrailer(const stParse& parse) { return parse.nHead != 0; }
 
   static int OnFieldName(llhttp_t* pParser, const char* pAt, size_t nSize) {
@@ -66,7 +66,7 @@ struct stParserCalls {
     parse.nHead = nEnd + kEnd.size();
     parse.bHasLength = (pParser->flags & F_CONTENT_LENGTH) != 0;
     parse.bChunked = parse.bSizeLine = (pParser->flags & F_CHUNKED) != 0;
-    pParser->upgrade = 0;  // to another protocol: not here
+    pParser->upgrade = 0;  // upgrades are not supported
     const int nStatus = Judge(parse);
     return nStatus == 0 ? 0 : Refuse(parse, nStatus);
   }
@@ -113,7 +113,7 @@ struct stParserCalls {
     return 0;
   }
 
-  // The line of the next chunk's size is looked at before the parser gets it.
+  // The next chunk's size line is checked before the parser gets it.
   static int OnChunkEnd(llhttp_t* pParser) {
     stParse& parse = Of(pParser);
     if (parse.bLastChunk) return 0;
@@ -121,7 +121,7 @@ struct stParserCalls {
     return HPE_PAUSED;
   }
 
-  // The bytes behind belong to the next request, which has its own reading.
+  // The bytes that follow belong to the next request, which is read separately.
   static int OnEnd(llhttp_t* pParser) {
     Of(pParser).bEnded = true;
     return HPE_PAUSED;
@@ -149,7 +149,7 @@ struct stParserCalls {
 stRequestParse::stRequestParse() {
   static const llhttp_settings_t s_settings = stParserCalls::Settings();
   llhttp_init(&parser, HTTP_REQUEST, &s_settings);
-  // Which versions and codings are taken is decided here, with a status of its own for each.
+  // Our own rules decide which versions and codings are accepted, with a status for each.
   parser.lenient_flags = LENIENT_VERSION | LENIENT_TRANSFER_ENCODING;
   parser.data = this;
 }
@@ -167,7 +167,7 @@ int stRequestParse::LimitStatus() const {
 
 int stRequestParse::RefusalFor(int nError) const {
   if (nRefusal != 0) return nRefusal;
-  // A plain number, but more than the parser can count.
+  // A plain number, but too large for the parser.
   const bool bTooLong = nError == HPE_INVALID_CONTENT_LENGTH &&
                         std::string_view(parser.reason).find("overflow") != std::string_view::npos;
   return bTooLong ? 413 : 400;

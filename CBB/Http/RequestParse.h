@@ -1,4 +1,4 @@
-// The parser at work on one request: what it has found so far, and what it calls. Only CRequest
+// The parser's state for one request: what it has found so far, and its callbacks. Only CRequest
 // uses it. HTTP server thread only.
 #pragma once
 
@@ -20,7 +20,7 @@ struct stSpan {
   std::string_view In(const char* pReceived) const { return {pReceived + usAt, usSize}; }
 };
 
-// A head is short, so two bytes tell where something is in it.
+// A head is short, so two bytes hold an offset in it.
 static_assert(kMaxHeadBytes <= UINT16_MAX, "a span's size");
 
 struct stRequestParse {
@@ -29,15 +29,15 @@ struct stRequestParse {
   stRequestParse& operator=(const stRequestParse&) = delete;
 
   llhttp_t parser;
-  std::string_view received;  // of the call under way
+  std::string_view received;  // of the current call
   size_t nFed = 0;
-  size_t nHead = 0;    // bytes of the head; 0 as long as it is not there as a whole
-  size_t nLength = 0;  // bytes of the whole request, once it is there
+  size_t nHead = 0;    // bytes of the head; 0 until all of it is there
+  size_t nLength = 0;  // bytes of the whole request, once complete
   size_t nBodyEnd = 0;
   int nRefusal = 0;
   bool bHasLength = false;
   bool bChunked = false;
-  bool bSizeLine = false;  // what comes next is a chunk's size, or the rest of its line
+  bool bSizeLine = false;  // next comes a chunk's size or the rest of its line
   bool bLastChunk = false;
   bool bEnded = false;
   bool bExpects = false;
@@ -46,22 +46,22 @@ struct stRequestParse {
   size_t nFields = 0;
   stSpan names[kMaxFieldLines];
   stSpan values[kMaxFieldLines];
-  std::string strBody;  // a body in chunks, without their frames
+  std::string strBody;  // a chunked body without its framing
 
-  // Where feeding stops, however much has arrived: at a limit that does not depend on how the bytes
-  // were cut. And the status for a request that goes on behind it.
+  // Where feeding stops, however much has arrived: a limit that does not depend on how the bytes
+  // were cut. And the status for a request that continues past it.
   size_t Limit() const;
   int LimitStatus() const;
 
-  // The status for a request that the parser has stopped at with this error.
+  // The status for a request that the parser rejected with this error.
   int RefusalFor(int nError) const;
 
-  // How far to feed in one go, up to nEnd: to the head's end, as what follows is judged by it; to
-  // the end of a chunk's size, as its extensions are taken out; and nothing as long as such a line
-  // is not whole.
+  // How far to feed in one call, at most to nEnd: to the end of the head, which decides how the
+  // rest is read; to the end of a chunk's size, whose extensions are skipped; and nothing while
+  // such a line is incomplete.
   size_t UpTo(size_t nEnd) const;
 
-  // The line ends, sizes and fields behind the last byte of a body in chunks.
+  // The bytes of framing (line ends, sizes, trailer fields) after the last byte of a chunk's data.
   std::string_view BehindBody() const;
 
   std::string_view Head(size_t nSize) const { return received.substr(0, nSize); }

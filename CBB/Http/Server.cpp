@@ -16,8 +16,8 @@
 
 namespace {
 
-constexpr uint64_t kRoundMs = 2;          // of requests, before newcomers are looked for
-constexpr size_t kMuchHeld = 1U << 20;    // that is given back once it is free
+constexpr uint64_t kRoundMs = 2;          // of requests, before the network is checked again
+constexpr size_t kMuchHeld = 1U << 20;    // given back once it is free
 constexpr uint64_t kAcceptPauseMs = 100;  // when a client could not be accepted
 
 uint64_t ClockMs() {
@@ -36,7 +36,7 @@ int CServer::Bind(const char* pszAddress) {
   const bool bNoPoll = m_pListener != nullptr && (m_pListener->flags & MG_F_CLOSE_IMMEDIATELY) != 0;
   if (m_pListener == nullptr || bNoPoll) return -1;
   mg_set_protocol_http_websocket(m_pListener);
-  // Requests are read here, and handed on as the library would.
+  // Requests are read here and passed on as the library would.
   m_pListener->proto_handler = &OnEvent;
   m_pListener->user_data = this;
   const int nOn = 1;
@@ -62,7 +62,7 @@ int CServer::Port() const {
 bool CServer::Poll(int nWaitMs) {
   mg_mgr_poll(&m_mgr, WaitMs(nWaitMs));
   m_nNowMs = ClockMs();
-  // Newcomers stand in front of those that have been served.
+  // Newcomers go before those that have been served.
   m_turns.Join(m_further);
   ServeTurns();
   CloseLate();
@@ -96,7 +96,7 @@ void CServer::ServeTurns() {
   m_bServing = false;
 }
 
-// A handler may be under way, so nothing is closed here.
+// A handler may be running, so nothing is closed here.
 void CServer::SendReplies() {
   FlushPrinted();
   while (m_nSent < m_answered.size()) {
@@ -122,7 +122,7 @@ uint64_t CServer::NowMs() const { return ClockMs(); }
 
 void CServer::Parting(CConnection& conn) { m_parting.push_back(&conn); }
 
-// The library's events, in place of its own handler of the protocol, which would read requests.
+// Receives the library's events in place of its own protocol handler, which would read requests.
 void CServer::OnEvent(mg_connection* pConn, int nEvent, void* pData) {
   switch (nEvent) {
     case MG_EV_ACCEPT:
@@ -169,7 +169,7 @@ void CServer::Accepted(mg_connection& conn) {
   MakeRoom();
 }
 
-// Somebody goes for it, or the next try comes later: the listener would wake every poll.
+// Another client is closed to make room, or accepting pauses: the listener would wake every poll.
 void CServer::CannotAccept() {
   if (CloseFirst()) return;
   m_events.Want(*m_pListener, false, false, true);
@@ -193,7 +193,8 @@ void CServer::Broken(mg_connection& conn) {
   Settle(conn);
 }
 
-// After everything that a connection does: closes it when it has ended, counts what it holds.
+// Called after everything that a connection does: closes it when it has ended, counts what it
+// holds.
 void CServer::Settle(mg_connection& conn) {
   if ((conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) {
     LibraryClose(&conn);
@@ -220,7 +221,7 @@ void CServer::CloseLate() {
   m_events.Want(*m_pListener, true, false, true);
 }
 
-// What a crowd of clients has held goes back to the system when they have gone.
+// Memory that a crowd of clients held goes back to the system when they are gone.
 void CServer::ReturnHeld() {
   m_nMostHeld = std::max(m_nMostHeld, m_nHeld);
   if (m_nMostHeld < kMuchHeld || m_nHeld > m_nMostHeld / 4) return;
@@ -233,7 +234,7 @@ void CServer::MakeRoom() {
   }
 }
 
-// Calls pfnCall with every client, which may not close it.
+// Calls pfnCall for every client; the call must not close it.
 template <class F>
 void CServer::ForEach(F pfnCall) {
   for (mg_connection* p = m_mgr.active_connections; p != nullptr; p = p->next) {
@@ -241,7 +242,7 @@ void CServer::ForEach(F pfnCall) {
   }
 }
 
-// Closes the client that needs its place least. Returns false when there is none.
+// Closes the client that needs its connection least. Returns false when there is none.
 bool CServer::CloseFirst() {
   const uint64_t nNowMs = ClockMs();
   CConnection* pFirst = nullptr;

@@ -1,5 +1,5 @@
-// The HTTP server: it binds, waits, gives each client its turn, and decides who must go when
-// clients hold too many places or too much memory. Everything runs on the thread that polls.
+// The HTTP server: it binds, waits, gives each client its turn, and decides which one to disconnect
+// when clients use too many connections or too much memory. Everything runs on the polling thread.
 #pragma once
 
 #include <mongoose.h>
@@ -11,41 +11,41 @@
 #include "CBB/Http/Events.h"
 #include "CBB/Http/TurnQueue.h"
 
-// Places for clients, as far as the process's limit of descriptors allows them.
+// The most open connections, as far as the process's descriptor limit allows.
 constexpr int kMaxConnections = 2000;
 
-// What all clients together may make the service hold: requests that are not whole, replies that
-// are not read. Beyond it the one that holds most is closed.
+// The most memory that all clients together may hold in incomplete requests and unread replies.
+// Beyond it the client that holds most is closed.
 constexpr size_t kMaxHeldBytes = 8U << 20;
 
 class CServer : private CWatcher, private CHost {
  public:
   // pfnHandler is called with event 100 for each whole request, and with the library's events that
-  // come while it is being answered.
+  // occur while it is being answered.
   explicit CServer(mg_event_handler_t pfnHandler);
   CServer(const CServer&) = delete;
   CServer& operator=(const CServer&) = delete;
 
-  // Listens for HTTP clients on pszAddress, as in "80" or "127.0.0.1:8080". Called once. Returns 0,
-  // or -1 when the address cannot be had; the manager then stays as it is.
+  // Listens for HTTP clients on pszAddress, such as "80" or "127.0.0.1:8080". Called once. Returns
+  // 0, or -1 when the address cannot be bound; the manager then stays as it is.
   int Bind(const char* pszAddress);
 
-  // Waits at most nWaitMs for something to happen, and does what there is to do: one request of
-  // each client that has sent one. Returns early, for the caller's own work, when a request took
-  // long. Returns whether memory ran out, upon which all clients were disconnected.
+  // Waits at most nWaitMs for events and handles them: one request of each client that has sent
+  // one. Returns early when a request took long, so that the caller can do its own work. Returns
+  // whether memory ran out; all clients have then been disconnected.
   bool Poll(int nWaitMs);
 
-  // Within a handler that is about to wait for long: sends the finished replies of this round. Else
-  // they leave together at its end. What has been printed leaves first: who has a reply finds its
-  // traces.
+  // Inside a handler that is about to wait for long: sends the finished replies of this round,
+  // which otherwise leave together at its end. Printed traces are flushed first, so that they are
+  // there when a client has its reply.
   void SendReplies();
 
-  // Closes everything. Not called by a destructor: a failed server is left as it is.
+  // Closes everything. No destructor calls it: a failed server is left as it is.
   void Close();
 
   size_t Connections() const { return m_nConnections; }
 
-  // The port that it listens on.
+  // The port in use.
   int Port() const;
 
  private:
@@ -87,16 +87,16 @@ class CServer : private CWatcher, private CHost {
   http_message m_message{};
   int m_nPlaces = 0;
   size_t m_nConnections = 0;
-  size_t m_nFiles = 0;  // that clients are being sent
+  size_t m_nFiles = 0;  // being sent to clients
   size_t m_nHeld = 0;
   size_t m_nMostHeld = 0;  // since memory was given back
   uint64_t m_nNowMs = 0;
   uint64_t m_nUses = 0;
-  CTurnQueue m_turns;    // of the clients that have a request now
-  CTurnQueue m_further;  // and of those that have had their turn in this round
+  CTurnQueue m_turns;    // clients that have a request now
+  CTurnQueue m_further;  // clients that have had their turn in this round
   bool m_bServing = false;
-  std::vector<CConnection*> m_answered;  // in this round; null: gone
-  size_t m_nSent = 0;                    // of them, whose replies have been sent, or begun to be
+  std::vector<CConnection*> m_answered;  // served in this round; null: gone
+  size_t m_nSent = 0;                    // how many of their replies are sent or being sent
   uint64_t m_nAcceptMs = 0;              // when to listen again; 0 while listening
-  std::vector<CConnection*> m_parting;   // in the order in which their time ends
+  std::vector<CConnection*> m_parting;   // in the order of their deadlines
 };

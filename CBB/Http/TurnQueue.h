@@ -1,5 +1,5 @@
-// Clients whose turn comes, the first in front. The queue is linked through the connections, so
-// that it takes no memory; one is in no more than one queue. HTTP server thread only.
+// The queue of clients waiting for their turn. It is linked through the connections, so it needs no
+// memory; a connection is in at most one queue. HTTP server thread only.
 #pragma once
 
 class CConnection;
@@ -9,13 +9,13 @@ class CTurnQueue {
   bool IsEmpty() const { return m_pFirst == nullptr; }
   void Append(CConnection& conn);
 
-  // Takes the first one out; null when there is none.
+  // Removes and returns the first one; null when there is none.
   CConnection* Take();
 
-  // Takes one out, wherever it stands, if it does.
+  // Removes one, wherever it is in the queue, if it is there.
   void Remove(const CConnection& conn);
 
-  // Moves all of another queue behind this one's.
+  // Appends all of another queue to this one.
   void Join(CTurnQueue& other);
 
  private:

@@ -36,8 +36,8 @@ void DebugPrint(int nLevel, const char* pszFormat, ...) {
   va_end(args);
   if (nLen <= 0) return;
   if (nLen >= kMessageSize) nLen = kMessageSize - 1;
-  FlushPrinted();  // this message goes past what is held back
-  // A trace that cannot be written has nowhere to complain to.
+  FlushPrinted();  // this message bypasses the held-back output
+  // There is nowhere to report a trace that cannot be written.
   if (write(STDOUT_FILENO, szText, static_cast<size_t>(nLen)) < 0) return;
 }
 

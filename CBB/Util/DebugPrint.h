@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-// Prints a message of level nLevel behind what was printed before, with one unbuffered write to the
+// Prints a message of level nLevel after everything printed before, with one unbuffered write to
 // standard output, so that the messages of two threads never mix. At most 1023 bytes; longer
 // messages are cut.
 void DebugPrint(int nLevel, const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
@@ -29,10 +29,10 @@ int GetDebugLevel();
 void SetDebugEnable(uint8_t ucEnable);
 
 // Prints "<HEX:label>(length)-[" and nLen bytes as "%02x " and "]" when enabled and the threshold
-// is at most nLevel. Nothing for a null label or pointer or a length below 1.
+// is at most nLevel. Prints nothing for a null label or pointer or a length below 1.
 void DebugHex(int nLevel, const char* pszLabel, const void* pData, int nLen);
 
-// Take the time of day into the start mark and into the end mark.
+// Store the time of day in the start mark and in the end mark.
 void MarkStart();
 void MarkEnd();
 // Prints the time from the start mark to the end mark, as PrintDuration does.

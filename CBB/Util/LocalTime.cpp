@@ -3,7 +3,8 @@
 tm LocalNow() {
   thread_local time_t s_zoneAt = -1;
   const time_t now = time(nullptr);
-  // Or the zone would stay the one of the first call. Looking for it takes longer than the rest.
+  // Without this the zone would stay that of the first call. Looking it up takes longer than the
+  // rest.
   if (now != s_zoneAt) tzset();
   s_zoneAt = now;
   tm local{};

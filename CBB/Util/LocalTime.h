@@ -1,8 +1,8 @@
-// The time of day where the recorder is.
+// The recorder's local time.
 #pragma once
 
 #include <ctime>
 
-// The current time of the system's clock and zone. A zone that is set while the program runs counts
-// from the next second on. Any thread.
+// The current time by the system's clock and zone. A change of the zone takes effect within a
+// second. Any thread.
 tm LocalNow();

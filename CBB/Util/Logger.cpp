@@ -17,8 +17,8 @@ namespace {
 constexpr int kErrorLevel = 3;
 constexpr uint32_t kLinesPerFile = 120000;
 constexpr int kFilesKept = 30;
-constexpr size_t kPathSize = 640;  // directory, and the longest name that a directory can hold
-constexpr size_t kCommandSize = 4 * kPathSize + 16;  // quoting makes at most four bytes of one
+constexpr size_t kPathSize = 640;                    // a directory and the longest file name
+constexpr size_t kCommandSize = 4 * kPathSize + 16;  // quoting turns one byte into at most four
 
 // An error line: red, with the class, the function and the source line before the message.
 __attribute__((format(printf, 3, 4))) void PrintError(const char* pszCaller, int nLine,
@@ -32,8 +32,8 @@ __attribute__((format(printf, 3, 4))) void PrintError(const char* pszCaller, int
              nLine, szMessage);
 }
 
-// Writes "verb path" as a shell command. A path of harmless characters stands as it is; any other
-// is quoted, so that no file name becomes a command of its own.
+// Writes "verb path" as a shell command. A path of harmless characters is not quoted; any other is,
+// so that no file name becomes a command of its own.
 void ShellCommand(char (&szCommand)[kCommandSize], const char* pszVerb, const char* pszPath) {
   static constexpr char kHarmless[] =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-/";
@@ -48,7 +48,7 @@ void ShellCommand(char (&szCommand)[kCommandSize], const char* pszVerb, const ch
   snprintf(szCommand + nLen, sizeof(szCommand) - nLen, "'");
 }
 
-// The outcome of a shell command is of no interest: what it failed to do shows by itself.
+// The command's exit status does not matter: what it failed to do shows later.
 void RunShell(const char* pszCommand) {
   if (system(pszCommand) != 0) return;
 }
@@ -72,7 +72,7 @@ int Logger::init(const char* pszPrefix, const char* pszDir) {
 
 int Logger::SetNames(const char* pszPrefix, const char* pszDir) {
   if (pszDir == nullptr || !*pszDir) pszDir = "./log/";
-  // A cut directory would be another one, whose files are cleared: refuse.
+  // A truncated path would name another directory, whose files would be cleared: refuse.
   if (strlen(pszDir) >= sizeof(m_szDir) || strlen(pszPrefix) >= sizeof(m_szPrefix)) {
     PrintError("init", __LINE__, "Can't open log file:%s%s.", pszDir, pszPrefix);
     return -1;
@@ -97,7 +97,7 @@ int Logger::OpenFile(const char* pszCaller) {
 }
 
 int Logger::RotateIfDue() {
-  // Deliberate: line 0 rotates too, so the first message after init goes to a file of its own.
+  // Deliberate: line 0 rotates too, so the first message after init gets a file of its own.
   if (m_uiLine % kLinesPerFile) return 0;
   fclose(m_pFile);
   m_pFile = nullptr;
@@ -161,7 +161,7 @@ int Logger::Clear(int nKeep) const {
   if (nCount < 0) return -1;
   const size_t nPrefixLen = strlen(m_szPrefix);
   int nOurs = 0;
-  // Names that are not ours are dropped, ours move to the front and stay sorted.
+  // Other programs' names are dropped; ours move to the front and stay sorted.
   for (int i = 0; i < nCount; ++i) {
     const char* const pszName = ppEntries[i]->d_name;
     if (strcmp(pszName, ".") && strcmp(pszName, "..") && !strncmp(pszName, m_szPrefix, nPrefixLen))

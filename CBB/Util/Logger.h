@@ -23,8 +23,8 @@ class Logger {
   // 255. Returns 0; -1 with an error line when a text is too long or the file cannot be opened.
   int init(const char* pszPrefix, const char* pszDir);
 
-  // Appends one line header and the message, which brings its own line end. Without an open file,
-  // or when a new one cannot be opened, it only prints an error line.
+  // Appends one line header and the message, which brings its own line end. When no file is open,
+  // or a new one cannot be opened, it only prints an error line.
   void log(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
 
   // Removes the oldest files of the prefix so that nKeep stay; creates a missing directory.
@@ -40,7 +40,7 @@ class Logger {
 
   Logger() = default;
   int SetNames(const char* pszPrefix, const char* pszDir);
-  const char* Slash() const;  // what joins the directory, once set, and a name
+  const char* Slash() const;  // joins the directory and a file name, once set
   int OpenFile(const char* pszCaller);
   int RotateIfDue();
   int OpenDir(struct dirent*** pppEntries) const;
@@ -50,6 +50,6 @@ class Logger {
   CMutex m_mutex;
   FILE* m_pFile = nullptr;
   uint32_t m_uiLine = 0;
-  char m_szDir[kDirSize] = "";  // as it was given
+  char m_szDir[kDirSize] = "";  // as given
   char m_szPrefix[kPrefixSize] = "";
 };

@@ -16,7 +16,7 @@ namespace {
 
 CMutex g_mutexIfAddr;
 
-// Puts one of the requests that answer with an address. The socket of the given type is only a
+// Makes one of the ioctl requests that return an address. The socket of the given type is only a
 // handle for it; nothing is ever connected.
 int AskInterface(const char* pszIfName, unsigned long ulRequest, int nType, uint32_t& uiAddr) {
   const int nSock = socket(AF_INET, nType | SOCK_CLOEXEC, 0);

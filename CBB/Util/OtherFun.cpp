@@ -28,7 +28,7 @@ int IsIpAddrStr(const char* pszText) {
   unsigned uiGroup = 0;
   for (const char* p = pszText; *p; ++p) {
     if (IsDigit(*p)) {
-      // Beyond the limit the exact value is of no interest, only that it does not wrap.
+      // Above the limit the exact value does not matter, as long as it does not wrap.
       if (uiGroup <= kGroupMax) uiGroup = uiGroup * 10 + static_cast<unsigned>(*p - '0');
     } else if (*p == '.') {
       if (uiGroup > kGroupMax) return 0;
@@ -55,7 +55,7 @@ int IsDecStr(const char* pszText) {
   if (pszText == nullptr) return 0;
   const char* p = pszText;
   if (*p == '-') ++p;
-  // Deliberate: no digit at all passes too.
+  // Deliberate: a text without digits passes too.
   while (*p)
     if (!IsDigit(*p++)) return 0;
   return 1;
@@ -71,7 +71,7 @@ int HexStrToUInt(const char* pszHex, int nCount, uint32_t& uiValue) {
     const int nDigit = DigitValue(pszHex[i]);
     if (nDigit < 0) return -1;
     const int nBehind = nCount - 1 - i;
-    // A digit with eight or more behind it is worth a multiple of 2^32.
+    // A digit followed by eight or more others is worth a multiple of 2^32.
     if (nBehind < kDigitsOfUInt) uiValue += static_cast<uint32_t>(nDigit) << (4 * nBehind);
   }
   return 0;

@@ -1,15 +1,15 @@
-// The plain traces on standard output. Unlike printf they are only put together, which takes a
-// fraction of the time: most of what a request costs beyond its exchange were its traces.
+// The plain traces on standard output. They are only concatenated, which takes a fraction of
+// printf's time: apart from the exchange, traces used to be most of a request's cost.
 #pragma once
 
 #include <initializer_list>
 #include <string_view>
 
-// Prints the texts one behind the other, up to 1024 characters in all, without those of another
-// thread's print between them. Numbers are handed over as std::to_string makes them. Any thread.
+// Prints the texts one after another, up to 1024 characters in all, never mixed with another
+// thread's print. Numbers are passed as std::to_string's text. Any thread.
 void Print(std::initializer_list<std::string_view> texts);
 
-// Lets out what has been printed. Called before replies leave and before every long wait
-// (BeforeWait), as a watcher of the output would notice: else the traces of several requests leave
-// together. Any thread.
+// Writes out what has been printed. Called before replies leave and before every long wait
+// (BeforeWait), so that the output is up to date then. Otherwise the traces of several requests are
+// written together. Any thread.
 void FlushPrinted();

@@ -1,6 +1,6 @@
 // A dictionary of texts: a chained hash table with 4096 buckets, keyed by text.
 //
-// It copies the keys and values that it is given and frees them with itself. Not locked.
+// It owns copies of its keys and values. Not locked.
 #pragma once
 
 #include <cstddef>
@@ -19,13 +19,14 @@ class StrDict {
   // Stores a value under a key, in place of an earlier one. Returns 0, or -1 when memory runs out
   // (an earlier value then stays).
   int Set(const char* pszKey, const char* pszValue);
-  // Returns the value of a key, owned by the table until the key is set again; null for none.
+  // Returns the value of a key, owned by the table until the key is set again; null if there is
+  // none.
   const char* Get(const char* pszKey) const;
 
-  // Prints every entry as "[bucket]:" and "key=value", one a line, in the order of the table.
+  // Prints every entry as "[bucket]:" and "key=value", one per line, in table order.
   void Print() const;
-  // Lists at most nMax keys, owned by the table; sorted ascending by strcmp if bSort, else in the
-  // order of the table. Returns the number of keys that the table holds, which may be more.
+  // Lists at most nMax keys, owned by the table; sorted ascending by strcmp if bSort, otherwise in
+  // table order. Returns the number of keys in the table, which may be more.
   size_t Keys(const char** ppszKeys, size_t nMax, bool bSort) const;
 
   // The bucket of a key, 0 to 4095.

@@ -28,7 +28,7 @@ int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_
   assert(pfnBody && ppThread);
   std::unique_ptr<stThread> pThread(new (std::nothrow) stThread{});
   if (pThread == nullptr) return 3;
-  // In its place before the thread runs: the thread itself may stop it.
+  // Stored before the thread runs, because the thread may stop itself.
   stThread* const pBefore = *ppThread;
   *ppThread = pThread.get();
   if (const int nRet = Launch(*pThread, pfnBody, pArg, nStackSize)) {

@@ -1,17 +1,17 @@
 // Threads and scoped locks over POSIX threads.
 //
-// The block of a running thread belongs to who created it, until ThreadStop. Mutexes are plain
-// (not recursive): locking one twice in a thread is a mistake of ours.
+// The block of a running thread belongs to its creator until ThreadStop. Mutexes are not recursive:
+// a thread must not lock one twice.
 #pragma once
 
 #include <pthread.h>
 
 #include <cstddef>
 
-// Stack of a thread when none is asked for, in bytes.
+// Default stack size of a thread, in bytes.
 constexpr size_t kDefaultStackSize = 0x20000;
 
-// A POSIX mutex, ready from the start of the process even as a global.
+// A POSIX mutex, usable from process start even as a global.
 class CMutex {
  public:
   constexpr CMutex() = default;
@@ -19,9 +19,9 @@ class CMutex {
   CMutex(const CMutex&) = delete;
   CMutex& operator=(const CMutex&) = delete;
 
-  // Waits until no other thread holds the mutex, and takes it.
+  // Waits until no other thread holds the mutex, then locks it.
   void Lock() { pthread_mutex_lock(&m_mutex); }
-  // Gives it back; only for the thread that took it.
+  // Unlocks it; only the thread that locked it may call this.
   void Unlock() { pthread_mutex_unlock(&m_mutex); }
 
  private:
@@ -48,15 +48,15 @@ struct stThread {
 
 // Starts a joinable thread that runs pfnBody(pArg) on a stack of nStackSize bytes (0: the default).
 // Returns 0 and stores the new block, owned by the caller, in *ppThread; 3 when there is no memory
-// for the block; 1 when the system refuses the attributes or the thread. *ppThread holds the
-// block before the thread runs, and keeps what it held on a failure.
+// for the block; 1 when the system refuses the attributes or the thread. *ppThread is set before
+// the thread runs, and is unchanged on failure.
 int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_t nStackSize);
 
-// Cancels the thread, waits for its end and frees the block. A thread that has disabled
-// cancellation is waited for until it ends by itself. A thread may stop itself (with cancellation
-// disabled): the join then fails at once, only the block is gone and the thread runs on.
+// Cancels the thread, waits for it to end and frees the block. If the thread has disabled
+// cancellation, the wait lasts until it ends by itself. A thread may stop itself (with cancellation
+// disabled): the join then fails at once, only the block is freed and the thread runs on.
 void ThreadStop(stThread* pThread);
 
-// Stops a thread made for it. The C library loads what a cancel needs at the first one, and ends
-// the process when there is no memory for that: called while there is some.
+// Starts and stops a dummy thread. The C library loads its support for cancellation at the first
+// cancel, and ends the process if there is no memory for it: so this is called while there is.
 void PrepareThreadStop();

@@ -1,8 +1,8 @@
-// The platform addresses that the pages never show, and what they show instead.
+// The platform addresses that the pages never show, and the placeholders that they show instead.
 //
-// These are the deployment's. The values here are examples (documentation ranges for the
+// Each deployment has its own. The values here are examples (documentation ranges for the
 // platforms, a private range for the placeholders); -DWEBCTRL_ADDRESS_TABLE=<header> builds with
-// another file of this shape. MaskSvrAddr.cpp checks the lengths when it compiles.
+// another file of this form. MaskSvrAddr.cpp checks the lengths at compile time.
 #pragma once
 
 // {platform address, placeholder}, compared in this order.

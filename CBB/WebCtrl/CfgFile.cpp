@@ -1,4 +1,4 @@
-// Export and import of the whole configuration: GBK at the device, UTF-8 at the browser.
+// Export and import of the whole configuration: GBK on the device side, UTF-8 on the browser side.
 //
 // Several paths leave the browser without any answer; they are part of the interface.
 #include <algorithm>
@@ -14,7 +14,7 @@
 
 namespace {
 
-// Bytes of a configuration text, and as many code points.
+// Capacity for a configuration text, in bytes and in code points.
 constexpr int kCfgSize = 30720;
 
 // What the two steps of a conversion returned: 1 done, 2 output full, 0 unconvertible.
@@ -23,12 +23,12 @@ struct stConverted {
   int nToText;
 };
 
-// Converts the text in place through code points and terminates it behind its last byte. The new
-// text may be the shorter one either way: unassigned GBK codes become U+0001.
+// Converts the text in place through code points and terminates it after its last byte. The new
+// text may be shorter in either direction: unassigned GBK codes become U+0001.
 template <auto pfnToCodePoints, auto pfnToText>
 stConverted Convert(char* pszText) {
-  // Not zeroed: only what is written is read, and a text of kCfgSize - 1 bytes leaves room for an
-  // end.
+  // Not zeroed: only what was written is read, and a text of kCfgSize - 1 bytes leaves room for a
+  // terminator.
   const std::unique_ptr<uint32_t[]> points(new uint32_t[kCfgSize]);
   int nPoints = kCfgSize;
   int nBytes = kCfgSize;
@@ -40,8 +40,8 @@ stConverted Convert(char* pszText) {
   return converted;
 }
 
-// The configuration as one compact DEVICE_SET message in the printer; false, with a line printed,
-// when the text holds none. What stands before the root is dropped.
+// Prints the configuration as one compact DEVICE_SET message; false, with a line printed, when the
+// text has no root VariCfgSec. Anything before the root is dropped.
 bool PrintSetMessage(const char* pszText, TiXmlPrinter& printer) {
   const char* pszXml = strstr(pszText, "<VariCfgSec");
   if (pszXml == nullptr) {
@@ -74,7 +74,7 @@ int CWebCtrl::export_CfgFileFromNet(char* pszText) {
   int nRet = GetParaInfoByCmd(QUERY(""), pszText, nLen);
   if (nRet == 0) {
     printf("strXmlData*************%d\n", nLen);
-    // Not parsed as a whole, which took three quarters of the time: it is only handed on.
+    // Only checked, not parsed as a whole: parsing took three quarters of the time.
     nRet = CheckRoot(pszText);
     if (nRet != 0) pszText[0] = '\0';
   }
@@ -93,7 +93,7 @@ void CWebCtrl::export_CfgFile(mg_connection* pConn, http_message* /*pMsg*/) {
     TraceFun();
     return;
   }
-  // Deliberate: the XML stands in the reply unescaped; the pages take it as it comes.
+  // Deliberate: the XML goes into the reply unescaped; the pages expect it so.
   CJsonReply reply(pConn);
   reply.Add("strFD_CfgPara", text.get());
   reply.Result(nResult == 1);

@@ -16,7 +16,7 @@ CSetExchange::CSetExchange(CWebCtrl& service)
       m_sock(service.DeviceIp(), service.DevicePort(), kLocalPort, 1, kInterface) {}
 
 int CSetExchange::Send(const char* pszFormat, ...) {
-  // Made as long as it comes out: a message is sent whole, never cut.
+  // Allocated at its full length: a message is sent whole, never cut.
   char* pszMsg = nullptr;
   va_list args;
   va_start(args, pszFormat);
@@ -30,7 +30,7 @@ int CSetExchange::Send(const char* pszFormat, ...) {
 int CSetExchange::SendText(const char* pszMsg, int nLen, int nTimeoutSec) {
   int nResult = 0;
   const int nRet = SetParaInfoByCmd(m_sock, pszMsg, nLen, nResult, nTimeoutSec);
-  // Deliberate: a Result other than 0 only suppresses the restart; the browser is told 1 as well.
+  // Deliberate: a Result other than 0 only suppresses the restart; the browser gets 1 all the same.
   m_bAccepted = nRet == 0 && nResult == 0;
   if (m_bAccepted) m_service.Restart();
   return nRet;

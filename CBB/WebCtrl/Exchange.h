@@ -17,9 +17,9 @@
 
 constexpr int kMaxQueryReply = 2048;
 
-// One query: the request text, the importer, which fills the record and returns 0 or leaves it, how
-// long a reply may be (at most kMaxQueryReply bytes; it arrives in the request's buffer), and what
-// a trace of the reply's text begins with (null: no such trace).
+// One query: the request text; the importer, which fills the record and returns 0, or leaves it
+// unchanged; the longest reply accepted (at most kMaxQueryReply bytes; it arrives in the request's
+// buffer); and the prefix for a trace of the reply's text (null: no such trace).
 template <class R>
 struct stQuery {
   const char* pszRequest;
@@ -37,20 +37,20 @@ int ImportRecord(TiXmlElement* pSection, typename MemberOf<pRecord>::Field& rec)
   return nRet;
 }
 
-// The import of a section into its record: names of importer and member cannot drift apart.
+// The import of a section into its record: importer and member cannot drift apart.
 #define IMPORT(section) ImportRecord<&CConfig_Task::Import_##section, &stConfig::section##Info>
 
-// One set, as long as its sender runs: a sender sends once, or again when it was not accepted. The
-// socket to the device closes behind all else, the restart included.
+// One set. It lives as long as its sender, which sends once, or again when the message was not
+// accepted. The socket to the device closes last, after the restart.
 class CSetExchange {
  public:
   explicit CSetExchange(CWebCtrl& service);
 
   // Formats a message of any length, sends it and waits for the device's Result. An accepted set
-  // restarts the service before it returns. Returns 0 when there was a Result at all, else the
-  // transaction's code.
+  // restarts the service before this returns. Returns 0 when there was a Result of any value,
+  // otherwise the transaction's code.
   int Send(const char* pszFormat, ...) __attribute__((format(printf, 2, 3)));
-  // The same for nLen bytes as they are, with a time-out in seconds.
+  // The same for nLen bytes sent unchanged, with a time-out in seconds.
   int SendText(const char* pszMsg, int nLen, int nTimeoutSec);
 
   // Whether the last message was accepted: Result 0.

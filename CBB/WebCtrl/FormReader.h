@@ -1,14 +1,14 @@
-// Reads form variables from a request body, decoded, one at a time, through a buffer of its own.
-// The body is bounded by what was received. HTTP server thread only.
+// Reads and decodes form variables from a request body, one at a time, through its own buffer. It
+// never reads past the received body. HTTP server thread only.
 #pragma once
 
 #include <mongoose.h>
 
 #include <cstring>
 
-// When a variable counts as present; the handlers differ, and each rule is part of the interface.
+// When a variable counts as present. The handlers differ, and each rule is part of the interface.
 enum class Presence {
-  kLengthAbove0,  // decoded whole and not empty: an over-long value counts as missing
+  kLengthAbove0,  // fully decoded and not empty: an over-long value counts as missing
   kNonEmpty,      // something was decoded: an over-long value counts, cut to the buffer
   kAlways,        // a missing variable reads as the empty text
 };
@@ -19,10 +19,10 @@ class CFormReader {
  public:
   explicit CFormReader(const http_message& msg) : m_body(msg.body) {}
 
-  // The variable's text (name without regard to case), or null when it is missing in the rule's
-  // sense. Valid until the next Get.
+  // The variable's text (the name's case is ignored), or null when the rule counts it as missing.
+  // Valid until the next Get.
   const char* Get(const char* pszName, Presence rule) {
-    memset(m_szText, 0, N);  // the library leaves no terminator behind a value it cannot decode
+    memset(m_szText, 0, N);  // the library does not terminate a value it cannot decode
     const int nLen = mg_get_http_var(&m_body, pszName, m_szText, N);
     if (rule == Presence::kLengthAbove0 && nLen <= 0) return nullptr;
     if (rule == Presence::kNonEmpty && m_szText[0] == '\0') return nullptr;
@@ -42,8 +42,8 @@ struct stFormField {
   int (*pfnStore)(R& rec, const char* pszText);
 };
 
-// Reads the rows' variables in order into the record, each through kSize bytes; a missing one
-// leaves its field as it was.
+// Reads the rows' variables in order into the record, each through a buffer of kSize bytes; a
+// missing one leaves its field unchanged.
 template <size_t kSize = 64, class R, size_t N>
 void ReadForm(const http_message& msg, const stFormField<R> (&rows)[N], R& rec) {
   CFormReader<kSize> form(msg);

@@ -48,8 +48,8 @@ uint8_t ReadFlags(CFormReader<kFormSize>& form) {
   return IsOdd(form, "ucFD_StreamType") ? kEnabled | kStreamType : kEnabled;
 }
 
-// At most 31 characters; the bytes behind them are cleared, as the identifier's place may hold
-// another one already.
+// At most 31 characters; the bytes after them are cleared, because the place may already hold
+// another identifier.
 void StoreId(char* pszDst, const std::string& strId) {
   memset(pszDst, 0, kIdSize);
   memcpy(pszDst, strId.data(), std::min(strId.size(), kIdSize - 1));

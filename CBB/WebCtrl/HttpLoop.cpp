@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kPort = "80";
 constexpr int kPollMs = 1000;
 
-// What the include calls of the pages print.
+// What the pages' include calls print.
 char setting1[100] = "value1";
 char setting2[100] = "value2";
 
@@ -48,7 +48,7 @@ int RunHttpLoop(const char* pszWebRoot) {
   }
   printf("Starting web server on port %s\n", kPort);
   FlushPrinted();
-  // A slow device holds up nobody whose reply is finished.
+  // Finished replies do not wait for a slow device.
   SetBeforeWait([](void* pServer) { static_cast<CServer*>(pServer)->SendReplies(); }, &server);
   for (;;) {
     if (!server.Poll(kPollMs)) continue;

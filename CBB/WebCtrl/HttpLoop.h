@@ -4,10 +4,10 @@
 #include <mongoose.h>
 
 // Serves HTTP on TCP port 80 with the document root pszWebRoot, which must outlive the call, and
-// hands every whole request to CWebCtrl::DoHttpRequeset on the calling thread. Returns only on
-// failure (-1): the port cannot be bound, or the document root is not there.
+// passes every whole request to CWebCtrl::DoHttpRequeset on the calling thread. Returns only on
+// failure (-1): the port cannot be bound, or the document root does not exist.
 int RunHttpLoop(const char* pszWebRoot);
 
-// The one handler of the HTTP library's events; pData is what the event number says. Throws
-// std::bad_alloc out of a request.
+// The only handler of the HTTP library's events; the event number determines the type of pData. A
+// request may throw std::bad_alloc.
 void HttpEvent(mg_connection* pConn, int nEvent, void* pData);

@@ -1,4 +1,4 @@
-// The HTTP library's file-serving options: only the document root is set. One for the process.
+// The HTTP library's file-serving options: only the document root is set. One object per process.
 #pragma once
 
 #include <mongoose.h>

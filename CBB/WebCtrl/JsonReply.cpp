@@ -8,7 +8,7 @@
 
 namespace {
 
-// A chunk's first line: its size, as a hexadecimal number in capitals.
+// A chunk's first line: its size in upper-case hexadecimal.
 std::string SizeLine(size_t nSize) {
   char szLine[] = "0000000000000000\r\n";
   char* p = szLine + 16;
@@ -41,8 +41,8 @@ void CJsonReply::AddAddress(const char* pszKey, uint32_t uiAddress) {
 }
 
 void CJsonReply::Piece(std::initializer_list<std::string_view> texts) {
-  // Framed by hand: the library looks at the clock three times and prints a number for each chunk,
-  // which took longer than all else that a long reply of short chunks needs.
+  // Framed by hand: for each chunk the library reads the clock three times and formats a number,
+  // which took longer than everything else in a long reply of short chunks.
   size_t nSize = 0;
   for (const std::string_view text : texts) nSize += text.size();
   const std::string strLine = SizeLine(nSize);

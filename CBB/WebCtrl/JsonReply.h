@@ -1,4 +1,4 @@
-// The hand-formatted JSON replies: a status line and header, one chunk a piece, an empty chunk.
+// The hand-formatted JSON replies: status line and headers, one chunk per piece, an empty chunk.
 //
 // Nothing is escaped: a value reaches the browser as the device gave it. Used on the HTTP server
 // thread only; the connection belongs to the HTTP library.
@@ -15,13 +15,13 @@
 #include "config/AttrTable.h"
 
 constexpr const char* kStdHeader = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
-// Deliberate: the misspelt media type and the missing blank are what the pages know.
+// Deliberate: the pages rely on the misspelt media type and the missing blank.
 constexpr const char* kJsonHeader =
     "HTTP/1.1 200 OK\r\nContent-Type:applicaion/json;charset=UTF-8\r\n"
     "Transfer-Encoding: chunked\r\n\r\n";
 
-// One query reply. Each Add or Piece is one chunk; Result ends the reply, and with it the chunks go
-// to the connection.
+// One query reply. Each Add or Piece is one chunk; Result ends the reply and passes the chunks to
+// the connection.
 class CJsonReply {
  public:
   // Sends pszHeader at once.
@@ -30,19 +30,19 @@ class CJsonReply {
   // `"key": "text"`, opened by "{ " as the first piece and by ", " later.
   void Add(const char* pszKey, const char* pszText);
 
-  // `"key": "number"`: numbers are quoted. Unsigned values from 2^31 on show negative.
+  // `"key": "number"`: numbers are quoted. Unsigned values from 2^31 on appear negative.
   void Add(const char* pszKey, int nValue);
 
-  // `"key": "a.b.c.d"` from an address in network byte order, a platform's own address masked.
+  // `"key": "a.b.c.d"` from an address in network byte order; a platform's own address is masked.
   void AddAddress(const char* pszKey, uint32_t uiAddress);
 
-  // One irregular piece: the texts exactly as given, one behind the other.
+  // One irregular piece: the texts exactly as given, one after another.
   void Piece(std::initializer_list<std::string_view> texts);
 
-  // `, "result": 1 }` for success, else 0, and the end of the reply.
+  // `, "result": 1 }` for success, otherwise 0, and the end of the reply.
   void Result(bool bOk);
 
-  // Hands the chunks over to the connection, and behind them the empty one that ends the reply.
+  // Passes the chunks to the connection, followed by the empty one that ends the reply.
   void End();
 
  private:
@@ -52,7 +52,7 @@ class CJsonReply {
   std::string m_strChunks;  // all pieces so far, framed
 };
 
-// The whole reply of a set endpoint: `{"result": 1 }` for success, else 0.
+// The whole reply of a set endpoint: `{"result": 1 }` for success, otherwise 0.
 void ReplyResult(mg_connection* pConn, bool bOk);
 
 // One row of a query reply: the key, and how its value is written.
@@ -62,7 +62,7 @@ struct stJsonField {
   void (*pfnEmit)(CJsonReply& reply, const char* pszKey, const R& rec);
 };
 
-// Writes the record's field M as it stands.
+// Writes the record's field M unchanged.
 template <auto M>
 void Emit(CJsonReply& reply, const char* pszKey, const typename MemberOf<M>::Record& rec) {
   if constexpr (std::is_array_v<typename MemberOf<M>::Field>) {
@@ -78,7 +78,7 @@ void EmitItem(CJsonReply& reply, const char* pszKey, const typename MemberOf<A>:
   Emit<M>(reply, pszKey, (rec.*A)[0]);
 }
 
-// Writes the address field M as dotted text, a platform's own address masked.
+// Writes the address field M as dotted text; a platform's own address is masked.
 template <auto M>
 void EmitAddress(CJsonReply& reply, const char* pszKey, const typename MemberOf<M>::Record& rec) {
   reply.AddAddress(pszKey, rec.*M);

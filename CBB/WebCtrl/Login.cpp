@@ -1,5 +1,5 @@
-// Login and passwords. None is kept here but the cached pair of m_stLogin: every check and every
-// change goes through the device application.
+// Login and passwords. Only the pair in m_stLogin is cached: every check and every change goes
+// through the device application.
 #include <md5.h>
 
 #include <cstring>
@@ -18,8 +18,8 @@ constexpr uint8_t kNoUser = 2;
 
 constexpr stQuery<stUserSec> kQuery{QUERY("<stUserSec>"), IMPORT(stUserSec)};
 
-// The identifier of a session: the MD5 digest, in hexadecimal, of the login's second as decimal
-// text. szSessionId takes 32 characters and a terminator.
+// The identifier of a session: the MD5 digest, in hexadecimal, of the login time in seconds as
+// decimal text. szSessionId has room for 32 characters and a terminator.
 void MakeSessionId(time_t now, char (&szSessionId)[64]) {
   char szTime[24];
   snprintf(szTime, sizeof(szTime), "%ld", static_cast<long>(now));
@@ -54,7 +54,7 @@ void CWebCtrl::cmp_UserSecurity(mg_connection* pConn, http_message* pMsg) {
   TraceFun();
   char szSessionId[64] = {};
   if (IsFromLoginPage(*pMsg)) {
-    // Deliberate: a wrong password creates a session, too; only the result tells.
+    // Deliberate: a wrong password creates a session, too; only the result shows the difference.
     const time_t now = time(nullptr);
     MakeSessionId(now, szSessionId);
     m_sessions.AddSession(szSessionId, static_cast<int32_t>(now));
@@ -66,7 +66,7 @@ void CWebCtrl::cmp_UserSecurity(mg_connection* pConn, http_message* pMsg) {
   CFormReader<kPasswdSize> form(*pMsg);
   const char* pszPasswd = form.Get("strFD_AdminPasswd", Presence::kAlways);
   stUserSec stUserSecurity{};
-  // Deliberate: a failed query leaves the record zeroed, and an empty password then equals it.
+  // Deliberate: a failed query leaves the record zeroed, and an empty password then matches.
   getUserSecurityFromNet(stUserSecurity);
   const bool bEqual = strcmp(pszPasswd, stUserSecurity.stCustomUser[0].strFD_UserPWD) == 0;
   CJsonReply reply(pConn);
@@ -96,7 +96,8 @@ int CWebCtrl::setUserSecurityToNet(stUserSec rec, uint8_t ucUser) {
                       "</stCustomUser></stUserSec>"),
                   rec.stCustomUser[0].strFD_UserPWD);
   } else {
-    // Deliberate: only the first user's password can be changed; for others the message is empty.
+    // Deliberate: only the first user's password can be changed; for the others the message is
+    // empty.
     exchange.SendText("", 0, kDeviceTimeoutSec);
   }
   if (exchange.IsAccepted()) return 0;

@@ -9,7 +9,8 @@ namespace {
 
 constexpr size_t Length(const char* pszText) { return std::char_traits<char>::length(pszText); }
 
-// Every placeholder: 14 characters, one prefix, only the number behind the last dot differs.
+// Every placeholder has 14 characters and the same prefix; only the number after the last dot
+// differs.
 constexpr bool IsPlaceholder(const char* pszText) {
   if (Length(pszText) != 14) return false;
   size_t nPrefix = 14;

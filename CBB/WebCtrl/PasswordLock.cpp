@@ -1,5 +1,5 @@
 // The password lock's endpoints. The service only forwards the numbers, except that the query
-// clears a lock whose hour has passed.
+// clears a lock when its hour has passed.
 #include "CBB/WebCtrl/PasswordLock.h"
 
 #include <ctime>
@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr uint32_t kClockOffsetSec = 28800;  // the stored lock time is 8 hours behind our clock
+constexpr uint32_t kClockOffsetSec = 28800;  // our clock is 8 hours ahead of the stored lock time
 constexpr uint32_t kLockOutSec = 3600;
 constexpr uint8_t kMaxErrors = 5;
 
@@ -29,7 +29,7 @@ stLockState EvaluateLock(const stLockOfPassword& rec, uint32_t uiNow) {
   if (uiElapsed < kLockOutSec || rec.ucFD_ErrorCount < kMaxErrors) {
     return {rec.ucFD_ErrorCount, uiElapsed, false};
   }
-  // Deliberate: here the stored lock time is told, not the elapsed one.
+  // Deliberate: here the reply has the stored lock time, not the elapsed one.
   return {0, rec.uiFD_LockTime, true};
 }
 

@@ -1,5 +1,5 @@
-// The query endpoints: one request, one importer and one list of JSON fields each. The endpoints
-// with branches of their own are in Wifi, Login, SystemStatus and Gb28181.
+// The query endpoints: each has one request, one importer and one list of JSON fields. Endpoints
+// with logic of their own are in Wifi, Login, SystemStatus and Gb28181.
 #include <cstring>
 #include <ctime>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Deliberate: most section tags are left open; the device application expects them so.
+// Deliberate: most section tags are left open, as the device application expects.
 constexpr stQuery<stDisplay> kLangQuery{QUERY("<stDisplay>"), IMPORT(stDisplay), 512};
 constexpr stQuery<stBaseInfo> kBaseQuery{QUERY("<stBaseInfo>"), IMPORT(stBaseInfo), 512};
 constexpr stQuery<stVideoMirror> kMirrorQuery{QUERY("<stVideoMirror>"), IMPORT(stVideoMirror)};
@@ -39,8 +39,8 @@ constexpr stJsonField<stDisplay> kLangJson[] = {{"strLanguage", EmitLanguage}};
 void EmitTimeZone(CJsonReply& reply, const char* pszKey, const stBaseInfo& rec) {
   reply.Piece({", \"", pszKey, "\": \"", std::to_string(rec.ucFD_TimeZone), "\" "});
 }
-// Deliberate: the service's own clock is shown, not the device's strFD_CurTime; the handler puts it
-// into the record.
+// Deliberate: this shows the service's own clock, not the device's strFD_CurTime; the handler puts
+// it into the record.
 constexpr stJsonField<stBaseInfo> kBaseJson[] = {
     {"strFD_DeviceNo", Emit<&stBaseInfo::strFD_DeviceNo>},
     {"ucFD_TimeZone", EmitTimeZone},
@@ -95,8 +95,8 @@ void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& r
 constexpr stJsonField<stVersion> kVersionJson[] = {
     {"strFD_AppVersion", Emit<&stVersion::strAppVer>}, {"strFD_KnlVersion", EmitKernelVersion}};
 
-// A whole query endpoint: a failed query still answers, with zero and empty values.
-// Traced in the name of the handler that it does everything for.
+// A whole query endpoint: a failed query is still answered, with zero and empty values. The traces
+// carry the name of the handler that calls it.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, CWebCtrl& self, int (CWebCtrl::*pfnQuery)(R& rec),
             const stJsonField<R> (&rows)[N], const char* pszHandler = __builtin_FUNCTION()) {

@@ -14,7 +14,7 @@ void CWebCtrl::DoHttpRequeset(mg_connection* pConn, http_message* pMsg) {
   puts("--------------------------DoHttpRequeset, start.");
   const std::string_view request(pMsg->message.p, pMsg->message.len);
   if (m_sessions.CheckSession(request, static_cast<int32_t>(time(nullptr))) != 0) {
-    // Deliberate: a refused request is left without any answer.
+    // Deliberate: a refused request gets no answer at all.
     DebugPrint(4, "\033[31m\033[1mDoHttpRequeset error!\n\033[0m");
     return;
   }

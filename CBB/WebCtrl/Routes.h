@@ -1,5 +1,5 @@
-// The endpoints: every URI that is not a file's, and its handler. The list stands here alone; what
-// needs it takes it from here, tests and fuzz targets included.
+// The endpoints: every URI that is not a file, with its handler. This is the only list of them;
+// tests and fuzz targets use it, too.
 #pragma once
 
 #include <string_view>
@@ -10,11 +10,11 @@ struct stRoute {
   std::string_view strUri;
   CWebCtrl::Handler CWebCtrl::*pfnHandler;
 
-  // The handler's name: the URI without its slash.
+  // The handler's name is the URI without its slash.
   constexpr std::string_view Name() const { return strUri.substr(1); }
 };
 
-// A request's URI is compared with them in this order.
+// A request's URI is compared with the rows in this order.
 inline constexpr stRoute kRoutes[] = {
     {"/get_LangInfo", &CWebCtrl::get_LangInfo},
     {"/set_LangInfo", &CWebCtrl::set_LangInfo},

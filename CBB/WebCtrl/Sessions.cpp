@@ -29,7 +29,7 @@ int CSessions::CheckSession(std::string_view request, int32_t nNow) {
   if (!Contains(request, "time")) return 0;
   const size_t nKey = request.find("SessionID");
   if (nKey == std::string_view::npos) return -1;
-  // An identifier cut short by the end of the request equals no entry.
+  // An identifier cut short by the end of the request matches no entry.
   const std::string_view id = request.substr(std::min(nKey + kIdOffset, request.size()), kIdLength);
   // Deliberate: with no session at all the gate lets the request through.
   if (m_listSession.empty()) return 0;

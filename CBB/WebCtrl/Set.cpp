@@ -1,5 +1,5 @@
-// The set endpoints: one list of form fields and one message each. Wi-Fi, passwords, GB28181 and
-// the whole configuration are in files of their own.
+// The set endpoints: each has one list of form fields and one message. Wi-Fi, passwords, GB28181
+// and the whole configuration have files of their own.
 #include <arpa/inet.h>
 
 #include <cstring>
@@ -13,14 +13,15 @@
 
 namespace {
 
-// A switch: 1 when the number is above 0, else 0. Of "1-0" the first number counts.
+// A switch: 1 when the number is above 0, otherwise 0. In "1-0" the first number counts.
 template <auto M>
 int StoreSwitch(typename MemberOf<M>::Record& rec, const char* pszText) {
   rec.*M = TextToInt(pszText) > 0 ? 1 : 0;
   return 0;
 }
 
-// An address: a placeholder stands for its platform's; what is no address becomes all ones.
+// An address: a placeholder is replaced by its platform's address; text that is not an address
+// becomes all ones.
 template <auto M>
 int StoreShownAddress(typename MemberOf<M>::Record& rec, const char* pszText) {
   char szReal[64] = {};
@@ -29,7 +30,7 @@ int StoreShownAddress(typename MemberOf<M>::Record& rec, const char* pszText) {
   return 0;
 }
 
-// A field of the first item in the record's item array A, by the store of that field.
+// A field of the first item in the record's item array A, filled by that field's store.
 template <auto A, auto pfnStore>
 int StoreItem(typename MemberOf<A>::Record& rec, const char* pszText) {
   return pfnStore((rec.*A)[0], pszText);
@@ -81,7 +82,7 @@ constexpr stFormField<stLocalEth0> kLocalNetForm[] = {
     {"strFD_GateWay", Presence::kAlways, StoreShownAddress<&stLocalEth0::uiFD_GateWay>},
     {"strFD_Mac", Presence::kAlways, Store<&stLocalEth0::strFD_Mac>}};
 
-// A whole set endpoint: what the form leaves out is sent as empty text or 0.
+// A whole set endpoint: variables missing from the form are sent as empty text or 0.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, const http_message& msg, const stFormField<R> (&rows)[N],
             CWebCtrl& self, int (CWebCtrl::*pfnSet)(R rec),

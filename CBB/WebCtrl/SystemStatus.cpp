@@ -11,11 +11,11 @@ constexpr stQuery<stSystemInfo> kQuery{QUERY("<stSystemInfo />"), IMPORT(stSyste
 
 constexpr uint8_t kWifiClient = 1;
 
-// A value's text: the record's own, or made in the scratch buffer.
+// A value's text: the record's own, or formatted into the scratch buffer.
 using Scratch = char[64];
 using ValueText = std::string_view (*)(const stSystemInfo& rec, Scratch& szScratch);
 
-// One chunk of the reply: its exact text around one value of the record (null: no value).
+// One chunk of the reply: the exact text around one value of the record (null: no value).
 struct stStatusPiece {
   const char* pszBefore;
   ValueText pfnValue;
@@ -62,7 +62,7 @@ constexpr stStatusPiece kPieces[] = {
     {R"(, "ucFD_GB28181Status": ")", FieldText<&stSystemInfo::GB28181Status>, R"("},)"},
     {R"("disk":{)", nullptr, ""},
     {R"("list":[)", nullptr, ""},
-    // Deliberate: always two disks, there or not; the third is never listed.
+    // Deliberate: always two disks, present or not; the third is never listed.
     {R"({"ucFD_DiskExist": ")", FieldText<&stSystemInfo::Disk1Exist>, R"(")"},
     {R"(, "strFD_DiskSize": ")", FieldText<&stSystemInfo::Disk1Size>, R"("},)"},
     {R"({"ucFD_DiskExist": ")", FieldText<&stSystemInfo::Disk2Exist>, R"(")"},

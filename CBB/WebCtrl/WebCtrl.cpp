@@ -47,7 +47,7 @@ int CWebCtrl::Start(const char* pszWebRoot) {
     return 0;
   }
   FlushPrinted();
-  // A desk machine may lack the tool; the loopback address is there then anyway.
+  // A desktop machine may lack the tool, but its loopback interface is up anyway.
   [[maybe_unused]] const int nIgnored = system("/sbin/ifconfig lo 127.0.0.1");
   m_ucStarted = 1;
   CopyText(m_szWebRoot, sizeof(m_szWebRoot), pszWebRoot);
@@ -79,8 +79,8 @@ int CWebCtrl::Restart() {
 }
 
 void* CWebCtrl::DetectSvcEntry(void* pSelf) {
-  // Deliberate: a cancel stays pending for ever, so that a restart asked for by a handler, which
-  // cancels and joins its own thread, leaves that thread serving.
+  // Deliberate: a cancel stays pending forever. A restart called by a handler cancels and joins its
+  // own thread, and that thread must go on serving.
   pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
   static_cast<CWebCtrl*>(pSelf)->DetectSvc();
   return nullptr;

@@ -1,9 +1,9 @@
-// CWebCtrl: the one service object. It owns the HTTP server thread, the device application's
+// CWebCtrl: the only service object. It owns the HTTP server thread, the device application's
 // address, the web sessions and the cached login passwords, and lives as long as the process.
 //
-// Threads: the first thread calls Init and Start and then sleeps; everything else - handlers,
-// sessions, device exchanges - runs on the HTTP server thread, one request at a time, unlocked.
-// Each handler get_X, set_X answers the URI of its name; Routes.h lists them.
+// Threads: the main thread calls Init and Start and then sleeps; everything else - handlers,
+// sessions, device exchanges - runs on the HTTP server thread, one request at a time, without
+// locks. Each handler get_X, set_X answers the URI of its name; Routes.h lists them.
 #pragma once
 
 #include <mongoose.h>
@@ -31,22 +31,23 @@ class CWebCtrl {
   CWebCtrl(const CWebCtrl&) = delete;
   CWebCtrl& operator=(const CWebCtrl&) = delete;
 
-  // The service object, made by the first call. Not locked: main calls it before any thread exists.
+  // The service object, created by the first call. Not locked: main calls it before any thread
+  // exists.
   static CWebCtrl& Instance();
 
-  // Sets the device application's address (dotted IPv4, 31 characters kept) and UDP port; Restart
-  // goes back to this address. Always returns 0.
+  // Sets the device application's address (dotted IPv4, at most 31 characters) and UDP port;
+  // Restart goes back to this address. Always returns 0.
   virtual int Init(const char* pszDeviceIp, int nDevicePort);
 
-  // Starts the server thread on the document root (127 characters kept). Returns 0, also when the
-  // service is started already, or -1 when the thread cannot be created.
+  // Starts the server thread on the document root (at most 127 characters). Returns 0, also when
+  // the service is started already, or -1 when the thread cannot be created.
   virtual int Start(const char* pszWebRoot);
 
-  // Ends the server thread's block. Always returns 0. Called from a handler it returns at once and
-  // that thread goes on serving.
+  // Stops the server thread and frees its block. Always returns 0. Called from a handler it returns
+  // at once, and that thread goes on serving.
   virtual int Stop();
 
-  // Stop, the address of Init again, two seconds, Start. Always returns 0.
+  // Stops, restores Init's address, waits two seconds and starts. Always returns 0.
   virtual int Restart();
 
   // Sets the device application's address and port until the next Restart.
@@ -58,12 +59,12 @@ class CWebCtrl {
   const char* WebRoot() const { return m_szWebRoot; }
   CSessions& Sessions() { return m_sessions; }
 
-  // Routes one whole request; called by the HTTP event handler only. Deliberate: the spelling, here
-  // and in what it prints.
+  // Routes one whole request; called only by the HTTP event handler. Deliberate: the spelling, here
+  // and in its traces.
   void DoHttpRequeset(mg_connection* pConn, http_message* pMsg);
 
-  // Handlers: each answers pConn before it returns, except where an unanswered path is part of the
-  // interface. The arguments belong to the HTTP library.
+  // Handlers: each answers pConn before it returns, except where the interface demands no answer.
+  // The arguments belong to the HTTP library.
   using Handler = void(mg_connection* pConn, http_message* pMsg);
   Handler get_LangInfo, set_LangInfo;
   Handler get_BaseInfo, set_BaseInfo, set_DeviceNo;
@@ -83,7 +84,7 @@ class CWebCtrl {
   Handler export_CfgFile, import_CfgFile;
 
   // Device operations: one exchange each (Wi-Fi: up to two). A query fills the caller's record and
-  // returns 0, or leaves it as it was and returns something else.
+  // returns 0, or leaves it unchanged and returns something else.
   int getLangInfoFromNet(stDisplay& rec);
   int getBaseInfoFromNet(stBaseInfo& rec);
   int getUserSecurityFromNet(stUserSec& rec);
@@ -94,7 +95,7 @@ class CWebCtrl {
   int getSubStreamInfoFromNet(stSubStream& rec);
   int getNetWModeInfoFromNet(stNetWorkMode& rec);
   int getVCmsInfoFromNet(stCMS& rec);
-  int getWifiInfoFromNet(stWifi& rec);  // may fill the station's values and still fail
+  int getWifiInfoFromNet(stWifi& rec);  // may fill in the station's values and still fail
   int getGNetInfoFromNet(stMobileGNet& rec);
   int getGB28181InfoFromNet(stGB28181& rec);
   int getVersionInfoFromNet(stVersion& rec);
@@ -102,8 +103,8 @@ class CWebCtrl {
   int getLocalNetInfoFromNet(stLocalEth0& rec);
   int export_CfgFileFromNet(char* pszText);  // 30,720 bytes; an empty text when it fails
 
-  // A set returns 0 when the device answered with a Result (the lock and the password: with Result
-  // 0), else the transaction's code. An accepted set ends with Restart.
+  // A set returns 0 when the device answered with a Result (for the lock and the password: with
+  // Result 0), otherwise the transaction's code. An accepted set ends with Restart.
   int setLangInfoToNet(const char* pszLanguage);
   int setBaseInfoToNet(stBaseInfo rec, const char* pszCurTime);
   int setDeviceNoToNet(stBaseInfo rec);
@@ -128,7 +129,7 @@ class CWebCtrl {
   int GetParaInfoByCmd(const char* pszRequest, char* pReply, int& nCapacity);
   template <class R>
   int Query(const stQuery<R>& query, R& rec);
-  // The same between two traces in the name of the calling function.
+  // The same, between two traces that carry the calling function's name.
   template <class R>
   int Ask(const stQuery<R>& query, R& rec, const char* pszFun = __builtin_FUNCTION());
 

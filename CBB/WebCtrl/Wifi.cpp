@@ -1,5 +1,5 @@
-// The Wi-Fi endpoints: one record for the station's settings and the working mode, another for the
-// access point's.
+// The Wi-Fi endpoints: one record for the station settings and the working mode, another for the
+// access-point settings.
 #include <cstring>
 
 #include "CBB/Util/Trace.h"
@@ -37,7 +37,7 @@ constexpr stFormField<stWifi> kForm[] = {
     {"ucFD_CryptType", Presence::kNonEmpty, Store<&stWifi::ucFD_CryptType>},
     {"ucFD_DhcpEnableFlag", Presence::kNonEmpty, Store<&stWifi::ucFD_DhcpEnableFlag>}};
 
-// An access point's own values stand in the place of the station's.
+// The access point's values replace the station's.
 void ShowAccessPoint(const stWifiAp& ap, stWifi& rec) {
   memcpy(rec.strFD_SSID, ap.strFD_SSID, sizeof(rec.strFD_SSID));
   memcpy(rec.strFD_Passwd, ap.strFD_Passwd, sizeof(rec.strFD_Passwd));
@@ -77,7 +77,7 @@ int CWebCtrl::setWifiInfoToNet(stWifi rec) {
                          rec.ucFD_CryptType);
   }
   const int nRet = exchange.Send(SET("<stWifi ucFD_WorkMode=\"%d\"/>"), rec.ucFD_WorkMode);
-  // Deliberate: the access point's values go only to a device that did not accept the mode.
+  // Deliberate: the access point's values are sent only to a device that did not accept the mode.
   if (exchange.IsAccepted()) return nRet;
   return exchange.Send(SET("<stWifiAp strFD_SSID=\"%s\" strFD_Passwd=\"%s\" ucFD_AuthMode=\"%d\""
                            " ucFD_CryptType=\"%d\" ucFD_DhcpEnableFlag=\"%d\"/>"),

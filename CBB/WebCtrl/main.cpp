@@ -1,4 +1,4 @@
-// The process: sets the service up on its own folder's web_root and then sleeps for ever.
+// The process: starts the service on the web_root beside its executable and then sleeps forever.
 #include <unistd.h>
 
 #include <cstdio>
@@ -23,7 +23,7 @@ constexpr int kWantedDescriptors = kMaxConnections + 100;
 // for a path of more than 127 characters or one that cannot be read.
 int OwnFolder(char* pszFolder) {
   const ssize_t nRead = readlink("/proc/self/exe", pszFolder, kMaxPath);
-  // Taken as unsigned, a failure is too long as well.
+  // As an unsigned number, a failure is too long as well.
   if (static_cast<size_t>(nRead) > kMaxPath - 1) return -1;
   if (char* pszSlash = strrchr(pszFolder, '/')) pszSlash[1] = '\0';
   return 0;

@@ -45,8 +45,8 @@ std::string PrintReply(const stReply& reply);
 
 class CDevice {
  public:
-  // Settings come from the state file when it exists, else from the defaults. An empty state path
-  // keeps changes in memory only. Returns 0, or -1 with the reason.
+  // Settings come from the state file if it exists, otherwise from the defaults. An empty state
+  // path keeps changes in memory only. Returns 0, or -1 with the reason.
   int Open(const std::string& strDefaults, const std::string& strState, std::string& strError);
 
   // Takes the default settings again (and writes the state file). Returns 0, or -1 with the reason.

@@ -19,7 +19,7 @@ struct stPlan {
   bool bAnswer = true;                // false: the answer is lost
   bool bRefuse = false;               // a set is not applied
   bool bResult = true;                // the reply carries Result
-  bool bActionFirst = true;           // false: Result stands before Action
+  bool bActionFirst = true;           // false: Result comes before Action
   std::optional<std::string> result;  // replaces the Result
   std::optional<std::string> text;    // replaces the reply
   long nPadTo = 0;                    // lengthens the reply to this many bytes

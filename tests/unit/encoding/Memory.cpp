@@ -1,4 +1,4 @@
-// The other side of the linker's --wrap: counts, fails when told to, or calls the real function.
+// The replacements for the linker's --wrap: they count, fail on request, or call the real function.
 #include "tests/unit/encoding/Memory.h"
 
 extern "C" {

@@ -69,13 +69,13 @@ TEST(GbkString, ConvertsCharacters) {
       {"\xB0\x20", 1, {1}},  // a trail byte below 0x40
       {"\x80\x41", 0, {}},   // below the table
       {"\x81\x3F", 0, {}},   // just below it
-      {"\xFE\x50", 0, {}},   // just behind it
-      {"\xFF\x41", 0, {}},   // behind it
+      {"\xFE\x50", 0, {}},   // just above it
+      {"\xFF\x41", 0, {}},   // above it
       {"ab\xFF\x41z", 0, {'a', 'b'}},
       {"\xD6\xD0\x80z", 0, {0x4E2D}},
       {"a\x81", 0, {'a'}},     // paired with the terminator: 0x8100, below the table
       {"a\xB0", 1, {'a', 1}},  // 0xB000, unassigned
-      {"a\xFF", 0, {'a'}},     // 0xFF00, behind the table
+      {"a\xFF", 0, {'a'}},     // 0xFF00, above the table
   };
   for (const auto& row : kRows) {
     const stDecoded decoded = FromGbk(row.pszText);

@@ -1,4 +1,4 @@
-// Code points to GBK, and the reverse table behind it.
+// Code points to GBK, and the reverse table that this uses.
 #include <gmock/gmock.h>
 
 #include <random>
