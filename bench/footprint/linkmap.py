@@ -6,8 +6,9 @@ from collections import Counter
 
 # What an input file belongs to, the first match wins. Ours are named by their folder.
 _OWNERS = (
-    (re.compile(r"(?:^|/)(CBB/Util|CBB/WebCtrl|control|config|encoding)/(?:lib\w+\.a|CMakeFiles/)"), None),
-    (re.compile(r"(?:^|/)libmongoose\.a"), "HTTP library"),
+    (re.compile(r"(?:^|/)CBB/Http/libhttp\.a\(Library\.c\.o\)"), "HTTP library"),
+    (re.compile(r"(?:^|/)libllhttp\.a"), "HTTP parser"),
+    (re.compile(r"(?:^|/)(CBB/\w+|control|config|encoding)/(?:lib\w+\.a|CMakeFiles/)"), None),
     (re.compile(r"/libtinyxml\.a"), "XML library"),
     (re.compile(r"/libmd\.a"), "MD5 library"),
     (re.compile(r"/(?:libstdc\+\+|libsupc\+\+|libgcc|libgcc_eh)\.a|/crt(?:begin|end)\w*\.o"), "C++ runtime"),
