@@ -1,8 +1,8 @@
-// The conversions beside the C library's iconv in the same run. A round converts 256 different
-// texts of about 20 KB each, first by one side and then by the other: a processor learns the turns
-// of one text by heart, and then everything looks fast. Prints the median of the rounds' ratios for
-// each kind of text, then what the reverse table costs. Exit status 1: a ratio or the cost is off
-// its mark.
+// Compares the conversions with the C library's iconv in the same run. A round converts 256
+// different texts of about 20 KB each, first with one side and then with the other: the branch
+// predictor learns a single text, and then everything looks fast. Prints the median of the rounds'
+// ratios for each kind of text, then the cost of the reverse table. Exits with 1 when a ratio or
+// the cost misses its target.
 #include <iconv.h>
 #include <malloc.h>
 #include <stdio.h>
@@ -26,7 +26,7 @@ constexpr int kRounds = 15;
 
 using Random = std::mt19937;
 
-// Of the 3,755 everyday characters: rows B0 to D7, without the five unassigned.
+// One of the 3,755 everyday characters: rows B0 to D7, without the five unassigned codes.
 std::string ChineseWord(Random& random, int nCharacters) {
   std::string strWord;
   for (int i = 0; i < nCharacters; ++i) {
@@ -56,7 +56,7 @@ std::string Ascii(Random& random) {
 
 std::string Chinese(Random& random) { return ChineseWord(random, kTextBytes / 2); }
 
-// Nothing is harder to foresee.
+// Nothing is harder to predict.
 std::string Alternating(Random& random) {
   std::string strText;
   while (strText.size() < kTextBytes)
@@ -65,7 +65,7 @@ std::string Alternating(Random& random) {
   return strText;
 }
 
-// --- One conversion of a text, by us and by iconv -----------------------------------------------
+// --- One conversion of a text, ours and iconv's -----------------------------------------------
 
 uint32_t g_codePoints[kRoom];
 
@@ -137,7 +137,7 @@ Texts MakeTexts(const stComparison& row) {
   return texts;
 }
 
-// Microseconds of processor time for each text; negative when one was not converted.
+// Microseconds of processor time per text; negative when one was not converted.
 double RoundUs(Conversion pfnConvert, const Texts& texts) {
   static char s_output[kRoom];
   const auto Now = [] {
@@ -157,7 +157,7 @@ double Median(std::vector<double> values) {
   return *middle;
 }
 
-// The machine's other work slows both sides of a round down alike.
+// Other load on the machine slows both sides of a round equally.
 bool Compare(const stComparison& row) {
   const Texts texts = MakeTexts(row);
   std::vector<double> ours, theirs, ratios;
@@ -198,7 +198,7 @@ bool BuildReverseTable() {
 
 }  // namespace
 
-// With arguments, only the comparisons whose names contain the first.
+// With an argument, only the comparisons whose names contain it.
 int main(int argc, char** argv) {
   bool bGood = BuildReverseTable();
   printf("%-26s %10s %10s %8s %8s\n", "", "ours us", "iconv us", "ratio", "at least");

@@ -1,4 +1,4 @@
-// Words of HTTP's grammar for the model of requests. Any thread.
+// Elements of HTTP's grammar for the model of requests. Any thread.
 #pragma once
 
 #include <cstddef>
@@ -12,20 +12,20 @@ constexpr size_t kNone = Text::npos;
 bool IsToken(Text text);
 bool IsNumber(Text text);
 
-// Whether a text may stand in a line. No line ends in here: one that ends in CR or LF alone is
-// refused, though the standard allows the latter, as readers differ about it.
+// Whether a text may be part of a line. It must not contain CR or LF: a line that ends in LF alone
+// is refused although the standard allows it, because parsers differ about it.
 bool IsFieldText(Text text);
 
 // Host and port, which may be empty.
 bool IsAuthority(Text text);
 
-// The same in small letters.
+// The text in lower case.
 std::string Small(Text text);
 
 bool StartsWith(Text text, Text start);
 
-// Takes what stands before the mark off the text, and the mark; all of it when there is no mark.
+// Removes and returns the text up to the mark, and drops the mark; all of it when there is no mark.
 Text Take(Text& rest, Text mark);
 
-// Without the blanks and TABs around it.
+// The text without surrounding blanks and TABs.
 Text TrimBlanks(Text text);

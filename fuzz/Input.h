@@ -1,4 +1,4 @@
-// What every fuzz target needs: its invariants' check and the input taken apart.
+// What every fuzz target needs: the check of its invariants, and splitting of the input.
 #pragma once
 
 #include <cstddef>
@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-// Ends the process, as a finding, when an invariant does not hold.
+// Ends the process, which counts as a finding, when an invariant does not hold.
 void Require(bool bHolds);
 
-// Sends the standard output to nowhere, once: the traces would drown the run.
+// Discards standard output, once: the traces would drown the run.
 void SilenceTraces();
 
 // The input as text.
@@ -20,6 +20,6 @@ std::string_view AsText(const uint8_t* pData, size_t nSize);
 // The pieces between the marks; one piece when there is none.
 std::vector<std::string_view> Split(std::string_view text, char cMark);
 
-// A copy exactly as long as the text, so that a read beyond it is seen; with bTerminated one 0
-// more.
+// A copy exactly as long as the text, so that a read past its end is detected; bTerminated adds a
+// 0.
 std::unique_ptr<char[]> ExactCopy(std::string_view text, bool bTerminated);

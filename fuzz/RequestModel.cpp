@@ -11,7 +11,7 @@ constexpr Text kLineEnd = "\r\n";
 constexpr Text kHeadEnd = "\r\n\r\n";
 
 struct stLine {
-  std::string strName;  // in small letters
+  std::string strName;  // in lower case
   Text value;
 };
 
@@ -30,15 +30,15 @@ struct stRequestHead {
   }
 };
 
-// ---- Where the house deliberately asks for more than the standard, or for less.
+// ---- Where we deliberately demand more than the standard, or less.
 
-// Longer heads are refused, and as much between two pieces of a body in chunks: nobody else bounds
-// what a client makes the service hold.
+// Longer heads are refused, and so is as much between two chunks: nothing else limits what a client
+// makes the service hold.
 constexpr size_t kMostHead = 8191;
 constexpr size_t kMostBody = 1 << 20;
 constexpr size_t kMostLines = 100;
 
-// Other methods ask for what a server like this does not do, CONNECT included.
+// Other methods, CONNECT included, ask for what this kind of server does not do.
 constexpr Text kMethods[] = {
     "GET",      "HEAD",       "POST",       "PUT",         "DELETE", "OPTIONS", "TRACE",
     "PATCH",    "COPY",       "MOVE",       "LOCK",        "UNLOCK", "MKCOL",   "PROPFIND",
@@ -47,16 +47,17 @@ constexpr Text kMethods[] = {
     "M-SEARCH", "MKACTIVITY", "MKCALENDAR", "UNSUBSCRIBE",
 };
 
-// A body whose length nobody tells may be half a body: no set is carried out with one.
+// A body of unknown length may be half a body: no set is executed with one.
 bool LacksLength(const stRequestHead& head, bool bHasBody) {
   return !bHasBody && (head.method == "POST" || head.method == "PUT");
 }
 
-// Bytes that a target should escape and browsers do not, so that the pages' own requests pass.
+// Bytes that should be escaped in a target but that browsers send as they are; the pages' own
+// requests must pass.
 bool IsTargetByte(char c) { return c > ' ' && c < 0x7F && c != '#'; }
 
-// A length that is told twice is refused even when it is the same; so is any coding but the one
-// that everybody knows, and a list with it.
+// A repeated length is refused even when both are equal. So is any coding other than "chunked", and
+// any list with it.
 bool IsOneLength(const std::vector<Text>& values) {
   return values.size() == 1 && IsNumber(values.front());
 }
@@ -64,21 +65,21 @@ bool IsOneCoding(const std::vector<Text>& values) {
   return values.size() == 1 && Small(values.front()) == "chunked";
 }
 
-// The fields that tell where a body ends. A TAB behind their value is a blank that readers differ
-// about. Behind a body in chunks they have no place: ignored, but refused when they are not right.
+// The fields that say where a body ends. Parsers differ about a TAB after their value. In the
+// trailer of a chunked body they do not belong: they are ignored, but refused when malformed.
 bool IsFraming(const stLine& line) {
   return line.strName == "content-length" || line.strName == "transfer-encoding";
 }
 
-// An expectation that the service does not meet; a client of HTTP/1.0 cannot have one.
+// An expectation that the service does not meet; an HTTP/1.0 client cannot have one.
 bool ExpectsMore(const stRequestHead& head) {
   const std::vector<Text> values = head.Values("expect");
   return !head.bOld && std::any_of(values.begin(), values.end(),
                                    [](Text value) { return Small(value) != "100-continue"; });
 }
 
-// Extensions of a chunk have no meaning here, so that what does not leave its line is ignored, be
-// it well-formed or not.
+// Chunk extensions have no meaning here, so anything up to the end of the line is ignored,
+// well-formed or not.
 bool AreExtensions(Text text) {
   return text.empty() || (StartsWith(TrimBlanks(text), ";") && IsFieldText(text));
 }
@@ -125,13 +126,13 @@ bool ReadHead(Text text, stRequestHead& head) {
 
 bool AreHostsRight(const stRequestHead& head) {
   const std::vector<Text> hosts = head.Values("host");
-  // None at all is served: scripts in the field send none.
+  // A request without Host is served: scripts in the field send none.
   return hosts.empty() || (hosts.size() == 1 && IsAuthority(hosts.front()));
 }
 
 // ---- The body.
 
-// Digits of any base up to 16; kMostBody + 1 for all numbers beyond it.
+// Digits of any base up to 16; kMostBody + 1 stands for all larger numbers.
 size_t ToNumber(Text digits, size_t nBase) {
   size_t nNumber = 0;
   for (const char c : digits) {
@@ -156,12 +157,12 @@ stModelRequest InBody() {
   return request;
 }
 
-// Ends the reading of what has arrived at a place from which on a bounded number of bytes may come.
+// Limits what is read of the received bytes: from this place on only a bounded number may come.
 stModelRequest Incomplete(Text received, size_t nMost) {
   return Found(received.size() > nMost ? Verdict::kRefused : Verdict::kPartial, 0);
 }
 
-// The size of a chunk from its line, kNone for one that is not well-formed.
+// The size of a chunk from its line; kNone when malformed.
 size_t ChunkSize(Text line) {
   const size_t nDigits = std::min(line.find_first_not_of("0123456789abcdefABCDEF"), line.size());
   if (nDigits == 0 || !AreExtensions(line.substr(nDigits))) return kNone;
@@ -177,7 +178,7 @@ bool AreTrailers(Text text, bool& bMayRefuse) {
   return true;
 }
 
-// Reads the last lines of a body in chunks, from nAt on, of which none may end beyond nMost.
+// Reads the trailer of a chunked body from nAt on; no line may end beyond nMost.
 stModelRequest ReadTrailer(Text received, size_t nAt, size_t nMost, bool& bMayRefuse) {
   const Text window = received.substr(0, nMost);
   const bool bNone = StartsWith(window.substr(nAt), kLineEnd);
@@ -187,7 +188,7 @@ stModelRequest ReadTrailer(Text received, size_t nAt, size_t nMost, bool& bMayRe
   return Found(Verdict::kWhole, nEnd + (bNone ? kLineEnd : kHeadEnd).size());
 }
 
-// Reads a body in chunks from behind the head on, into strBody.
+// Reads a chunked body, which begins after the head, into strBody.
 stModelRequest ReadChunks(Text received, size_t nHead, std::string& strBody, bool& bMayRefuse) {
   for (size_t nAt = nHead;;) {
     const size_t nMost = std::min(nAt + kMostHead, nHead + kMostBody);

@@ -1,5 +1,5 @@
-// A second reader of requests, written from RFC 9112, to hold the service's own against; they share
-// no code. Slow and plain: it looks at everything anew at each call. Any thread.
+// A second parser of requests, written from RFC 9112, for comparison with the service's own; they
+// share no code. Slow and simple: each call starts from the beginning. Any thread.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,11 @@ enum class Verdict { kPartial, kWhole, kRefused };
 
 struct stModelRequest {
   Verdict verdict = Verdict::kPartial;
-  size_t nLength = 0;       // of a whole one: its bytes
-  std::string strBody;      // of a whole one: freed of its chunks
-  bool bInBody = false;     // of a partial one: any bytes may follow, up to a length that is known
-  bool bMayRefuse = false;  // the house may also refuse it
+  size_t nLength = 0;       // of a whole request: its length
+  std::string strBody;      // of a whole request: without chunk framing
+  bool bInBody = false;     // of a partial request: any bytes may follow, up to a known length
+  bool bMayRefuse = false;  // the service may also refuse it
 };
 
-// Reads the first request of what has arrived, which no empty line stands before.
+// Reads the first request of what has arrived, which must not begin with an empty line.
 stModelRequest ReadModel(std::string_view received);

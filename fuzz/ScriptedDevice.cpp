@@ -1,6 +1,6 @@
-// Defines what the service takes from the platform and from the libraries below it; the linker then
-// leaves the archives' own definitions out. A restart costs nothing and starts no thread, and the
-// clock stands still.
+// Replaces what the service uses from the platform and from the libraries below it; the linker then
+// omits the archives' own definitions. A restart costs nothing and starts no thread, and the clock
+// does not move.
 #include "fuzz/ScriptedDevice.h"
 
 #include <unistd.h>
@@ -80,7 +80,7 @@ void ThreadStop(stThread* pThread) { Require(pThread == &g_thread); }
 
 extern "C" {
 unsigned sleep(unsigned uiSeconds) {
-  // The fuzzer's own thread really waits.
+  // The fuzzer's own thread must really wait.
   const bool bService = gettid() == getpid();
   const timespec pause{static_cast<time_t>(uiSeconds), 0};
   return bService || nanosleep(&pause, nullptr) == 0 ? 0 : uiSeconds;

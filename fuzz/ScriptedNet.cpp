@@ -1,5 +1,5 @@
-// Defines the two calls that the HTTP library's listener is made with; the linker then leaves the
-// platform's out. What it takes for a TCP socket is a local one with a name of its own.
+// Replaces the two calls that create the HTTP library's listener; the linker then omits the
+// platform's. What the library takes for a TCP socket is a local one with its own name.
 #include "fuzz/ScriptedNet.h"
 
 #include <linux/sockios.h>
@@ -15,7 +15,7 @@
 
 namespace {
 
-// So often is nothing seen to happen once nothing happens any more. A round may change only what
+// After this many rounds without an event nothing more will happen. A round may change only what
 // the service waits for.
 constexpr int kQuietRounds = 3;
 
@@ -32,14 +32,14 @@ int socket(int nDomain, int nType, int nProtocol) noexcept {
 
 int bind(int nSock, const sockaddr* /*pAddress*/, socklen_t /*nSize*/) noexcept {
   const sockaddr any = {AF_UNIX, {}};
-  // So short an address asks for any name that is free.
+  // An address this short asks for any free name.
   if (syscall(SYS_bind, nSock, &any, sizeof(any.sa_family)) != 0) return -1;
   g_nListener = sizeof(g_listener);
   return getsockname(nSock, reinterpret_cast<sockaddr*>(&g_listener), &g_nListener);
 }
 }
 
-// What a client, and whoever looks at its socket, can see of the service.
+// What a client can observe of the service at its socket.
 struct CScriptedNet::stSigns {
   int nUnread = 0;      // by the client
   int nUnreceived = 0;  // by the service

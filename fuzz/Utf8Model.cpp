@@ -4,7 +4,7 @@
 
 namespace {
 
-// By lead byte: the bytes that follow and the smallest code point of that length.
+// By lead byte: the number of bytes that follow, and the smallest code point of that length.
 struct stForm {
   unsigned char ucMask;
   unsigned char ucLead;
@@ -14,7 +14,7 @@ struct stForm {
 constexpr stForm kForms[] = {
     {0x80, 0x00, 0, 0}, {0xE0, 0xC0, 1, 0x80}, {0xF0, 0xE0, 2, 0x800}, {0xF8, 0xF0, 3, 0x10000}};
 
-// Takes one character; false when there is none.
+// Removes one character; false when there is none.
 bool Take(std::string_view& rest) {
   const auto ucLead = static_cast<unsigned char>(rest.front());
   for (const stForm& form : kForms) {

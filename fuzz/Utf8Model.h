@@ -1,4 +1,4 @@
-// Strict UTF-8, as a browser takes it.
+// Strict UTF-8, as a browser accepts it.
 #pragma once
 
 #include <string_view>

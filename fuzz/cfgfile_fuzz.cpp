@@ -1,8 +1,8 @@
 // The whole configuration in both directions through the real handlers: a posted text that becomes
 // a datagram, and the same text as the device's export. The input is the text, 0x1E, and the
-// device's reply to the set. Whatever the text: the datagram is one VariCfgSec message that sets
-// something, carries no Result and can be parsed again; an export reaches the browser as valid
-// UTF-8 or not at all.
+// device's reply to the set. For every text, the datagram is one VariCfgSec message that sets
+// something, has no Result and can be parsed again; an export reaches the browser as valid UTF-8 or
+// not at all.
 #include <cstring>
 #include <string>
 
@@ -41,7 +41,7 @@ void CheckSetMessage(std::string_view message) {
           pRoot->Attribute("Result") == nullptr);
 }
 
-// Calls the handler of a URI with a body and gives the bodies of its replies.
+// Calls the handler of a URI with a body and returns the bodies of its replies.
 std::vector<std::string> Call(const char* pszUri, std::string_view body) {
   const std::string strRequest = "POST " + std::string(pszUri) + " HTTP/1.1\r\n\r\n";
   const auto pText = ExactCopy(strRequest + std::string(body), false);

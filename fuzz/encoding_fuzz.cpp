@@ -1,6 +1,6 @@
-// Hostile text through every conversion, as GBK and as UTF-8, into outputs of every size. Whatever
-// the text: no output overflows, each result means what it says, iconv agrees where it has an
-// answer, and what was converted comes back the same.
+// Hostile text through every conversion, as GBK and as UTF-8, into outputs of every size. For every
+// text, no output overflows, each result code is true, iconv agrees where it has an answer, and
+// what was converted comes back the same.
 #include <stdint.h>
 #include <stdlib.h>
 
@@ -30,7 +30,8 @@ void Require(bool bHolds) {
   if (!bHolds) abort();
 }
 
-// The outputs are exactly as large as the functions are told, for the address sanitizer to see.
+// The outputs have exactly the size passed to the functions, so that AddressSanitizer detects an
+// overflow.
 stCodes Decode(int (*pfnDecode)(const char*, uint32_t*, int*), const std::string& text,
                int nCapacity) {
   Codes codes(static_cast<size_t>(nCapacity));
@@ -54,10 +55,10 @@ stBytes Encode(int (*pfnEncode)(const uint32_t*, char*, int*), Codes codes, int 
 int RoomFor(const Codes& codes) { return static_cast<int>(codes.size()) * 6 + 6; }
 
 uint32_t ByteAt(const std::string& text, size_t n) {
-  return n < text.size() ? static_cast<unsigned char>(text[n]) : 0;  // the terminator behind it
+  return n < text.size() ? static_cast<unsigned char>(text[n]) : 0;  // the terminator after it
 }
 
-// A two-byte UTF-8 form whose second byte is not 0x80 to 0x9F is refused.
+// Whether it is a two-byte UTF-8 form whose second byte is not 0x80 to 0x9F, which is refused.
 bool IsRefused(uint32_t uiCode) {
   return uiCode >= 0x80 && uiCode < 0x800 && (uiCode & 0x3F) >= 0x20;
 }
@@ -68,8 +69,8 @@ uint32_t AsDecoded(uint32_t uiCode) {
   return bFiveBytes ? (uiCode & 0xFFFFFF) | uiCode >> 24 << 30 : uiCode;
 }
 
-// Walks the GBK text beside its code points. `plain` receives the text with the single byte 0x01
-// for every unassigned code. Returns where the walk ends.
+// Walks the GBK text and its code points in parallel. `plain` receives the text with the single
+// byte 0x01 for every unassigned code. Returns where the walk ends.
 size_t WalkGbk(const std::string& text, const Codes& codes, std::string& plain) {
   CIconv toUcs4("WCHAR_T", "CP936");
   std::string ucs4;
@@ -144,7 +145,7 @@ void CheckUtf8Text(const std::string& text, int nCodes, int nBytes) {
 
 }  // namespace
 
-// The first two bytes choose the room for code points and for bytes.
+// The first two bytes set the capacity for code points and for bytes.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   if (nSize < 2) return 0;
   const int nCodes = 1 + pData[0] * 4, nBytes = 6 + pData[1] * 4;

@@ -1,5 +1,5 @@
-// Form bodies through the form reader, against a decoder written independently. The input's first
-// byte chooses the variable, the second the rule and the buffer; the rest is the body.
+// Form bodies through the form reader, compared with an independent decoder. The input's first byte
+// selects the variable, the second the rule and the buffer; the rest is the body.
 #include <cstring>
 #include <optional>
 #include <string>
@@ -13,7 +13,7 @@ constexpr const char* kNames[] = {"a", "time", "strFD_SSID", "strFD_CfgPara", "u
 constexpr Presence kRules[] = {Presence::kLengthAbove0, Presence::kNonEmpty, Presence::kAlways};
 
 struct stDecoded {
-  std::string strText;  // what was decoded before the room or the sense ended
+  std::string strText;  // what was decoded before the buffer was full or the encoding broken
   bool bWhole = false;
 };
 
@@ -45,7 +45,7 @@ bool IsNamed(std::string_view pair, std::string_view name) {
          strncasecmp(pair.data(), name.data(), name.size()) == 0;
 }
 
-// What the reader should give: nothing when the variable is missing in the rule's sense.
+// What the reader should return: nothing when the rule counts the variable as missing.
 std::optional<std::string> Expected(std::string_view body, std::string_view name, Presence rule,
                                     size_t nSize) {
   stDecoded decoded;

@@ -1,14 +1,14 @@
-// Bytes from the network through the HTTP edge, the event handler and the router, before a scripted
-// device. The input is a stream of bytes, then the device's replies, in this order:
+// Bytes from the network through the HTTP edge, the event handler and the router, with a scripted
+// device. The input is a stream of bytes, followed by the device's replies, with these marks:
 //   0x1E  begins the next reply of the device
-//   0x1F  ends a piece: what stands before it arrives at once
-//   0x1D  the client goes away and another one comes
-//   0x1C  the client reads what it has been sent, as it does before it goes away
-//   0x1B  the client goes away at once, whatever it has been sent
-// Whatever arrives: every whole request is answered in its turn, up to one that closes, and nothing
-// else; endpoints give well-formed replies; only those that set send a DEVICE_SET; what waits to be
-// sent is bounded; no file outside the document root gets out; every client is let go, every file
-// closed; and neither the datagrams nor the replies depend on the pieces.
+//   0x1F  ends a piece: the bytes before it arrive at once
+//   0x1D  the client disconnects and another one connects
+//   0x1C  the client reads what it has been sent, as it does before it disconnects
+//   0x1B  the client disconnects at once without reading
+// For every input: every complete request is answered in order, up to one that closes, and nothing
+// else is; endpoints send well-formed replies; only those that set send a DEVICE_SET; waiting
+// output is bounded; no file outside the document root is sent; every client is released, every
+// file closed; and neither the datagrams nor the replies depend on the pieces.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -32,12 +32,12 @@ constexpr char kClientMark = '\x1D';
 constexpr char kReadMark = '\x1C';
 constexpr char kAbortMark = '\x1B';
 
-// What stands in the file beside the document root.
+// The content of the file beside the document root.
 constexpr std::string_view kOutsideText = "not for browsers";
-// No reply is longer. One waits at most: a client that does not read gets no further one.
+// No reply is longer. At most one is waiting: a client that does not read gets no other.
 constexpr size_t kLongestReply = 128U << 10;
 constexpr size_t kMostReceived = kMaxHeadBytes + kMaxBodyBytes + MG_TCP_IO_SIZE;
-// Whether a client is told to send its body depends on whether the body has come already.
+// A client is told to send its body only if the body has not already come.
 constexpr std::string_view kContinue = "HTTP/1.1 100 Continue\r\n\r\n";
 
 // The endpoints and how many replies each gives.
@@ -54,7 +54,7 @@ bool StartsWith(std::string_view text, std::string_view start) {
   return text.substr(0, start.size()) == start;
 }
 
-// Exactly these names: a longer or shorter one is a file's.
+// Exactly these names: a longer or shorter one is a file.
 bool IsEndpoint(std::string_view uri) {
   return std::any_of(std::begin(kRoutes), std::end(kRoutes),
                      [&](const stRoute& route) { return route.strUri == uri; });
@@ -67,7 +67,7 @@ bool MaySet(std::string_view uri) {
 std::string_view Text(const mg_str& text) { return {text.p, text.len}; }
 std::string_view Text(const mbuf& buffer) { return {buffer.buf, buffer.len}; }
 
-// The request that is being handled, by its URI: no other time may see a datagram.
+// The URI of the request being handled: datagrams may be sent at no other time.
 const std::string* g_pUri = nullptr;
 
 // The requests of one client that were handled, as received, and whether the last one closes.
@@ -77,7 +77,7 @@ struct stHandled {
 };
 stHandled g_handled;
 
-// What one playing of the input brought.
+// The results of one run of the input.
 struct stPlayed {
   std::vector<std::string> datagrams;
   std::string strReplies;
@@ -90,8 +90,8 @@ void CheckDatagram(std::string_view message) {
   g_pPlayed->datagrams.emplace_back(message);
 }
 
-// Only a whole request is carried out, with all of its body, and only when nothing of an earlier
-// reply waits.
+// Only a complete request with all of its body is executed, and only when no part of an earlier
+// reply is waiting.
 void CheckRequest(const mg_connection& conn, const http_message& msg) {
   const std::string_view received = Text(conn.recv_mbuf);
   const stModelRequest model = ReadModel(received);
@@ -148,8 +148,8 @@ std::string Without(std::string strText, std::string_view part) {
   return strText;
 }
 
-// Every whole request that a client has sent was handled, one behind the other, unless one before
-// it closes; a client that has gone may miss the last ones.
+// Every complete request of a client was handled in order, unless one before it closes the
+// connection; the last ones of a disconnected client may be missing.
 void CheckHandled(std::string_view stream, bool bGone) {
   for (const std::string& strRequest : g_handled.requests) {
     stream.remove_prefix(EmptyLines(stream));
@@ -162,7 +162,7 @@ void CheckHandled(std::string_view stream, bool bGone) {
   Require(next.verdict != Verdict::kWhole || next.bMayRefuse);
 }
 
-// Sends what the client sends before it reads. Returns it, freed of the marks.
+// Sends what the client sends before it reads. Returns it without the marks.
 std::string Send(CScriptedNet& net, std::string_view bytes, bool bInPieces) {
   std::string strAll = Without(std::string(bytes), std::string_view(&kPieceMark, 1));
   for (const std::string_view piece : Split(bInPieces ? bytes : strAll, kPieceMark))
@@ -201,7 +201,7 @@ stPlayed Play(std::string_view input, bool bInPieces) {
   stPlayed played;
   g_pPlayed = &played;
   CWebCtrl::Instance().Sessions() = CSessions();
-  srand(1);  // NOLINT: the same numbers at each playing
+  srand(1);  // NOLINT: the same numbers in each run
   std::vector<std::string_view> replies = Split(input, kReplyMark);
   const std::string_view stream = replies.front();
   replies.erase(replies.begin());

@@ -1,5 +1,5 @@
-// GB28181 identifier lists through the splitter, against one that goes from the front. The input's
-// first four bytes are the number of channels, the rest is the list.
+// GB28181 identifier lists through the splitter, compared with one that works from the front. The
+// input's first four bytes are the number of channels, the rest is the list.
 #include <cstring>
 #include <string>
 #include <utility>
@@ -18,7 +18,7 @@ Items Expected(std::string_view list, uint32_t uiChannels) {
   const auto parts = Split(list, '*');
   Items items;
   int64_t nIndex = static_cast<int64_t>(uiChannels) - 1;
-  // What stands before the first star belongs to nobody.
+  // Text before the first star is not an item.
   for (size_t i = parts.size() - 1; i > 0; --i) items.emplace_back(nIndex--, parts[i]);
   return items;
 }

@@ -1,6 +1,6 @@
-// Hostile reply text through the parser into every importer. Whatever the text: an importer writes
-// into its own section's record only, and every text field stays terminated within its capacity,
-// except the 32-byte identifiers, which may fill it.
+// Hostile reply text through the parser into every importer. For every text, an importer writes
+// only into its own section's record, and every text field stays terminated within its capacity,
+// except the 32-byte identifiers, which may fill theirs.
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   if (ParseXml(doc, strText.c_str()) != 0) return 0;
   TiXmlElement* const pRoot = doc.RootElement();
   if (pRoot == nullptr) return 0;
-  // The root stands for a section as well as the elements inside it do.
+  // Any element may serve as a section, the root as well as those inside it.
   CConfig_Task task;
   ImportAll(task, pRoot);
   int nSections = 0;

@@ -1,6 +1,6 @@
-// Runs a fuzz target over the files of folders, with any compiler: the corpora as ordinary tests.
-// usage: replay_<target> <file or folder>...   Fails when there is no file, and ends by SIGALRM
-// when one input takes too long.
+// Runs a fuzz target over the files in folders, with any compiler, so that the corpora are ordinary
+// tests. usage: replay_<target> <file or folder>... Fails when there is no file, and ends by
+// SIGALRM when one input takes too long.
 #include <unistd.h>
 
 #include <algorithm>
@@ -35,7 +35,7 @@ bool Replay(const std::string& strFile) {
     return false;
   }
   const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-  // The name first: a finding ends the process.
+  // Prints the name first: a finding ends the process.
   fprintf(stderr, "%s\n", strFile.c_str());
   alarm(kMostSecondsEach);
   LLVMFuzzerTestOneInput(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());

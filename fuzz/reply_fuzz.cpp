@@ -1,7 +1,7 @@
-// Hostile device replies through the parser and the operations on messages. Whatever the text: no
-// document nests deeper than the limit, the operations agree with each other, and what they give
-// belongs to the document or fits the caller's room. In the input a part between two 0x02 stands
-// for that part many times, so that nesting is as near as any other mistake.
+// Hostile device replies through the parser and the operations on messages. For every text, no
+// document nests deeper than the limit, the operations agree with each other, and their results
+// belong to the document or fit the caller's buffer. In the input a part between two 0x02 is
+// repeated many times, so that the fuzzer finds deep nesting as easily as any other mistake.
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -68,7 +68,7 @@ void CheckSection(const char* pszText, const TiXmlElement* pRoot) {
   Require(pSection->ValueStr() == pRoot->FirstChildElement()->ValueStr());
 }
 
-// Each capacity leaves what stands behind it alone.
+// No capacity lets a write go past it.
 void CheckAttr(const char* pszText, const TiXmlElement* pRoot, const char* pszName) {
   constexpr char kUntouched = '\x5A';
   for (const size_t nCapacity : {1U, 2U, 7U, 512U}) {
@@ -107,7 +107,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   TiXmlElement* pRoot = nullptr;
   const int nMessage = CheckMessage(pszText, doc, pRoot);
   Require((nMessage == 0) == (pRoot != nullptr));
-  // Of a message that nests too deep, the root may still be a good one.
+  // A message that nests too deeply may still have a valid root.
   TiXmlDocument whole;
   Require(CheckRoot(pszText) == nMessage || ParseXml(whole, pszText) != 0);
   Require(pRoot == nullptr || strcmp(pRoot->FirstAttribute()->Name(), "Action") == 0);

@@ -1,8 +1,8 @@
-// The bytes of a connection through the reading of requests, as a connection of the HTTP edge does
-// it. In the input the byte 0x1F stands for a cut: what is before it arrives first.
-// Whatever arrives, and wherever it is cut: the same requests are delivered, and the reading ends
-// in the same way. A second reader, RequestModel, agrees on where each request ends, on its body,
-// and on what is refused or not whole yet.
+// The bytes of a connection through the parsing of requests, as a connection of the HTTP edge does
+// it. In the input the byte 0x1F marks a cut: the bytes before it arrive first. However the bytes
+// are cut, the same requests are delivered and reading ends in the same way. A second parser,
+// RequestModel, agrees on where each request ends, on its body, and on what is refused or
+// incomplete.
 #include <mongoose.h>
 
 #include <algorithm>
@@ -16,10 +16,10 @@ namespace {
 
 constexpr char kCutMark = '\x1F';
 constexpr size_t kMostByteByByte = 600;
-// The record of a head, and a body in chunks with the room that it grew into.
+// The record of a head, and a chunked body with the buffer that it grew into.
 constexpr size_t kMostHeld = 8192 + 2 * kMaxBodyBytes;
 
-// Everything about a delivered request, as a text to compare.
+// Everything about a delivered request, as text to compare.
 std::string Describe(const CRequest& request, const http_message& msg) {
   std::string strAll;
   const auto Add = [&](const mg_str& text) {
@@ -36,8 +36,8 @@ std::string Describe(const CRequest& request, const http_message& msg) {
          (request.AwaitsContinue() ? "C" : "");
 }
 
-// Whether there is a way to go on that makes a request, which the house may not refuse, of what has
-// arrived so far. Tries the likely ones only, so "no" may be wrong.
+// Whether some continuation turns what has arrived into a request that the service must accept.
+// Tries only likely ones, so "no" may be wrong.
 bool MayBecomeRequest(std::string_view received) {
   static constexpr std::string_view kRest[] = {
       "",
@@ -71,10 +71,10 @@ bool MayBecomeRequest(std::string_view received) {
   });
 }
 
-// One connection's reading.
+// Reads one connection.
 class CReader {
  public:
-  // Bytes arrive: what is whole is delivered.
+  // Bytes arrive: complete requests are delivered.
   void Receive(std::string_view bytes) {
     m_strReceived += bytes;
     while (ReadOne()) {
@@ -92,7 +92,7 @@ class CReader {
   bool ReadOne() {
     if (m_request.State() == Reading::kRefused) return false;
     if (m_request.Held() == 0) m_strReceived.erase(0, EmptyLines(m_strReceived));
-    // Elsewhere each time, and no longer than that: connections move what they hold.
+    // A new place each time, and exactly this long: connections move what they hold.
     const std::unique_ptr<char[]> pCopy = ExactCopy(m_strReceived, false);
     const Reading reading = m_request.Read({pCopy.get(), m_strReceived.size()});
     Require(m_request.Held() <= kMostHeld);
@@ -118,7 +118,7 @@ class CReader {
         Require(model.verdict == Verdict::kPartial);
         break;
       case Reading::kRefused:
-        // The model looks at whole lines only.
+        // The model reads whole lines only.
         Require(model.verdict == Verdict::kRefused || model.bMayRefuse ||
                 (model.verdict == Verdict::kPartial && !MayBecomeRequest(m_strReceived)));
         break;

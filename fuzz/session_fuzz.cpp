@@ -1,5 +1,5 @@
-// Logins and requests through the session store, against a model. The input is a row of steps, each
-// ended by 0x1E: a login is '+', the seconds that pass before it as one byte times 20, and the
+// Logins and requests through the session store, compared with a model. The input is a series of
+// steps, each ended by 0x1E. A login is '+', one byte times 20 for the seconds before it, and the
 // identifier; anything else is a request after the seconds of its first byte times 20.
 #include <string>
 #include <vector>
@@ -30,7 +30,7 @@ class CModel {
     if (!(has("page.css") || has("sets.css")) || !has("time")) return 0;
     if (!has("SessionID")) return -1;
     if (m_logins.empty()) return 0;
-    // Padded, so that an identifier may stand at the very end.
+    // Padded, so that an identifier may be at the very end.
     const std::string strId = (strRequest + std::string(1, '\xFF'))
                                   .substr(Clamp(strRequest, strRequest.find("SessionID") + 10), 32);
     return CheckId(Trimmed(strRequest, strId), nNow);
@@ -43,7 +43,7 @@ class CModel {
     return nPos < strRequest.size() ? nPos : strRequest.size();
   }
 
-  // Without the padding, where it was taken along.
+  // Without the padding, where that was copied as well.
   static std::string Trimmed(const std::string& strRequest, std::string strId) {
     const size_t nFrom = Clamp(strRequest, strRequest.find("SessionID") + 10);
     if (nFrom + strId.size() > strRequest.size()) strId.pop_back();

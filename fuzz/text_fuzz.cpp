@@ -1,5 +1,5 @@
-// The utility functions on texts, against plain models: the tests and converters for numbers and
-// addresses, item names, and the platform addresses' exchange. The input is the text.
+// The utility functions on texts, compared with plain models: the tests and converters for numbers
+// and addresses, item names, and the replacement of platform addresses. The input is the text.
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -44,7 +44,7 @@ void CheckTests(const char* pszText) {
   Require(IsHexStr(pszText) == (bHex && AllOf(text.substr(2), isxdigit) ? 1 : 0));
 }
 
-// Digit by digit, so that nothing but the last eight counts.
+// Digit by digit, so that only the last eight count.
 void CheckHexNumber(std::string_view text) {
   uint32_t uiExpected = 0;
   for (const char c : text)
@@ -81,7 +81,7 @@ void CheckHex(std::string_view text) {
   }
 }
 
-// The number at the start, its 64-bit value stopping at the ends of its range, cut to 32 bits.
+// The number at the start, saturated at 64 bits and cut to 32.
 int ModelInt(std::string_view text) {
   while (!text.empty() && isspace(static_cast<unsigned char>(text.front()))) text.remove_prefix(1);
   const bool bMinus = !text.empty() && text.front() == '-';
@@ -127,7 +127,8 @@ void CheckItemIndex(const char* pszText) {
   Require((nStrict >= 0) == (bDigit && nMark + 2 == text.size()));
 }
 
-// What is no address of the table stays; what is one comes back by the other direction.
+// Text that is not an address of the table stays the same; an address comes back in the other
+// direction.
 void CheckMasking(const char* pszText) {
   const size_t nRoom = std::max<size_t>(16, strlen(pszText) + 1);
   for (const int nDirection : {kMask, kUnmask}) {

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # bench.sh [--slices N] [--seconds S] [--spread]: how fast the daemon is, as ratios in one run: the
-# conversions beside the C library's, then requests beside the floor's and other servers', then
-# instructions per request. Builds what it measures. The machine should have nothing else to do.
-# Ends with 1 when the conversions miss a mark or a reply was not the expected one.
+# conversions compared with the C library's, then requests compared with the floor and other
+# servers, then instructions per request. Builds what it measures. The machine should be idle
+# otherwise. Exits with 1 when a conversion misses its target or a reply was not the expected one.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 

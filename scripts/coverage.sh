@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# coverage.sh [ctest option]...: which lines and branches of the product its tests run through.
+# coverage.sh [ctest option]...: which lines and branches of the product its tests reach.
 #
-# Builds with coverage counters in build/coverage, runs the unit, black-box and fault tests (or what
-# the options choose), and reports the four folders of the product. Fails below 95 % of lines. The
-# report with every line that no test reaches is build/coverage/coverage.txt, the sources with their
-# counts build/coverage/html/index.html.
+# Builds with coverage counters in build/coverage, runs the unit, black-box and fault tests (or
+# those that the options select), and reports on the four folders of the product. Fails below 95 %
+# of lines. build/coverage/coverage.txt lists every line that no test reaches;
+# build/coverage/html/index.html shows the sources with their counts.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -13,11 +13,11 @@ build=$root/build/coverage
 product=(CBB control config encoding)
 jobs=$(nproc)
 
-# Packages by the one list; a machine that has the program needs nothing.
+# Uses the common list of packages; a machine that has the program needs nothing.
 command -v gcovr >/dev/null || "$root/scripts/install-deps.sh" coverage
 
 mkdir -p "$build"
-# Named for its content: another one makes the programs be linked anew.
+# Named after its content: a change makes the programs link again.
 flush=$build/flush-$(sha256sum <"$root/scripts/coverage/flush.c" | cut -c1-8).o
 gcc -O2 -c "$root/scripts/coverage/flush.c" -o "$flush"
 cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DWEBCTRL_BUILD_TESTS=ON \

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# cross.sh [--quick]: builds for a recorder's processor, looks at the result, and drives it here.
+# cross.sh [--quick]: builds for a recorder's processor, checks the result, and tests it here.
 #
-# The executable is static and runs on any ARMv7-A with Linux 3.2 or later. Every black-box test
-# that drives the daemon runs against it under an emulator; --quick leaves out the two files that
-# only wait for a silent device. The result is the folder build/armhf/image.
+# The executable is static and runs on any ARMv7-A with Linux 3.2 or later. Every black-box test of
+# the daemon runs against it under an emulator; --quick leaves out the two files that only wait for
+# a silent device. The result is the folder build/armhf/image.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -22,7 +22,7 @@ build_all() {
     cmake --install build/armhf --strip --prefix "$build/image/opt/webctrl"
 }
 
-# expect <what> <pattern> <text>: the text must have the pattern.
+# expect <what> <pattern> <text>: the text must match the pattern.
 expect() {
   grep -Eq -- "$2" <<<"$3" || fail "the executable is not $1: $3"
   say "$1: yes"
@@ -45,7 +45,7 @@ look_at_it() {
   say "$size bytes"
 }
 
-# One file of tests: a process of its own, in a network of its own.
+# Each file of tests has its own process and its own network.
 test_file() {
   local name=$1 status=0
   timeout 900 /usr/bin/python3 -m pytest -q -p no:cacheprovider --basetemp "$scratch/$name" \
@@ -58,7 +58,7 @@ test_file() {
   [ $status = 0 ] || [ $status = 77 ]
 }
 
-# Most of a test's time is waiting, also under the emulator: more of them than processors.
+# Tests mostly wait, also under the emulator: run more of them than there are processors.
 test_all() {
   local path names=()
   for path in tests/blackbox/test_*.py; do
@@ -67,14 +67,14 @@ test_all() {
   done
   [ ${#names[@]} -gt 0 ] || fail "found no tests"
   mkdir -p "$build/blackbox"
-  # Not pytest's usual folder, which sessions of other programs share and clean up; and not below the
-  # build, as the daemon takes short paths only.
+  # Not pytest's usual folder, which other programs' sessions share and clean up, and not below the
+  # build, because the daemon accepts only short paths.
   scratch=$(mktemp -d)
   trap 'rm -rf "$scratch"' EXIT
   export -f test_file say
   export build self scratch WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
   export DEVSIM_BIN=$root/build/release/bin/devsim
-  # The longest ones come last in the alphabet and begin first.
+  # The longest ones come last in the alphabet and must start first.
   printf '%s\n' "${names[@]}" | sort -r | xargs -P "$((2 * $(nproc)))" -I {} bash -c 'test_file {}'
 }
 

@@ -2,9 +2,9 @@
 # Puts the HTTP library's two source files into a folder (default: .deps/mongoose).
 #
 # Debian 12 has no binary package of the library's 6 series, but carries its sources inside a
-# source package. They are got with the ordinary package client in a private configuration: the
+# source package. They are fetched with the ordinary package client and a private configuration: the
 # machine's own sources plus the deb-src type, for this one call. The machine's configuration and
-# package lists stay as they are. Does nothing when the right files are there already.
+# package lists stay as they are. Does nothing when the right files are already there.
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -32,7 +32,7 @@ trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/parts" "$work/lists/partial" "$work/cache/archives/partial"
 : >"$work/sources.list"
 
-# One-line sources gain a deb-src twin, deb822 sources a second type.
+# One-line sources get a deb-src twin, deb822 sources a second type.
 for list in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
   [ -f "$list" ] || continue
   sed -n -e 's/^[[:space:]]*deb[[:space:]]/deb-src /p' "$list" >>"$work/sources.list"
@@ -47,7 +47,8 @@ private_apt() {
     -o Dir::State::Lists="$work/lists" -o Dir::Cache="$work/cache" -o APT::Sandbox::User=root "$@"
 }
 
-# A foreign source without deb-src only warns here; the download below is what counts.
+# A third-party source without deb-src only causes a warning here; the download below is what
+# counts.
 private_apt update >"$work/log" 2>&1 || true
 (cd "$work" && private_apt source --download-only "$package=$version" >>"$work/log" 2>&1) ||
   fail "cannot download the source package $package $version (no network?): $(tail -n 1 "$work/log")"
@@ -57,7 +58,7 @@ tar -xf "$work"/*.orig.tar.* -C "$work/out" --strip-components=2 --wildcards \
   '*/src/mongoose.c' '*/include/mongoose.h' || fail "cannot unpack the source package"
 sums_match "$work/out" || fail "the downloaded files have the wrong SHA-256"
 
-# Into place by one rename each, so that an interrupted run leaves no half file.
+# Moved into place by one rename each, so that an interrupted run leaves no partial file.
 mkdir -p "$dest"
 for file in mongoose.c mongoose.h; do
   cp "$work/out/$file" "$dest/.$file.new"

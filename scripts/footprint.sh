@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# footprint.sh [--requests N] [--objects N]: how much room the daemon takes on a recorder's disk, in
-# its memory, on its stack and on the heap, as tables. Builds what it looks at.
+# footprint.sh [--requests N] [--objects N]: how much disk, memory, stack and heap the daemon uses
+# on a recorder, as tables. Builds what it measures.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # fuzz.sh [seconds [target]...]: builds the fuzz targets with clang and the address and undefined
 # behaviour sanitizers and runs each for the given time (30 s) from its corpus, two at a time. Any
-# finding fails; the input that shows it is kept in build/fuzz/findings. Targets: fuzz/<name>_fuzz.cpp.
+# finding is a failure; its input is kept in build/fuzz/findings. Targets: fuzz/<name>_fuzz.cpp.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -18,14 +18,14 @@ all_targets() {
 }
 
 configure_and_build() {
-  # Optimised as for a debugger and with assertions: an assertion that input can reach is a finding.
+  # Optimised for debugging and with assertions: an assertion that input can reach is a finding.
   cmake -S "$root" -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
     -DCMAKE_BUILD_TYPE=Fuzz -DCMAKE_C_FLAGS_FUZZ="-O1 -g" -DCMAKE_CXX_FLAGS_FUZZ="-O1 -g" \
     -DWEBCTRL_BUILD_FUZZ=ON -DWEBCTRL_BUILD_TESTS=OFF &&
     cmake --build "$build" -j "$(nproc)" --target "${targets[@]/#/fuzz_}"
 }
 
-# What was found beyond the corpus is kept for the next run in build/fuzz/corpus.
+# New inputs beyond the corpus are kept for the next run in build/fuzz/corpus.
 run_target() {
   local name=$1 log=$build/$1.log found=$build/corpus/$1 dict=()
   mkdir -p "$found" "$build/findings"

@@ -1,6 +1,7 @@
-// A library to be preloaded: counts what a program asks of the heap, in a file that HEAPCOUNT_FILE
-// names and another process reads meanwhile. Four numbers of 64 bits: blocks taken, blocks given
-// back, bytes asked for, and moved blocks. Without the variable it counts for itself.
+// A library for LD_PRELOAD that counts a program's use of the heap in the file named by
+// HEAPCOUNT_FILE, where another process can read it at any time. Four 64-bit numbers: blocks
+// allocated, blocks freed, bytes requested, and blocks moved. Without the variable it counts in
+// private memory.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -10,7 +11,7 @@
 #include <cstdlib>
 
 extern "C" {
-// The C library's own, which the functions below stand in front of.
+// The C library's own functions, which those below wrap.
 void* __libc_malloc(size_t nSize);
 void* __libc_calloc(size_t nCount, size_t nSize);
 void* __libc_realloc(void* pBlock, size_t nSize);
@@ -39,7 +40,7 @@ __attribute__((constructor)) void OpenCounts() {
     if (p != MAP_FAILED) g_pCounts = static_cast<stCounts*>(p);
   }
   close(nFd);
-  // The programs that it starts count for themselves.
+  // Programs that it starts do not count in this file.
   unsetenv("HEAPCOUNT_FILE");
 }
 

@@ -1,10 +1,10 @@
-"""Reads a GNU ld map: how many bytes of a program each object brings, by owner and by section."""
+"""Reads a GNU ld map: how many bytes each object adds to a program, by owner and by section."""
 
 import os
 import re
 from collections import Counter
 
-# What an input file belongs to, the first match wins. Ours are named by their folder.
+# The owner of an input file; the first match wins. Ours are named after their folder.
 _OWNERS = (
     (re.compile(r"(?:^|/)CBB/Http/libhttp\.a\(Library\.c\.o\)"), "HTTP library"),
     (re.compile(r"(?:^|/)libllhttp\.a"), "HTTP parser"),
@@ -15,7 +15,7 @@ _OWNERS = (
     (re.compile(r"/(?:libc|libpthread|libm|libc_nonshared)\.a|/\w?crt[1in]\.o"), "C library"),
 )
 
-# How the sections of an executable are summed up; what is not named is not loaded.
+# How the sections of an executable are grouped; those not named here are not loaded.
 _KINDS = (
     (re.compile(r"^\.(text|init|fini|plt|iplt)|^__libc_freeres_fn"), "code"),
     (re.compile(r"^\.(rodata|data\.rel\.ro)|^__libc_(sub|IO|atexit)"), "constants"),
@@ -62,7 +62,7 @@ def contributions(path):
 
 
 def by_owner(path):
-    """{owner: {kind: bytes}} and {owner: {object: bytes}}, zeroed data left out of the latter."""
+    """{owner: {kind: bytes}} and {owner: {object: bytes}}; the latter without zeroed data."""
     kinds, objects = {}, {}
     for section, size, source in contributions(path):
         kind = kind_of(section)

@@ -1,13 +1,13 @@
 #!/usr/bin/python3
-"""Prints how much room the daemon takes: on the disk, in memory, on its stack, on the heap.
+"""Prints how much room the daemon needs: on disk, in memory, on its stack, on the heap.
 
   run.py [--requests N] [--objects N]
 
-Started by scripts/footprint.sh, which builds what is looked at. The sizes are those of the ARM
-executable and come from its link map. Memory is measured with the static build for this machine,
-which is what a recorder's is but for the processor, and with the usual one, in a network namespace
-with the simulated recorder; the heap with the usual one and a counting library in front of it.
-Exits with 1 when memory grows from one round of requests to the next or beyond the aims below.
+Started by scripts/footprint.sh, which builds what is measured. The sizes come from the link map of
+the ARM executable. Memory is measured in a network namespace with the simulated recorder: with the
+static build for this machine, which differs from a recorder's only in the processor, and with the
+ordinary build. The heap is measured with the ordinary build and a counting library. Exits with 1
+when memory grows from one round of requests to the next, or beyond the targets below.
 """
 
 import argparse
@@ -38,7 +38,7 @@ HEAP_COUNT = os.path.join(BUILD, "footprint/libheap_count.so")
 
 MOST_DISK = 1_200_000
 MOST_RESIDENT_KB = 3 * 1024
-# A page or two of the C library's own bookkeeping may still be touched for the first time.
+# The C library may still touch a page or two of its bookkeeping for the first time.
 MOST_GROWTH_KB = 64
 
 REQUESTS = (
@@ -94,7 +94,7 @@ def ask_many(count):
 
 
 def memory(pid):
-    """Kilobytes: all resident pages, and those that come from no file."""
+    """Kilobytes: all resident pages, and those that do not belong to a file."""
     with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
         text = file.read()
     return [int(re.search(rf"^{name}:\s+(\d+) kB", text, re.M).group(1))
@@ -107,7 +107,7 @@ def start(program, folder, **env):
 
 
 def measure_memory(title, program, folder, count):
-    """Rows for the table, and whether the aims are met."""
+    """Rows for the table, and whether the targets are met."""
     process = start(program, folder)
     try:
         found = [memory(process.process.pid)]
@@ -134,7 +134,7 @@ def print_memory(folder, count):
 
 
 class HeapCounts:
-    """What the preloaded library has counted so far: taken, returned, bytes, moved."""
+    """The preloaded library's counts so far: allocated, freed, bytes, moved."""
 
     def __init__(self, path):
         with open(path, "rb") as file:
@@ -152,7 +152,7 @@ def print_heap(folder, count):
         counts = HeapCounts(path)
         with Client() as client:
             for name, request in REQUESTS:
-                # The first ones make room that later ones use again.
+                # The first ones allocate room that later ones reuse.
                 for _ in range(10):
                     length = len(ask(client, request).body)
                 before = counts.read()

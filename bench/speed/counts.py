@@ -1,4 +1,4 @@
-"""What a request takes that does not depend on the machine: instructions and system calls."""
+"""Costs of a request that do not depend on the machine: instructions and system calls."""
 
 import http.client
 import os

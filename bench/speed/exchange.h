@@ -1,5 +1,5 @@
 // What every program of the speed comparison does for one endpoint: the daemon's system calls for
-// one device exchange, and one parse of the reply. No traces, no records, no checks.
+// one device exchange, and parsing the reply once. No traces, no records, no checks.
 #pragma once
 
 #include <string>

@@ -1,6 +1,6 @@
 // The floor of the speed comparison: the same HTTP library with the same options, the same system
-// calls (traces included) and the same parse of the reply, but the replies are constants. Nothing
-// that answers these requests over this library can do less.
+// calls (traces included) and the same parsing of the reply, but the replies are constants. No
+// program that answers these requests with this library can do less.
 //
 //   floor <port> <document root> <replay folder>
 #include <mongoose.h>
@@ -17,7 +17,7 @@ std::map<std::string, stReplay> g_replays;
 mg_serve_http_opts g_opts;
 
 void Answer(mg_connection* pConn, const stReplay& replay) {
-  // Like the daemon: the traces up to the exchange leave before its wait, the others with the
+  // Like the daemon: the traces up to the exchange are written before its wait, the others with the
   // reply.
   auto line = replay.lines.begin();
   while (line != replay.lines.end() && line->rfind("CUdpCtrlSocket::Recv", 0) != 0) {

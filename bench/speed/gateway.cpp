@@ -1,5 +1,5 @@
-// The same exchange behind another web server: a FastCGI program, or a CGI program when it is
-// started without a FastCGI socket. The replies are constants.
+// The same exchange behind another web server: a FastCGI program, or a CGI program if started
+// without a FastCGI socket. The replies are constants.
 //
 //   REPLAYS=<replay folder> gateway
 #include <fcgiapp.h>

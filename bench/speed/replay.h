@@ -1,5 +1,5 @@
-// The endpoints of the speed comparison as constants: what the daemon did for one request, taken
-// down by the driver in one folder per endpoint (files "request", "trace" and "reply").
+// The endpoints of the speed comparison as constants: what the daemon did for one request, recorded
+// by the driver in one folder per endpoint (files "request", "trace" and "reply").
 #pragma once
 
 #include <map>

@@ -2,15 +2,15 @@
 """Compares the daemon's speed with a floor and with other servers, as ratios in one run.
 
 Everything runs in a private network namespace: the simulated recorder, the daemon on port 80, the
-floor on 81, lighttpd with FastCGI on 82, busybox httpd with CGI on 83. The replies are compared
-byte for byte first. Load goes to one server at a time, in short slices in turn, so that whatever
-else the machine does meets all of them alike; figures are medians of the slices, ratios the medians
-of each slice's own. Nothing is asserted about time: a table is printed. Below it stand the system
-calls of a file request, counted in runs of their own.
+floor on 81, lighttpd with FastCGI on 82, busybox httpd with CGI on 83. First the replies are
+compared byte for byte. Load goes to one server at a time, in short slices in turn, so that other
+work on the machine affects all of them equally. Figures are the medians of the slices, ratios the
+medians of the slices' ratios. Times are only printed, in a table, never asserted. Below it are the
+system calls of a file request, counted in separate runs.
 
-The simulated recorder and the servers share one processor, as they do on a recorder, and the load
-comes from another one, as it does from a browser. With --spread they run wherever there is room;
-each exchange then waits for idle processors to wake up, whichever server asks for it.
+The simulated recorder and the servers share one processor, as on a recorder, and the load comes
+from another one, as from a browser. With --spread they run on any processor; each exchange then
+waits for idle processors to wake up, whichever server makes it.
 
   run.py [--bin FOLDER] [--slices N] [--seconds S] [--spread] [--instructions]
 """
@@ -33,11 +33,11 @@ import netns  # noqa: E402
 from counts import print_instructions, print_system_calls  # noqa: E402
 from servers import ENDPOINTS, FILES, Bench, get, get_tag, wait_for  # noqa: E402
 
-CLOCK = re.compile(rb"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d")  # the one value that differs by the second
+CLOCK = re.compile(rb"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d")  # the only value that changes every second
 
 
 def cpu_seconds(pids):
-    """Time on a processor of these processes' threads, with their ended children's."""
+    """Processor time of these processes' threads and of their finished children."""
     total = 0
     for pid in pids:
         for task in os.listdir(f"/proc/{pid}/task"):
@@ -50,7 +50,8 @@ def cpu_seconds(pids):
 
 
 def share_one_processor():
-    """Keeps what is started from now on to one processor; returns what starts it on another."""
+    """Restricts processes started from now on to one processor; returns a prefix that starts one on
+    another."""
     processors = sorted(os.sched_getaffinity(0))
     if len(processors) < 2:
         return []
@@ -59,7 +60,7 @@ def share_one_processor():
 
 
 def check_alike(servers, paths):
-    """Every server gives the same body for what it serves; else nothing below means anything."""
+    """Checks that every server sends the same bodies; otherwise the figures would mean nothing."""
     reference = CLOCK.sub(b"", get(80, paths["webctrl"])[1])
     for name, (port, _) in servers.items():
         status, body = get(port, paths[name])
@@ -71,10 +72,10 @@ def load(command, pids):
     """One slice: (requests/s, processor seconds per request, median ms)."""
     before = cpu_seconds(pids)
     done = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-    # What is still under way must not meet the next server's exchanges at port 4999.
+    # Unfinished exchanges must not collide with the next server's at port 4999.
     time.sleep(0.2)
     spent = cpu_seconds(pids) - before
-    # A server that closes after each reply counts as read errors; those are no faults.
+    # The tool counts a close after each reply as a read error; that is not a fault.
     if re.search(r"Non-2xx|connect [1-9]|timeout [1-9]", done):
         sys.exit(f"{command[-1]}: {done}")
     count, span = re.search(r"(\d+) requests in ([\d.]+)s", done).groups()
@@ -95,7 +96,7 @@ def measure(servers, wrk, paths, connections, slices, tags=None):
 
 
 def ratio(own, other, at):
-    """The median of the slices' ratios: what the machine does meets neighbours alike."""
+    """The median of the slices' ratios: other load affects neighbouring slices equally."""
     return statistics.median(a[at] / b[at] for a, b in zip(own, other))
 
 
@@ -134,7 +135,7 @@ def run_comparison(bench, wrk, slices):
         paths = dict.fromkeys(servers, f"/{name}")
         check_alike(servers, paths)
         print_rows(f"{name}, 16 conn.", measure(servers, wrk, paths, 16, slices))
-    # The library's own 304 ends the connection, so there is no floor.
+    # The library's own 304 closes the connection, so there is no floor.
     servers = {"webctrl": own["webctrl"], **lighttpd}
     tags = {name: get_tag(port, "/1k.html") for name, (port, _) in servers.items()}
     paths = dict.fromkeys(servers, "/1k.html")

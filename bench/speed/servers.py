@@ -1,4 +1,4 @@
-"""The servers of the speed comparison, in a private network namespace, and how they are asked."""
+"""The servers of the speed comparison, in a private network namespace, and requests to them."""
 
 import http.client
 import os
@@ -81,7 +81,7 @@ class Bench:
         wait_for(80)
         for name in ENDPOINTS:
             self.take_down(name, log, trace)
-        # From now on without the files, like everything else.
+        # From now on without log and trace files, like the other servers.
         self.stop()
         self.processes.clear()
         self.start(os.path.join(self.folder, "devsim"))

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# clang-tidy.sh [file...]: what clang-tidy says about the product's sources and every C file
-# (default: all of them) under .clang-tidy. Needs a configured build/release for the compiler's options.
+# clang-tidy.sh [file...]: checks the product's sources and every C file (default: all of them) with
+# clang-tidy and .clang-tidy. Needs a configured build/release for the compiler's options.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 
@@ -10,7 +10,7 @@ cd "$root"
   mapfile -t files < <(git ls-files CBB config control encoding tools '*.c' | grep -E '\.(cpp|c)$')
 [ $# = 0 ] || files=("$@")
 [ ${#files[@]} -gt 0 ] || fail "found no source to look at"
-# The count of warnings in system headers that it prints to the error output is noise.
+# It counts the warnings in system headers on standard error; that is noise.
 printf '%s\0' "${files[@]}" |
   xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet -p build/release 2>/dev/null ||
   fail "findings, see above"

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# What cppcheck says about the product's sources and tools, less cppcheck.suppressions. Needs a
-# configured build/release.
+# Checks the product's sources and tools with cppcheck and cppcheck.suppressions. Needs a configured
+# build/release.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 
 cd "$root"
 [ -f build/release/compile_commands.json ] || fail "configure first: cmake --preset release"
 mkdir -p build/cppcheck
-# The library's sources are their authors' business; the tests have the sanitizers.
+# The library's sources are not ours; the tests have the sanitizers.
 cppcheck --project=build/release/compile_commands.json -i.deps -itests -j "$(nproc)" \
   --cppcheck-build-dir=build/cppcheck --enable=warning,performance,portability,style \
   --std=c++17 --library=posix --suppressions-list=scripts/checks/cppcheck.suppressions \

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every C and C++ file of the project is laid out as .clang-format says.
+# Checks that every C and C++ file of the project is formatted as .clang-format says.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 

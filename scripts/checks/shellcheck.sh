@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every shell script of the project, by its first line and not by its name.
+# Checks every shell script of the project, found by its first line and not by its name.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../common.sh"
 

@@ -49,7 +49,7 @@ int CConfigDoc::Load(const std::string& strPath, std::string& strError) {
   }
   TiXmlDocument doc;
   doc.SetTabSize(0);
-  // Legacy means byte by byte: no second byte of a GBK pair looks like markup.
+  // "Legacy" parses byte by byte, which is safe: no second byte of a GBK pair looks like markup.
   doc.Parse(text.str().c_str(), nullptr, TIXML_ENCODING_LEGACY);
   const TiXmlElement* pRoot = doc.FirstChildElement("VariCfgSec");
   if (doc.Error() || pRoot == nullptr) {
@@ -83,7 +83,7 @@ void CConfigDoc::Merge(const TiXmlElement& root) {
     auto pNew = pOld != nullptr ? std::make_shared<TiXmlElement>(*pOld->pElem)
                                 : std::make_shared<TiXmlElement>(p->Value());
     MergeElement(*p, *pNew);
-    pNew->RemoveAttribute("StartChn");  // chooses items of a message, is no setting
+    pNew->RemoveAttribute("StartChn");  // selects items in a message; not a setting
     Put(p->ValueStr(), std::move(pNew));
   }
 }

@@ -1,7 +1,7 @@
-// The settings of the simulated recorder: the sections of one VariCfgSec document, in GBK, each
-// kept as an element and as its printed text, so that a query only copies bytes. A copy of the
-// whole is cheap (unchanged elements are shared and never written), which is how a set is tried out
-// before it is accepted. One thread.
+// The settings of the simulated recorder: the sections of one VariCfgSec document, in GBK. Each is
+// kept as an element and as its printed text, so that a query only copies bytes. Copying the whole
+// object is cheap (unchanged elements are shared and never written), so a set is first tried on a
+// copy. One thread.
 #pragma once
 
 #include <stddef.h>
@@ -21,18 +21,18 @@ class CConfigDoc {
   // the new settings, never a part. Returns 0, or -1 with the reason; the file is then unchanged.
   int Save(const std::string& strPath, std::string& strError) const;
 
-  // Takes over every attribute of every section below the root, children included; what is missing
-  // is created. The element must not be nested deeper than the caller can afford to recurse.
+  // Merges every attribute of every section below the root, children included; missing ones are
+  // created. The element must not be nested deeper than the caller can afford to recurse.
   void Merge(const TiXmlElement& root);
 
-  // The printed section, or null when there is none of this name. Valid until the object changes.
+  // The printed section, or null if there is none of this name. Valid until the object changes.
   const std::string* Section(std::string_view name) const;
 
-  // The printed section with only the items (children of a container, numbered behind the last "_")
-  // from nFirst on, at most nCount of them. Empty when there is no section of this name.
+  // The printed section with only the items (children of a container, numbered after the last "_")
+  // from nFirst on, at most nCount of them. Empty if there is no section of this name.
   std::string SectionItems(std::string_view name, int nFirst, int nCount) const;
 
-  // All printed sections, one behind the other.
+  // All printed sections, one after another.
   std::string AllSections() const;
 
  private:

@@ -12,7 +12,7 @@
 
 namespace {
 
-// A reply to a query with StartChn holds this many items at most, so that it fits 2,048 bytes.
+// A reply to a query with StartChn has at most this many items, so that it fits into 2,048 bytes.
 constexpr int kItemsPerReply = 4;
 constexpr std::string_view kRoot = "VariCfgSec";
 constexpr std::string_view kQuery = "DEVICE_QUERY";

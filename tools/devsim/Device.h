@@ -1,5 +1,5 @@
-// What the device application does with a message: reads it, answers a query from the settings,
-// applies a set to them. Knows no sockets and no faults. One thread.
+// What the device application does with a message: parses it, answers a query from the settings,
+// applies a set to them. Knows nothing of sockets or faults. One thread.
 #pragma once
 
 #include <string>
@@ -17,10 +17,10 @@ struct stRequest {
   std::string_view action;       // value of Action
   std::string_view section;      // the first section's name; empty when the root has no child
   int nStartChn = -1;            // the query's StartChn, or -1
-  bool bSectionReadable = true;  // false: neither a section nor the root's end follows
+  bool bSectionReadable = true;  // false: followed by neither a section nor the root's end
 };
 
-// An answer: the root's attributes in order, and what stands below the root.
+// An answer: the root's attributes in order, and the content of the root.
 struct stReply {
   struct stAttr {
     std::string strName;
@@ -49,10 +49,10 @@ class CDevice {
   // path keeps changes in memory only. Returns 0, or -1 with the reason.
   int Open(const std::string& strDefaults, const std::string& strState, std::string& strError);
 
-  // Takes the default settings again (and writes the state file). Returns 0, or -1 with the reason.
+  // Restores the default settings (and writes the state file). Returns 0, or -1 with the reason.
   int Reset(std::string& strError);
 
-  // Carries the message out. A set that cannot be taken over whole changes nothing and is answered
+  // Executes the message. A set that cannot be applied completely changes nothing and is answered
   // with Result 1.
   stReply Answer(const stRequest& req);
 

@@ -79,7 +79,7 @@ constexpr stFaultKind kKinds[] = {
 };
 // clang-format on
 
-// Takes the words before the kind. Returns 0, or -1 with the reason.
+// Parses the words before the kind. Returns 0, or -1 with the reason.
 int ReadConditions(std::string_view& line, stFault& fault, std::string& strError) {
   for (;;) {
     line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));

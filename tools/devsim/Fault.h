@@ -1,7 +1,7 @@
-// What can be wrong with an answer, and when. A fault is told in one line,
+// What can be wrong with an answer, and when. A fault is written in one line,
 //   [for=WHO[,WHO]] [times=N] KIND[:ARGUMENT]
 // where WHO is query, set or a section's name, and the argument runs to the end of the line.
-// Several faults add up; the same kind given twice, the later one decides. One thread.
+// Several faults add up; of the same kind given twice, the later one counts. One thread.
 #pragma once
 
 #include <netinet/in.h>
@@ -29,7 +29,7 @@ struct stPlan {
   std::optional<std::string> early;  // is sent before the reply
   uint16_t usFromPort = 0;  // the reply's source, where it is not the simulator's own socket
   std::string strFromAddr;
-  bool bOwnPort = true;  // false: any other port as the source
+  bool bOwnPort = true;  // false: the source is some other port
 };
 
 struct stFaultKind;
@@ -42,27 +42,27 @@ struct stFault {
   long nTimes = -1;  // requests still to be hit; -1: all
 };
 
-// An unsolicited datagram: no section that anyone asked for, and a Result of its own.
+// An unsolicited datagram, with a section that nobody queried and its own Result.
 constexpr const char* kStaleText =
     "<VariCfgSec Action=\"DEVICE_QUERY\" Result=\"99\"><stStale /></VariCfgSec>";
 
 class CFaults {
  public:
-  // Adds a fault told in a line. Returns 0, or -1 with the reason.
+  // Adds a fault given in a line. Returns 0, or -1 with the reason.
   int Add(const std::string& strLine, std::string& strError);
   void Clear() { m_faults.clear(); }
   bool Empty() const { return m_faults.empty(); }
 
-  // Puts every fault that this request meets into the plan. An unreadable request has neither
-  // action nor section, so only faults without for= meet it.
+  // Adds every fault that applies to this request to the plan. An unreadable request has neither
+  // action nor section, so only faults without for= apply to it.
   void Apply(const stRequest& req, stPlan& plan);
 
  private:
   std::vector<stFault> m_faults;
 };
 
-// The reply as the plan wants its text.
+// The text of the reply according to the plan.
 std::string Spoil(const stPlan& plan, stReply reply);
 
-// The list of kinds for --help, a line each.
+// The list of kinds for --help, one per line.
 std::string FaultHelp();

@@ -70,7 +70,7 @@ int CheckAddress(const stOptions& options, std::string& strError) {
   return -1;
 }
 
-// Takes one option. Returns 0, or -1 with the reason.
+// Parses one option. Returns 0, or -1 with the reason.
 int TakeOption(int nOption, const char* pszWord, stOptions& options, std::string& strError) {
   long nPort = 0;
   CFaults check;

@@ -15,11 +15,11 @@
 
 namespace {
 
-// Bounds the memory that a flood of requests can hold while a delay is set.
+// Limits the memory that a flood of requests can hold while a delay is set.
 constexpr size_t kOutgoingMax = 4096;
 
-// Requests come before commands, so that a command finds what was sent before it carried out; but a
-// flood of requests does not keep commands out.
+// Requests come before commands, so that requests sent before a command take effect before it. But
+// a flood of requests must not block commands.
 constexpr int kRequestsPerTurn = 256;
 
 int OpenSocket(CSocket& socket, const std::string& strAddr, uint16_t usPort,
@@ -50,7 +50,7 @@ int CSimulator::Open(const stOptions& options, std::string& strError) {
     const int nRet = m_faults.Add(strFault, strError);
     if (nRet != 0) return nRet;
   }
-  // Before anyone can know that it runs, and stop it.
+  // Done before anyone can see that it runs, and stop it.
   if (OpenSignals() != 0) {
     strError = std::string("cannot wait for signals: ") + strerror(errno);
     return -1;
@@ -143,7 +143,7 @@ void CSimulator::SendNow(const stOutgoing& out) {
 }
 
 void CSimulator::SendFrom(CSocket& socket, const stOutgoing& out) {
-  // The line comes first: who has the answer finds it in the log.
+  // The line is written first: when a client has its answer, the line is in the log.
   m_log.Add("send", socket.Addr(), out.to, out.strBytes);
   if (socket.Send(out.strBytes, out.to) != 0)
     fprintf(stderr, "devsim: cannot send to %s: %s\n", AddrText(out.to).c_str(), strerror(errno));
@@ -153,7 +153,7 @@ int CSimulator::WaitMs() const {
   if (m_outgoing.empty()) return -1;
   const auto wait = m_outgoing.begin()->first - Clock::now();
   const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(wait).count();
-  return static_cast<int>(std::max<long>(0, ms + 1));  // rounded up: never wakes before its time
+  return static_cast<int>(std::max<long>(0, ms + 1));  // rounded up: never wakes too early
 }
 
 void CSimulator::OnControl(std::string_view command, const sockaddr_in& from) {

@@ -1,5 +1,5 @@
 // The running simulator: waits for requests, control commands and the time of delayed answers, on
-// one thread, until SIGINT or SIGTERM. A delayed answer holds up nothing else.
+// one thread, until SIGINT or SIGTERM. A delayed answer does not block anything else.
 #pragma once
 
 #include <chrono>

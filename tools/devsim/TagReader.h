@@ -1,6 +1,6 @@
-// Reads the tags of a message one by one, without asking for a well-formed document: a query leaves
-// its section element open, so its names are only to be had from the single tags. Results are views
-// into the text that the reader was given; no thread may change that text meanwhile.
+// Reads the tags of a message one by one. The document need not be well-formed: a query leaves its
+// section element open, so only the single tags give its names. Results are views into the text
+// passed to the reader; it must not change meanwhile.
 #pragma once
 
 #include <stddef.h>
@@ -10,7 +10,7 @@
 
 struct stTagAttr {
   std::string_view name;
-  std::string_view value;  // as it stands between the quotes, entities not resolved
+  std::string_view value;  // the raw text between the quotes, entities not resolved
 };
 
 struct stTag {
@@ -24,12 +24,12 @@ class CTagReader {
  public:
   explicit CTagReader(std::string_view text) : m_text(text) {}
 
-  // Skips what stands before the next "<" and reads the tag there.
-  // Returns 0 with the tag, 1 at the end of the text, -1 when it is no element's tag (comments,
-  // declarations and anything malformed included).
+  // Skips to the next "<" and reads the tag there. Returns 0 with the tag, 1 at the end of the
+  // text, -1 when it is not an element's tag (comments, declarations and anything malformed
+  // included).
   int Next(stTag& tag);
 
-  // Only blanks are left.
+  // Whether only blanks are left.
   bool AtEnd();
 
  private:
@@ -44,7 +44,7 @@ class CTagReader {
   size_t m_nPos = 0;
 };
 
-// Whether the text is one closed element with at most nMaxDepth elements inside one another, built
-// from elements, quoted attributes and text only. Returns 0 when it is, -1 otherwise. The XML
-// library descends recursively, so nothing reaches it that has not passed here.
+// Whether the text is one closed element with elements nested at most nMaxDepth deep, made of
+// elements, quoted attributes and text only. Returns 0 when it is, -1 otherwise. The XML library
+// recurses, so it gets only text that has passed this check.
 int CheckNesting(std::string_view text, int nMaxDepth);

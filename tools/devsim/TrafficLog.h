@@ -1,8 +1,8 @@
 // One line for each datagram, written at once:
 //   recv FROM TO LENGTH "bytes"
 //   send FROM TO LENGTH "bytes"
-// Addresses are IPv4:port; the bytes are escaped as Quote says, which Python reads behind a b
-// as a bytes literal. One thread.
+// Addresses are IPv4:port; the bytes are escaped by Quote: with a b in front they are a Python
+// bytes literal. One thread.
 #pragma once
 
 #include <netinet/in.h>
@@ -17,7 +17,7 @@ class CTrafficLog {
   CTrafficLog& operator=(const CTrafficLog&) = delete;
   ~CTrafficLog();
 
-  // Appends to the file from now on; "-" is standard output. Returns 0, or -1 with errno.
+  // Opens the file for appending; "-" is standard output. Returns 0, or -1 with errno.
   int Open(const std::string& strPath);
 
   // Writes nothing when no log is open.

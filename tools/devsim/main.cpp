@@ -1,4 +1,5 @@
-// devsim: the simulated recorder. Answers the web-control daemon on a desk and in tests.
+// devsim: the simulated recorder. It answers the web-control daemon in tests and during
+// development.
 #include <stdio.h>
 
 #include "tools/devsim/Options.h"

@@ -1,6 +1,6 @@
 // gbk_table: writes encoding/gbk_table.inc, the GBK forward table, from the C library's iconv.
-// Usage: gbk_table <file>. Nothing is written unless the mapping has exactly the number of assigned
-// codes that the table is known to have and no value twice. Exit status 0 written, 1 refused.
+// Usage: gbk_table <file>. Nothing is written unless the mapping has exactly the known number of
+// assigned codes and no value twice. Exit status 0: written, 1: refused.
 #include "encoding/gbk_table.h"
 
 #include <errno.h>
@@ -14,8 +14,8 @@ namespace {
 
 constexpr int kCodesPerLine = 5;
 
-// The UCS-2 value of a two-byte code, or kGbkUnassigned where iconv knows none. -1: iconv answered
-// with something that a table of single UCS-2 values cannot hold.
+// The UCS-2 value of a two-byte code, or kGbkUnassigned where iconv has none. -1: iconv returned
+// something that a table of single UCS-2 values cannot hold.
 int Ucs2Of(iconv_t pConverter, int nCode) {
   char szIn[] = {static_cast<char>(nCode >> 8), static_cast<char>(nCode & 0xFF)};
   unsigned char szOut[8];
