@@ -1,5 +1,5 @@
-/* Linked into the programs of a coverage build only: a program that is ended by SIGTERM, as the
-   daemon is in tests, or by a failed assertion writes what it has counted before it goes. */
+/* Linked only into the programs of a coverage build: a program that is ended by SIGTERM, like the
+   daemon in tests, or by a failed assertion writes its counts before it exits. */
 #include <signal.h>
 
 void __gcov_dump(void); /* NOLINT: the compiler's */

@@ -1,4 +1,4 @@
-"""Whole configurations as texts: how they look on both wires."""
+"""Whole configurations as texts, as sent on both sides of the daemon."""
 
 from urllib.parse import quote_from_bytes
 
@@ -8,7 +8,7 @@ def document(text, root='VariCfgSec Action="DEVICE_QUERY"'):
 
 
 def export(text, result=1):
-    """The chunks that hand a document to the browser."""
+    """The chunks that carry a document to the browser."""
     return [b'{ "strFD_CfgPara": "%s"' % text.encode(), b', "result": %d }' % result]
 
 

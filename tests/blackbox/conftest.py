@@ -10,7 +10,7 @@ from daemon import Daemon
 from device import SILENCE, ScriptedDevice
 from http_client import STANDARD_HEAD, Client, get, post
 
-# What CTest takes for "skipped".
+# CTest's exit status for "skipped".
 _EXIT_SKIPPED = 77
 
 _state = {"reason": None, "folder": None}
@@ -24,7 +24,8 @@ def pytest_addoption(parser):
 
 
 def pytest_cmdline_main(config):
-    """Tests that mostly wait run side by side: one session, namespace and daemon per share."""
+    """Tests that mostly wait run side by side: each share has its own session, namespace and
+    daemon."""
     if config.option.shards == 1 or config.option.shard is not None:
         return None
     command = [sys.executable, "-m", "pytest", *config.invocation_params.args]
@@ -44,7 +45,7 @@ def pytest_configure(config):
     except netns.NotAllowed as error:
         _state["reason"] = str(error)
         return
-    # Sessions run side by side, and the usual folder is cleared by whichever of them ends.
+    # Sessions run side by side, and any of them clears the usual folder when it ends.
     config.option.basetemp = os.path.join(_state["folder"], "tests")
 
 
@@ -67,13 +68,13 @@ def pytest_sessionfinish(session):
 
 
 class Rig:
-    """The daemon between a browser's wire and a device's wire."""
+    """The daemon between a browser and a device."""
 
     def __init__(self, daemon, device):
         self.daemon, self.device = daemon, device
 
     def ask(self, request, *steps, head=STANDARD_HEAD):
-        """One request on a connection of its own; the device plays the steps meanwhile."""
+        """One request on its own connection; meanwhile the device plays the steps."""
         self.device.play(*steps)
         self.daemon.mark()
         with Client() as client:
@@ -91,10 +92,10 @@ class Rig:
         return self.ask(post(uri, form), *steps)
 
     def ask_unanswered(self, request, last_line, *steps):
-        """A request that deliberately gets no reply; returns once the daemon is through with it.
+        """A request that deliberately gets no reply; returns once the daemon is done with it.
 
         The proof that nothing comes: the daemon serves one request after another, and two later
-        requests have their whole replies while this connection is still silent and open.
+        requests get complete replies while this connection is still silent and open.
         """
         self.device.play(*steps)
         self.daemon.mark()

@@ -1,7 +1,7 @@
-"""The real executable in a folder of its own, its output in files, stopped by its process id.
+"""The real executable in its own folder, with its output in files, stopped by its process id.
 
-WEBCTRL_BIN names the executable (build/release/bin/webctrl without it); WEBCTRL_RUNNER is put in
-front of the command line, so that "valgrind -q" (see valgrind.supp) or an emulator runs every test.
+WEBCTRL_BIN names the executable (default: build/release/bin/webctrl). WEBCTRL_RUNNER is put before
+the command line, so that "valgrind -q" (see valgrind.supp) or an emulator can run every test.
 """
 
 import os
@@ -17,14 +17,14 @@ _ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__
 PROGRAM = os.environ.get("WEBCTRL_BIN") or os.path.join(_ROOT, "build/release/bin/webctrl")
 _RUNNER = shlex.split(os.environ.get("WEBCTRL_RUNNER", ""))
 
-# Ends a wait that would never end; no test measures time with it.
+# Ends a wait that would otherwise never end; no test measures time with it.
 PATIENCE = 120
 
 _CLOCK_REALTIME_COARSE = 5
 
 _REPORTS = re.compile(r"Sanitizer|runtime error:|^==\d+==", re.MULTILINE)
 
-# In an expected line: any decimal number (a line of the source, a thread's id, a length).
+# In an expected line: any decimal number (a source line, a thread id, a length).
 N = "{n}"
 
 
@@ -48,18 +48,19 @@ def wait_until(condition, what):
 
 
 def clock():
-    """The second that time() gives the daemon: that clock lags some milliseconds behind."""
+    """The second that time() returns to the daemon: that clock is some milliseconds late."""
     return int(time.clock_gettime(_CLOCK_REALTIME_COARSE))
 
 
 def wait_for_next_second():
-    """What the daemon does from now on has a later second, whichever clock it reads."""
+    """Waits until the daemon sees a later second, whichever clock it reads."""
     now = int(time.time())
     wait_until(lambda: clock() > now, "the next second")
 
 
 def fill_web_root(folder):
-    """A small web root: pages with a name each, so that a reply tells which one was served."""
+    """A small web root whose pages contain their names, so that a reply shows which one was
+    served."""
     os.makedirs(folder, exist_ok=True)
     pages = {
         "index.html": "<html>index</html>",
@@ -76,14 +77,14 @@ def fill_web_root(folder):
 
 
 def _has_connections():
-    """Whether a socket of port 80 is connected or waits for the daemon to close it."""
+    """Whether a socket of port 80 is connected or is waiting for the daemon to close it."""
     with open("/proc/net/tcp", encoding="ascii") as file:
         rows = [line.split() for line in file.readlines()[1:]]
     return any(row[1].endswith(":0050") and row[3] in ("01", "08") for row in rows)
 
 
 class Output:
-    """One output file of the daemon, read from a mark on."""
+    """One output file of the daemon, read from a mark onwards."""
 
     def __init__(self, path):
         self._path = path
@@ -104,7 +105,7 @@ class Output:
         wait_until(lambda: piece in self.since_mark(), f"{piece!r} in {self.since_mark()!r}")
 
     def expect_in_order(self, *lines):
-        """These lines since the mark in this order, others may stand between them."""
+        """Expects these lines since the mark in this order; others may come between them."""
         pattern = re.compile(
             "".join(f"^{re.escape(line)}$(?s:.*)".replace(re.escape(N), r"\d+") for line in lines),
             re.MULTILINE,
@@ -114,7 +115,8 @@ class Output:
         self.mark()
 
     def expect(self, *lines, tail=""):
-        """Exactly these lines (and an unfinished one) since the mark, once all are written."""
+        """Expects exactly these lines (and an unfinished one) since the mark, once all are
+        written."""
         text = "".join(line + "\n" for line in lines) + tail
         pattern = re.compile(re.escape(text).replace(re.escape(N), r"\d+"))
         deadline = time.monotonic() + 5
@@ -126,9 +128,9 @@ class Output:
 
 
 class Daemon:
-    """One process. start() returns when it serves; spawn() at once, for starts that fail.
+    """One process. start() returns when it serves; spawn() returns at once, for starts that fail.
 
-    env changes its environment; None takes a variable away.
+    env changes its environment; None removes a variable.
     """
 
     def __init__(self, folder, name="webctrl", web_root="web_root", env=None):
@@ -182,7 +184,8 @@ class Daemon:
         return len(os.listdir(f"/proc/{self.process.pid}/{what}"))
 
     def count_idle_descriptors(self):
-        """Descriptors once all clients' connections are closed and restarted threads have ended."""
+        """The descriptors once all client connections are closed and restarted threads have
+        ended."""
         wait_until(lambda: not _has_connections(), "the connections to close")
         wait_until(lambda: self.count("task") == self._threads, "the restarted threads to end")
         return self.count("fd")
@@ -199,7 +202,7 @@ class Daemon:
             return file.read().rpartition(")")[2].split()[0]
 
     def stop(self):
-        """Ends the process; it must have lived until now and no checker may have complained."""
+        """Ends the process; it must still be alive, and no checker may have complained."""
         was_alive = self.is_alive()
         if was_alive:
             self.process.terminate()

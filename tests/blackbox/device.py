@@ -1,4 +1,4 @@
-"""The device application's side of the wire: a scripted one, and the simulated recorder."""
+"""The device application's side: a scripted one, and the simulated recorder."""
 
 import os
 import select
@@ -36,7 +36,7 @@ VERSION_QUERY = query("<stVersion />")
 
 
 def version(channels):
-    """The answer that tells how many video channels there are."""
+    """The answer with the number of video channels."""
     return answer(f'<stVersion VideoCnt="{channels}"/>')
 
 
@@ -58,8 +58,8 @@ class ScriptedDevice:
     """Answers each datagram with the next step of its script and keeps what it received.
 
     A step is the reply's bytes, SILENCE, or a function of (device, source address). Datagrams
-    beyond the script get `otherwise`. The thread is the only reader of the socket; a test reads
-    `requests` after the HTTP reply, when the exchange is over.
+    beyond the script get `otherwise`. Only the thread reads the socket; a test reads `requests`
+    after the HTTP reply, when the exchange is over.
     """
 
     def __init__(self):
@@ -105,7 +105,7 @@ class ScriptedDevice:
 
 
 class SimulatedRecorder:
-    """The program devsim with its document in a folder of the test."""
+    """The program devsim with its document in a test folder."""
 
     def __init__(self, folder, *options):
         self._state = os.path.join(folder, "recorder.xml")
@@ -124,7 +124,7 @@ class SimulatedRecorder:
             return file.read()
 
     def document(self):
-        """The settings as the recorder keeps them, in GBK."""
+        """The settings as the recorder stores them, in GBK."""
         with open(self._state, "rb") as file:
             return file.read()
 

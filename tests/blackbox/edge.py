@@ -1,8 +1,8 @@
-"""Rows of what a client sends and what it meets, and the one loop that drives them.
+"""Rows of what a client sends and what it gets, and the loop that drives them.
 
-Each row is met alone and with a good request behind it on the same connection. Where a connection
-is closed, nothing behind the row is carried out and no reset takes the reply away; where it is
-kept, the good request is answered next. The device counts what was carried out.
+Each row is sent alone, and followed by a good request on the same connection. Where the connection
+is closed, nothing after the row is executed and no reset destroys the reply; where it is kept, the
+good request is answered next. The device counts what was executed.
 """
 
 import contextlib
@@ -43,7 +43,7 @@ REASONS = {
     505: "HTTP Version Not Supported",
 }
 
-# What becomes of the connection: EITHER where it is the server's choice, which the reply then tells.
+# What happens to the connection: EITHER where the server may choose, and the reply says which.
 KEPT, CLOSED, EITHER = "kept", "closed", "either"
 
 Row = namedtuple("Row", "sentence request status after exchanges body", defaults=(KEPT, 0, None))
@@ -54,7 +54,7 @@ def refused(sentence, request, status=400):
 
 
 def carried_out(sentence, request, after=KEPT):
-    """A set of the device's number: one exchange with just that message."""
+    """A set of the device number: one exchange with exactly that message."""
     return Row(sentence, request, 200, after, 1, SET_DONE)
 
 
@@ -72,27 +72,27 @@ def get_page(*lines):
 
 
 def set_number(*lines, body=NUMBER_FORM, version="1.1"):
-    """A set with these header lines, which have to tell where its body ends."""
+    """A set with these header lines, which must say where its body ends."""
     text = head(f"POST /set_DeviceNo HTTP/{version}", "Host: recorder", *lines)
     return text + (body if isinstance(body, bytes) else body.encode())
 
 
 def by_sentence(rows):
-    """The arguments of parametrize for a table of rows: each alone and with a request behind."""
+    """The arguments of parametrize for a table of rows: each alone and followed by a request."""
     sentences = [row.sentence for row in rows]
     assert len(set(sentences)) == len(sentences), "two rows with one sentence"
     return {"argvalues": rows, "ids": sentences}
 
 
 class Reply(namedtuple("Reply", "head body interim")):
-    """One reply: its head and body, and how many 100 Continue stood in front of it."""
+    """One reply: its head and body, and how many 100 Continue came before it."""
 
     @property
     def status(self):
         return int(self.head.split(b" ")[1])
 
     def header(self, name):
-        """The value of a header, None without one."""
+        """The value of a header, or None."""
         found = re.findall(rb"(?im)^" + name.encode() + rb":[ \t]*(.*?)[ \t]*\r$", self.head)
         assert len(found) <= 1, f"{name} more than once in {self.head!r}"
         return found[0].decode() if found else None
@@ -109,7 +109,8 @@ CONTINUE = b"HTTP/1.1 100 Continue\r\n\r\n"
 
 
 class EdgeClient(Client):
-    """A client that knows what it asked for, cuts what it sends and tells a reset from an end."""
+    """A client that knows what it asked for, splits what it sends and distinguishes a reset from an
+    end."""
 
     def __init__(self, port=80, patience=10):
         super().__init__(port=port)
@@ -118,7 +119,7 @@ class EdgeClient(Client):
         self._server, self._client = self._sock.getpeername(), self._sock.getsockname()
 
     def send_cut(self, data, places):
-        """In pieces that the server reads one by one."""
+        """Sends in pieces that the server reads one by one."""
         ends = sorted({place for place in places if 0 < place < len(data)} | {len(data)})
         for begin, end in zip([0, *ends], ends):
             self.send(data[begin:end])
@@ -129,7 +130,7 @@ class EdgeClient(Client):
                 time.sleep(0.0002)
 
     def _is_read(self):
-        """Whether the server has taken all that was sent, or has no such connection any more."""
+        """Whether the server has read all that was sent, or no longer has the connection."""
         return bytes_on_the_way(self._sock) == 0 == bytes_waiting(self._server, self._client)
 
     def read_head(self):
@@ -153,7 +154,8 @@ class EdgeClient(Client):
         return self.read_end() if length is None else self._exactly(int(length))
 
     def read_end(self):
-        """What comes until the connection ends in order; a reset or no end at all raises."""
+        """What comes until the connection ends in an orderly way; raises on a reset or without an
+        end."""
         with contextlib.suppress(EOFError):
             while True:
                 self._more()
@@ -162,7 +164,8 @@ class EdgeClient(Client):
 
 
 def settle():
-    """The daemon is through with what came before when it has answered another client twice."""
+    """Returns when the daemon is done with everything before: it has answered another client
+    twice."""
     with Client() as other:
         for _ in range(2):
             other.send(get("/page.css"))
@@ -179,13 +182,13 @@ def check(row, reply):
     assert reply.has_right_reason(), reply.head
     if row.body is not None and reply.status in (200, 206):
         assert reply.body == (b"" if method_of(row.request) == "HEAD" else row.body)
-    # Endpoints keep the heads that they always had, whatever becomes of the connection.
+    # Endpoints keep their usual heads, whatever happens to the connection.
     if row.exchanges == 0 and reply.status >= 400:
         assert row.after == EITHER or reply.says_closed() == (row.after == CLOSED), reply.head
 
 
 def meet(rig, row, behind, places=()):
-    """Sends the row, alone or with a good request behind it, and checks all that comes of it."""
+    """Sends the row, alone or followed by a good request, and checks all the results."""
     rig.device.play()
     with EdgeClient() as client:
         client.send_cut(row.request + (GOOD if behind else b""), places)

@@ -1,4 +1,4 @@
-"""The endpoints, out of the daemon's own table."""
+"""The endpoints, read from the daemon's own table."""
 
 import os
 import re

@@ -1,7 +1,7 @@
-"""An HTTP client that shows every byte: raw requests out, replies taken apart chunk by chunk.
+"""An HTTP client that shows every byte: raw requests out, replies parsed chunk by chunk.
 
-One Client is one connection. Framing faults raise; nothing is skipped or mended, so a reply that
-parses had exactly the bytes that the chunks say.
+One Client is one connection. Framing errors raise; nothing is skipped or repaired, so a reply that
+parses had exactly the bytes that its chunks state.
 """
 
 import socket
@@ -13,7 +13,8 @@ JSON_HEAD = (
     b"Transfer-Encoding: chunked\r\n\r\n"
 )
 
-# Far above any wait of the daemon (10 s for an import, then 2 s of restart), also under valgrind.
+# Far longer than any wait of the daemon (10 s for an import, then 2 s of restart), also under
+# valgrind.
 _PATIENCE = 120
 
 Reply = namedtuple("Reply", "head chunks body")
@@ -30,7 +31,7 @@ def post(uri, form, headers=""):
 
 
 def query_chunks(result, *pieces):
-    """The chunks of a query endpoint's reply: its pieces and the result."""
+    """The chunks of a query endpoint's reply: its pieces, then the result."""
     return [*(piece.encode("gbk") for piece in pieces), b', "result": %d }' % result]
 
 
@@ -81,7 +82,7 @@ class Client:
         return data
 
     def read_reply(self):
-        """The next whole reply of the connection: chunked, or with a Content-Length."""
+        """The next complete reply of the connection: chunked, or with a Content-Length."""
         head = self._until(b"\r\n\r\n")
         chunks = []
         if b"\r\nTransfer-Encoding: chunked\r\n" in head:
@@ -95,7 +96,7 @@ class Client:
         return Reply(head, chunks, self.read_to_end())
 
     def read_to_end(self):
-        """Everything up to the daemon's closing of the connection."""
+        """Everything until the daemon closes the connection."""
         while True:
             try:
                 self._more()
@@ -117,7 +118,7 @@ class Client:
             self._sock.settimeout(_PATIENCE)
 
     def pending(self):
-        """What has arrived and was not read by now."""
+        """What has arrived and was not read yet."""
         self._take_what_is_there()
         return self._rest
 

@@ -1,8 +1,8 @@
 """A private network and mount namespace for the test process and everything it starts.
 
-Ports 80, 4999 and 6000 are free inside, "lo" is up, "eth0" answers with ETH0_ADDRESS, and
-/sbin/ifconfig is a stand-in that only writes its arguments to a file. The process stays in the
-namespace until it ends; the kernel then removes all of it.
+Inside, ports 80, 4999 and 6000 are free, "lo" is up, "eth0" has ETH0_ADDRESS, and /sbin/ifconfig is
+a stand-in that only writes its arguments to a file. The process stays in the namespace until it
+ends; the kernel then removes all of it.
 """
 
 import ctypes
@@ -25,7 +25,7 @@ _LIBC.mount.argtypes = [ctypes.c_char_p] * 3 + [ctypes.c_ulong, ctypes.c_void_p]
 
 
 class NotAllowed(Exception):
-    """The machine refuses a private namespace; the text is the reason."""
+    """The machine refuses a private namespace; the text says why."""
 
 
 def _check(result, what):
@@ -50,7 +50,7 @@ def _mount(source, target, flags, kind=None):
 
 
 def cover(target, source):
-    """Lets the file `source` be seen in the place of `target`, inside the namespace."""
+    """Shows the file `source` in place of `target` inside the namespace."""
     _mount(os.fspath(source), target, _MS_BIND)
 
 
@@ -84,7 +84,7 @@ def _network():
 
 
 def _ifconfig_stand_in(base):
-    """Puts links to the real programs, and the stand-in, in the place of /sbin."""
+    """Replaces /sbin by links to the real programs and the stand-in."""
     folder = os.path.realpath("/sbin")
     real, farm = os.path.join(base, "real"), os.path.join(base, "farm")
     os.mkdir(real)
@@ -101,9 +101,9 @@ def _ifconfig_stand_in(base):
 
 
 def enter():
-    """Moves this process into a namespace of its own; raises NotAllowed with the reason.
+    """Moves this process into its own namespace; raises NotAllowed with the reason.
 
-    Returns the scratch folder that leave() removes; its content exists only inside.
+    Returns a scratch folder, which leave() removes; its content exists only inside.
     """
     try:
         _unshare()

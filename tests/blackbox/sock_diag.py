@@ -1,4 +1,4 @@
-"""Asks the kernel about one connection; /proc/net/tcp tells the same of all, and slowly."""
+"""Asks the kernel about one connection; /proc/net/tcp lists all of them, and is slow."""
 
 import fcntl
 import socket
@@ -12,7 +12,7 @@ _ANY_COOKIE = 0xFFFFFFFF
 _HEADER = struct.Struct("=IHHII")
 # The connection as its owner sees it: ports, addresses, interface, cookie.
 _REQUEST = struct.Struct("=BBBxI2s2s4s12x4s12xIII")
-# Where the length of the receive queue stands in an answer, behind what names the connection.
+# The offset of the receive queue's length in an answer, after the connection's identity.
 _RECEIVE_QUEUE = _HEADER.size + 4 + 48 + 4
 
 
@@ -21,7 +21,7 @@ def _name(address):
 
 
 def bytes_waiting(owner, other):
-    """What a local connection's owner has not read yet; 0 when there is no such connection."""
+    """How much a local connection's owner has not read yet; 0 when there is no such connection."""
     (port, host), (other_port, other_host) = _name(owner), _name(other)
     request = _REQUEST.pack(
         socket.AF_INET, socket.IPPROTO_TCP, 0, _ANY_COOKIE, port, other_port, host, other_host, 0,
@@ -37,5 +37,5 @@ def bytes_waiting(owner, other):
 
 
 def bytes_on_the_way(sock):
-    """What was sent on a connection and has not reached the other end's queue."""
+    """How much was sent on a connection and has not reached the other end's queue."""
     return struct.unpack("=i", fcntl.ioctl(sock, termios.TIOCOUTQ, b"\0" * 4))[0]

@@ -1,4 +1,4 @@
-"""The whole configuration out of the device, as UTF-8 and unescaped."""
+"""The whole configuration read from the device, as UTF-8 and unescaped."""
 
 import pytest
 from cfgfile import document, export

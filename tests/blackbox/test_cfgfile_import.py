@@ -1,4 +1,4 @@
-"""The whole configuration back into the device, as GBK and in one line."""
+"""The whole configuration sent back to the device, as GBK and in one line."""
 
 import random
 
@@ -171,7 +171,7 @@ def test_answer_of_the_device_decides_as_for_a_set(rig, sentence, data, result, 
 
 
 def random_document(source):
-    """A document in the printer's own form: what is exported must come back byte for byte."""
+    """A document in the printer's own format: an export must come back byte for byte."""
     plain = "abcXYZ0189 _-.:/*#%+=\\~`^|{}[]()$!?@;,"
     entities = ["&amp;", "&lt;", "&gt;", "&quot;", "&apos;"]
 

@@ -1,7 +1,7 @@
-"""The simulated recorder alone: what it answers, keeps and logs, and how it answers wrongly.
+"""The simulated recorder alone: what it answers, stores and logs, and how its faults work.
 
-It runs on free ports of 127.0.0.1. That it sends nothing is shown by asking again: it serves one
-datagram after another, so the next thing to arrive would have been the unwanted answer.
+It runs on free ports of 127.0.0.1. Asking again shows that it sent nothing: it serves one datagram
+after another, so an unwanted answer would have arrived first.
 """
 
 import ast
@@ -16,7 +16,7 @@ import xml.etree.ElementTree as ElementTree
 import pytest
 
 BINARY = os.environ.get("DEVSIM_BIN", "build/release/bin/devsim")
-WAIT = 10  # seconds; only a broken simulator uses them up
+WAIT = 10  # seconds; only a broken simulator needs them
 DISPLAY = b'<VariCfgSec Action="DEVICE_QUERY"><stDisplay></VariCfgSec>'
 WHOLE = b'<VariCfgSec Action="DEVICE_QUERY"></VariCfgSec>'
 SET_US = b'<VariCfgSec Action="DEVICE_SET"><stDisplay strLanguage="US" /></VariCfgSec>'
@@ -24,7 +24,7 @@ ACCEPTED = b'<VariCfgSec Action="DEVICE_SET" Result="0" />'
 REFUSED = b'<VariCfgSec Action="DEVICE_SET" Result="1" />'
 STALE = b'<VariCfgSec Action="DEVICE_QUERY" Result="99"><stStale /></VariCfgSec>'
 
-# What the daemon's buffer for the reply to each of its queries holds.
+# The size of the daemon's reply buffer for each of its queries.
 CAPACITIES = {
     b"<stLockOfPassword>": 256,
     b"<stDisplay>": 512,
@@ -56,7 +56,7 @@ class Devsim:
         self.new_client()
 
     def new_client(self):
-        """A socket that no answer to an earlier test can reach."""
+        """A new socket, which no answer to an earlier test can reach."""
         if self.socket:
             self.socket.close()
         self.socket = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)

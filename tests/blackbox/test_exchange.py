@@ -1,4 +1,4 @@
-"""The socket to the device application, seen through /get_LangInfo and /set_LangInfo."""
+"""The socket to the device application, tested through /get_LangInfo and /set_LangInfo."""
 
 import socket
 import time
@@ -117,7 +117,7 @@ def test_empty_datagram_is_no_reply(rig):
 
 
 def test_late_reply_is_not_taken_for_the_next_one(rig):
-    """A spare reply to the first message is there before the second message goes out."""
+    """An extra reply to the first message is there before the second message is sent."""
 
     def answer_twice(device, source):
         rig.daemon.pause()
@@ -132,7 +132,8 @@ def test_late_reply_is_not_taken_for_the_next_one(rig):
 
 
 def test_answer_that_a_stray_datagram_left_over_is_taken_for_the_next_one(rig):
-    """Nothing in a message tells which request it belongs to, and here it comes in time for another."""
+    """Nothing in a message says which request it belongs to, and here it arrives during another
+    one."""
 
     def interrupted(device, source):
         device.send(CHINESE, source, device.other_port)

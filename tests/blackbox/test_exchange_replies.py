@@ -1,4 +1,4 @@
-"""What makes a reply of the device usable, seen through /get_LangInfo and /set_LangInfo."""
+"""What makes a device reply usable, tested through /get_LangInfo and /set_LangInfo."""
 
 import pytest
 from device import UNUSABLE
@@ -104,7 +104,8 @@ def test_usable_query_reply_is_taken_as_it_comes(rig, sentence, data):
 
 
 def test_short_reply_is_not_read_together_with_the_request_behind_it(rig):
-    """Request and reply share a buffer; a reply that stops in a tag must not be continued."""
+    """Request and reply share a buffer; the rest of the request must not complete a reply that
+    stops in a tag."""
     cut = b'<VariCfgSec Action="DEVICE_QUERY"'
     assert cut != LANGUAGE_QUERY and LANGUAGE_QUERY.startswith(cut)
     assert rig.get("/get_LangInfo", cut).body == SHOWS_FAILURE

@@ -1,4 +1,4 @@
-"""The GB/T 28181 settings as they are read: two queries and a misspelt header."""
+"""Reading the GB/T 28181 settings: two queries and a misspelt header."""
 
 import pytest
 from daemon import START, trace

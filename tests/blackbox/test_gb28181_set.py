@@ -1,4 +1,4 @@
-"""The GB/T 28181 settings as they are changed: lists of identifiers and one large message."""
+"""Changing the GB/T 28181 settings: lists of identifiers and one large message."""
 
 import pytest
 from daemon import START, trace
@@ -19,7 +19,7 @@ def message(
     user="",
     password="",
 ):
-    """The set's datagram. Sub-device k carries lens ID k and, as its alarm input, lens ID k + 2."""
+    """The set's datagram. Sub-device k has lens ID k and, as its alarm input, lens ID k + 2."""
     pairs = [
         (lens[k] if k < len(lens) else "", alarm[k] if k < len(alarm) else "") for k in range(8)
     ]
@@ -43,7 +43,7 @@ def stars(ids):
     return "*" + "".join(f"{text}*" for text in ids)
 
 
-# Sentence, channels that the version reply tells, form, what message() is given.
+# Sentence, channels in the version reply, form, arguments of message().
 FORMS = [
     ("empty form", 4, "", {}),
     ("enabled only", 4, "ucFD_GB28181Enable=1", {"enable": 1}),

@@ -1,4 +1,4 @@
-"""Where a body begins and ends: lengths, codings, chunks, and what is no body at all."""
+"""Where a body begins and ends: lengths, codings, chunks, and requests without a body."""
 
 import contextlib
 
@@ -34,7 +34,7 @@ def chunked(body):
 
 
 def coded(*lines, version="1.1"):
-    """A set in chunks whose head tells so in these lines."""
+    """A chunked set with these header lines."""
     return set_number(*lines, body=CHUNKS, version=version)
 
 
@@ -232,7 +232,7 @@ TWO_READINGS = [
 def test_request_inside_a_body_is_never_carried_out(rig, sentence, request_bytes, status, cut):
     rig.device.play()
     with EdgeClient() as client:
-        # A refused client that is slow may find its connection closed while it still sends.
+        # A slow client that was refused may find its connection closed while it is still sending.
         with contextlib.suppress(ConnectionError):
             client.send_cut(request_bytes, range(cut, len(request_bytes), cut) if cut else ())
         reply = client.read_reply_to()
@@ -255,7 +255,7 @@ def test_request_inside_a_body_is_never_carried_out(rig, sentence, request_bytes
     b"POST /set_DeviceNo HT",
 ])  # fmt: skip
 def test_request_that_ends_too_early_is_not_carried_out(rig, data):
-    """Its sender has ended: it gets a refusal or nothing, and the connection closes."""
+    """Its sender has ended the stream: it gets a refusal or nothing, and the connection closes."""
     rig.device.play()
     with EdgeClient() as client:
         client.send(data)

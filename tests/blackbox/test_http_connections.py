@@ -1,4 +1,4 @@
-"""How long a connection lasts, what is expected before a body, and the silence of the gate."""
+"""How long a connection lasts, Expect before a body, and the gate's missing reply."""
 
 import pytest
 from edge import (
@@ -26,7 +26,7 @@ from http_client import STANDARD_HEAD, get
 ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
 LENGTH = f"Content-Length: {len(NUMBER_FORM)}"
 
-# Version, header lines, and what becomes of the connection: the same for pages and endpoints.
+# Version, header lines, and what happens to the connection: the same for pages and endpoints.
 LASTING = [
     ("1.1", [], KEPT),
     ("1.1", ["Connection: keep-alive"], KEPT),
@@ -156,7 +156,7 @@ def test_expectation(rig, row, behind):
 
 
 def test_older_client_expects_nothing(rig):
-    """It would take 100 Continue for its reply."""
+    """It would mistake 100 Continue for its reply."""
     rig.device.play()
     with EdgeClient() as client:
         client.send(set_number(LENGTH, EXPECTS, body="", version="1.0"))

@@ -1,4 +1,4 @@
-"""Files: what has not changed, parts of them, heads alone, methods, and what is not there."""
+"""Files: conditions, ranges, HEAD, methods, and missing files."""
 
 import email.utils
 import os
@@ -21,7 +21,7 @@ from http_client import get
 
 ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
 SIZE = len(STYLE)
-# When the page was changed, on the wire in the three forms that a date may have.
+# When the page was changed, in HTTP's three forms of a date.
 CHANGED = 1700000001
 DATE = email.utils.formatdate(CHANGED, usegmt=True)
 EARLIER = email.utils.formatdate(CHANGED - 1, usegmt=True)
@@ -57,7 +57,8 @@ def test_page_tells_its_date_and_its_tag(rig):
     assert reply.body == STYLE
 
 
-# "{etag}" stands for the page's tag. Every row is asked with GET and, as it changes nothing, HEAD.
+# "{etag}" stands for the page's tag. Every row is requested with GET and, with the same result,
+# HEAD.
 CONDITIONS = [
     ("its tag", ["If-None-Match: {etag}"], 304),
     ("its tag, called weak", ["If-None-Match: W/{etag}"], 304),

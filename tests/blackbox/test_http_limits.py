@@ -1,4 +1,4 @@
-"""Requests up to their limits are served; descriptors stay bounded, whatever clients do."""
+"""Requests up to their limits are served; descriptors stay limited, whatever clients do."""
 
 import pytest
 from edge import GOOD, SET_DONE, EdgeClient

@@ -1,4 +1,4 @@
-"""A refusal reaches the client, whatever the client is still sending; then the end comes, soon."""
+"""A refusal reaches the client, even one that is still sending; soon after, the connection ends."""
 
 import time
 
@@ -7,7 +7,7 @@ from edge import EdgeClient, head, set_number, settle
 
 _MEBIBYTE = 1 << 20
 LONG_BODY = b"a" * (3 * _MEBIBYTE)
-# How long a refused client may send on before its connection ends.
+# How long a refused client may continue to send before its connection ends.
 _LONGEST_GOODBYE_SEC = 30
 
 REFUSED = {
@@ -32,7 +32,7 @@ def expect(client, status):
 
 @EACH
 def test_refusal_reaches_a_client_that_sends_all_first(rig, request_bytes, status):
-    """Three mebibytes go out before the first byte is read, and no reset takes the reply away."""
+    """Three mebibytes are sent before the first byte is read, and no reset destroys the reply."""
     rig.device.play()
     with EdgeClient() as client:
         client.send(request_bytes + LONG_BODY)

@@ -1,4 +1,4 @@
-"""Request lines and heads: what is served and what is refused, and what becomes of the connection."""
+"""Request lines and heads: what is served, what is refused, and what happens to the connection."""
 
 import pytest
 from edge import (
@@ -28,7 +28,7 @@ def line(text):
 
 
 def with_line(text):
-    """A set that would be carried out but for this line of its head."""
+    """A set that would be executed without this line in its head."""
     return set_number(LENGTH, text)
 
 
@@ -242,6 +242,6 @@ def test_every_byte_may_come_alone(rig, row):
 
 @pytest.mark.parametrize("row", **by_sentence(CUT))
 def test_request_may_be_cut_anywhere(rig, row):
-    """Once at each place, the good request in one piece with what is behind the cut."""
+    """Cut once at each place; the good request comes in one piece with the part after the cut."""
     for place in range(1, len(row.request) + 1):
         meet(rig, row, behind=True, places=[place])

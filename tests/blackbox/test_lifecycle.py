@@ -1,4 +1,5 @@
-"""The process from its start over every failing start to the restart behind an accepted set."""
+"""The process: its start, every way that the start can fail, and the restart after an accepted
+set."""
 
 import ctypes
 import os
@@ -27,7 +28,7 @@ LANGUAGE = change('<stDisplay strLanguage="CN" />')
 
 @pytest.fixture
 def start(tmp_path):
-    """Makes daemons that are stopped at the end of the test."""
+    """Creates daemons, which are stopped at the end of the test."""
     started = []
 
     def make(**options):

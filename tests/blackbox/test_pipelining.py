@@ -26,7 +26,7 @@ def client(rig):
 
 
 def nothing_was_asked(rig):
-    """The daemon is through with what came before when it answers another client."""
+    """When the daemon answers another client, it is done with everything before."""
     with Client() as other:
         for _ in range(2):
             other.send(get("/page.css"))
@@ -44,7 +44,7 @@ def test_files_are_sent_one_behind_the_other(client):
 def test_request_that_arrives_while_a_file_is_sent_waits_for_its_end(rig, client):
     path = os.path.join(rig.daemon.folder, "web_root", "huge.bin")
     with open(path, "wb") as file:
-        file.write(LARGE * 64)  # more than a connection holds that nobody reads
+        file.write(LARGE * 64)  # more than an unread connection can hold
     client.send(get("/huge.bin"))
     time.sleep(0.2)
     client.send(get("/page.css"))
@@ -88,7 +88,8 @@ def test_others_have_their_turn_between_the_requests(rig):
 def test_finished_reply_does_not_wait_for_the_device_of_another_client(rig):
     rig.silent_device()
     with Client() as first, Client() as second:
-        # The first is heard last: the system reports it first, even if the daemon still looks at it.
+        # The first one sends last, so the system reports it first even while the daemon is still
+        # busy with it.
         for client in (second, first):
             client.send(get("/page.css"))
             client.read_reply()
@@ -126,7 +127,7 @@ NUMBER = change('<stBaseInfo strFD_DeviceNo="123456"/>')
 @pytest.mark.parametrize("sentence, body", BODIES, ids=[row[0] for row in BODIES])
 @pytest.mark.parametrize("pieces", [1, 2, 1000])
 def test_body_in_chunks_ends_where_it_ends(rig, client, sentence, body, pieces):
-    """Also when the network cuts it anywhere; the request behind it is one of its own."""
+    """Also when the network splits it anywhere; the request after it is separate."""
     rig.device.play(REFUSED)
     data = CHUNKED + body + get("/page.css")
     size = max(1, len(data) // pieces)
@@ -160,7 +161,7 @@ def test_nothing_behind_a_reply_that_closes_is_carried_out(rig):
 
 
 def test_what_arrives_later_behind_a_reply_that_closes_is_not_carried_out(rig):
-    """Above all not a request inside the body of another, where the first segment ends."""
+    """Above all, not a request inside the body of another one, where the first segment ends."""
     rig.device.play()
     inner = post("/set_DeviceNo", "strFD_DeviceNo=123")
     start = get("/nothing.css", "Connection: close\r\n")
@@ -198,7 +199,7 @@ def test_reply_comes_although_what_follows_is_broken(rig, rest):
 
 
 def test_reply_that_ends_with_the_connection_ends_at_once(rig):
-    """Ten of them within the second that the service sleeps at most when nothing happens."""
+    """Ten of them within one second, the longest sleep of an idle service."""
     rig.device.play()
     begin = time.monotonic()
     for _ in range(10):

@@ -1,4 +1,4 @@
-"""Every query endpoint: the request datagram and the reply's chunks, with good and bad answers."""
+"""Every query endpoint: the request datagram and the reply's chunks, for good and bad answers."""
 
 import re
 
@@ -7,8 +7,8 @@ from daemon import START, trace
 from device import UNUSABLE, answer, query
 from http_client import query_chunks
 
-# One row per endpoint: URI, handler's word, section element asked for, a good section, the pieces
-# for it, and the pieces when the query fails.
+# One row per endpoint: URI, handler's word, section element in the query, a good section, the
+# pieces for it, and the pieces when the query fails.
 ENDPOINTS = [
     (
         "LangInfo",

@@ -1,4 +1,4 @@
-"""The query endpoints with branches of their own: base settings, password lock, Wi-Fi."""
+"""The query endpoints with logic of their own: base settings, password lock, Wi-Fi."""
 
 import re
 import time
@@ -30,7 +30,7 @@ class TestBaseInfo:
         ]
 
     def ask(self, rig, *steps):
-        """The values; the time must be the daemon's own clock in its zone (8 hours east)."""
+        """The values; the time must be that of the daemon's own clock in its zone (UTC+8)."""
         before = clock()
         values = self.values(rig.get("/get_BaseInfo", *steps))
         moments = range(before, clock() + 1)
@@ -70,7 +70,7 @@ class TestLockOfPassword:
     OFFSET = 28800
 
     def ask(self, rig, count, lock_time, *steps):
-        """Count, time and result shown; the moments before and after the request."""
+        """The count, time and result in the reply, and the times before and after the request."""
         section = f"<stLockOfPassword ucFD_ErrorCount='{count}' uiFD_LockTime='{lock_time}'/>"
         before = clock()
         reply = rig.get("/get_LockOfPassword", answer(section), *steps)

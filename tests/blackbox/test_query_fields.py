@@ -1,4 +1,4 @@
-"""How single values of a section come out of the query endpoints."""
+"""How single values of a section appear in the query endpoints' replies."""
 
 import pytest
 from device import answer

@@ -1,4 +1,4 @@
-"""The daemon and the simulated recorder together: what a browser sets is what it reads later."""
+"""The daemon and the simulated recorder together: a browser reads back what it has set."""
 
 import re
 import xml.etree.ElementTree as ElementTree
@@ -10,7 +10,7 @@ from device import SimulatedRecorder
 from endpoints import routes
 from http_client import JSON_HEAD, STANDARD_HEAD, Client, get, post
 
-# All but the one that does not ask the recorder.
+# All except the one that does not query the recorder.
 QUERIES = [uri for uri in routes() if uri.startswith(("/get_", "/export_")) and "cpu" not in uri]
 
 
@@ -126,7 +126,7 @@ def imported(ask, text):
 
 
 def sections(text):
-    """The settings of a document as plain data: what they say, not how they are written."""
+    """The settings of a document as plain data: their values, not their formatting."""
     root = ElementTree.fromstring(text)
     return {(path.tag, *sorted(path.attrib.items())) for path in root.iter() if path is not root}
 

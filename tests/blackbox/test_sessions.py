@@ -1,4 +1,4 @@
-"""The session gate: a style sheet with a time stamp is served to known sessions only."""
+"""The session gate: a style sheet with a time stamp is served only to known sessions."""
 
 import hashlib
 import re

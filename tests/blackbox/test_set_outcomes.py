@@ -1,4 +1,4 @@
-"""What the device's answer to a set does: accepted, refused, without a Result."""
+"""The effect of the device's answer to a set: accepted, refused, without a Result."""
 
 import pytest
 from daemon import START, trace
@@ -47,7 +47,7 @@ class TestEverySet:
             rig.daemon.stderr.expect()
 
 
-# Read as 32 bits of a 64-bit number, whatever the processor's own numbers have.
+# Read as 32 bits of a 64-bit number on every processor.
 @pytest.mark.parametrize("number, restarts", [("4294967296", True), ("4294967297", False)])
 def test_result_of_many_digits_counts_with_its_low_32_bits(rig, number, restarts):
     reply = WITHOUT_RESULT.replace(b"/>", b' Result="%s"/>' % number.encode())
@@ -96,7 +96,8 @@ def test_lock_that_is_over_restarts_through_its_query(rig):
 
 
 def test_reply_comes_after_the_restart(rig):
-    """The set waits for the restart inside its handler: by its reply ifconfig has run again."""
+    """The set waits for the restart inside its handler: when its reply comes, ifconfig has run
+    again."""
 
     def runs():
         with open(rig.daemon.ifconfig_log, encoding="utf-8") as file:

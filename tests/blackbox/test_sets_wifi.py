@@ -1,4 +1,4 @@
-"""The set endpoint of the Wi-Fi: the exact datagrams that a form becomes in either mode.
+"""The Wi-Fi set endpoint: the exact datagrams for a form in either mode.
 
 The device answers with Result 1 here, which ends a set without the restart. A form value has at
 most 63 characters; a longer one is cut and counts.

@@ -1,4 +1,4 @@
-"""A device that does not answer: every set fails after its time-out, and nothing is sent again."""
+"""A device that does not answer: every set fails after its time-out, and nothing is resent."""
 
 import time
 

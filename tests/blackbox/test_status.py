@@ -99,7 +99,7 @@ LAST = len(GOOD) - 1
 
 
 def zeroed(result):
-    """The same pieces with nothing in them."""
+    """The same pieces with empty values."""
     pieces = [re.sub(rb'": "[^"]*"', b'": ""', piece) for piece in GOOD]
     pieces = [re.sub(rb'("(uc|ui)FD_\w+": )""', rb'\1"0"', piece) for piece in pieces]
     texts = {

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Configures with inputs that are refused, and looks for the reason in what CMake says.
+"""Configures with invalid inputs and looks for the reason in CMake's output.
 
 usage: configure_refusals.py <source folder> <HTTP library's folder>
 """
@@ -10,20 +10,20 @@ import subprocess
 import sys
 import tempfile
 
-# (version that the library's header states or None for no file, text of the refusal or None)
+# (version in the library's header, or None for no file; text of the refusal, or None)
 VERSIONS = [
     (None, "run scripts/fetch-mongoose.sh"),
     ("6.15", "Older ones can be crashed from the network"),
     ("7.1", "the daemon needs 6.16 or a later one"),
     ("6.18", None),
 ]
-# (major version that the parser's header states or None for no file, text of the refusal or None)
+# (major version in the parser's header, or None for no file; text of the refusal, or None)
 PARSERS = [
     (None, "install Debian's package node-llhttp"),
     ("7", "holds another llhttp than version 8"),
     ("8", None),
 ]
-# (text in the address table, in its place, the compiler's complaint)
+# (text in the address table, its replacement, the compiler's error)
 ADDRESSES = [
     ("203.0.113.101", "203.0.113.1", "pairs 1 and 2 have 13 characters"),
     ("198.51.100.7", "198.51.100.77", "pairs 3 and 4 have 12 characters"),

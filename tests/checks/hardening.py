@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Shows how an executable is hardened, as readelf sees it, and fails when something is missing.
+"""Shows with readelf how an executable is hardened, and fails when something is missing.
 
 usage: hardening.py <executable>
 """
@@ -45,8 +45,8 @@ def protections(path):
         ("checked libc calls", f"{len(chk)}: {' '.join(chk[:4])}", bool(chk)),
     ]
     if "X86-64" in header:
-        # The mark in the file's notes is no measure: the linker drops it because the system's
-        # start-up files lack it. The landing pads are in our code all the same.
+        # The mark in the file's notes does not count: the linker drops it because the system's
+        # start-up files lack it. Our code has the landing pads all the same.
         pads = output("objdump", "--disassemble=main", path).count("endbr64")
         rows.append(("control flow (CET)", f"main has {pads} landing pads", pads > 0))
     return rows

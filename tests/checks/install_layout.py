@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Installs a build into a fresh folder and compares what arrives with what the build made.
+"""Installs a build into a new folder and compares the result with the build's output.
 
 usage: install_layout.py <build folder>
 """
@@ -16,14 +16,14 @@ def files_below(top):
             for folder, _, names in os.walk(top) for name in names}
 
 
-# What is asked for by its name: by the service, by browsers, by people.
+# Files that are requested by name: by the service, by browsers, by people.
 NAMED = {"index.html", "login.html", "app.html", "page.css", "sets.css", "favicon.svg"}
 MOST_PLAIN = 1024  # a longer text has a compressed form beside it
 TEXTS = (".html", ".css", ".js", ".svg")
 
 
 def compressed_problems(top, names):
-    """The forms that are sent in place of the files that they lie beside."""
+    """The compressed forms, which are sent instead of the files beside them."""
     for name in sorted(names):
         path = os.path.join(top, name)
         if name.endswith(".gz"):

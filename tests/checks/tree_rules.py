@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Holds the C and C++ tree to its rules: how long a file may be, which folder may include which, and what
-of the dialect clang-tidy does not know.
+"""Checks the rules of the C and C++ tree: how long a file may be, which folder may include which,
+and the parts of the dialect that clang-tidy does not know.
 
 usage: tree_rules.py <source folder>
 """
@@ -8,7 +8,7 @@ import os
 import re
 import sys
 
-# Folder: what it may include besides itself. Tests may include anything.
+# Folder: the folders that it may include besides itself. Tests may include anything.
 LAYERS = {
     "encoding": set(),
     "CBB/Util": set(),
@@ -18,7 +18,7 @@ LAYERS = {
     "CBB/WebCtrl": {"CBB/Util", "CBB/Http", "control", "config", "encoding"},
     "tools/devsim": set(),
 }
-# Header of a library of others: the folders that may include it.
+# Header of an external library: the folders that may include it.
 LIBRARIES = {
     "mongoose.h": {"CBB/Http", "CBB/WebCtrl"},
     "mongoose.c": {"CBB/Http"},
@@ -27,7 +27,7 @@ LIBRARIES = {
 MOST_LINES = {".cpp": 300, ".c": 300, ".h": 120}
 # The one class that has every endpoint as a member cannot be shorter than their list.
 LONG_LISTS = {"CBB/WebCtrl/WebCtrl.h"}
-# The files of a rule, what is not written in them, and what stands for it.
+# The files of a rule, what must not be written in them, and what to write instead.
 DIALECT = [
     (r"\.(cpp|h)$", r"^static (?!_)\w", "an anonymous namespace instead of static"),
     (r"\.(cpp|c|h)$",

@@ -6,7 +6,7 @@ from collections import namedtuple
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
-# kind: what stands behind the opening fence ("console run"). before: the line above the fence.
+# kind: the text after the opening fence ("console run"). before: the line above the fence.
 Block = namedtuple("Block", "document line kind before text")
 
 
@@ -52,7 +52,7 @@ def sections(document, level):
 
 
 def anchors(document):
-    """The names that links may give behind "#", as they are made from the headings."""
+    """The names that links may have after "#", derived from the headings."""
     headings = re.findall(r"^#+ (.+)$", prose(document), re.M)
     plain = [re.sub(r"[^\w\- ]", "", heading.lower()) for heading in headings]
     return {heading.replace(" ", "-") for heading in plain}

@@ -86,7 +86,7 @@ class Recorder:
         return os.path.join(self.folder, name)
 
     def run(self, command):
-        """The output of a command, without the line end behind it."""
+        """The output of a command, without its last line end."""
         self._shell.stdin.write(b"{ %s\n} </dev/null; printf '\\0'\n" % command.encode())
         self._shell.stdin.flush()
         output = bytearray()
@@ -94,11 +94,11 @@ class Recorder:
             assert byte, f"the shell ended: {output!r}"
             output += byte
         if "/dev/udp/" in command:
-            self._command("nothing")  # an order was given: its turn came before this one's
+            self._command("nothing")  # a command was sent: it is executed before this one
         return output.decode(errors="replace").removesuffix("\n")
 
     def order(self, command):
-        """Gives the simulated recorder a command and waits until it is carried out."""
+        """Sends the simulated recorder a command and waits until it is executed."""
         answer = self._command(command)
         assert answer == b"ok", (command, answer)
 

@@ -10,7 +10,7 @@ from endpoints import routes
 
 API = "docs/api.md"
 
-# The presence rules by the names that the page gives them.
+# The presence rules by their names on the page.
 RULES = {"length": "kLengthAbove0", "text": "kNonEmpty", "always": "kAlways"}
 
 # Where the sources name a variable and its rule, apart from the plain form of a table's row.

@@ -1,10 +1,10 @@
 """The examples of the documents do what they show.
 
-In a document each fenced block marked "console run" is run against the daemon and the simulated
-recorder, one pair for the whole document, and its output compared; a block marked "xml sent" names
-the datagrams that the console block above it caused. A block marked "file NAME" behind its language
-is a file that the console blocks find in their folder. The commands of a block marked "console
-start" are started in the place of that pair, and go on running.
+Each fenced block marked "console run" is run against the daemon and the simulated recorder, one
+pair per document, and its output compared. A block marked "xml sent" shows the datagrams that the
+console block above it caused. A block marked "file NAME" behind its language is a file that the
+console blocks find in their folder. The commands of a block marked "console start" are started in
+the place of that pair, and go on running.
 """
 
 import pytest
@@ -15,7 +15,7 @@ CONSOLE, SENT, START = "console run", "xml sent", "console start"
 
 
 def _examples():
-    """Console blocks with the datagrams below each (None: not told)."""
+    """Console blocks with the datagrams below each (None: not given)."""
     found = []
     for document in documents():
         for block in blocks(document):
@@ -45,7 +45,7 @@ EXAMPLES = _examples()
 
 @pytest.fixture(scope="module")
 def recorder_of(tmp_path_factory):
-    """The recorder of a document; that of another document is closed first."""
+    """The recorder of a document; the one of another document is closed first."""
     current = {}
 
     def recorder_of(document):

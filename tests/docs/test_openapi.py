@@ -1,4 +1,5 @@
-"""docs/openapi.yaml: valid by the schema of OpenAPI 3.0, complete, and true of real replies."""
+"""docs/openapi.yaml: valid according to the schema of OpenAPI 3.0, complete, and true of real
+replies."""
 
 import json
 import os
@@ -148,7 +149,7 @@ def test_a_form_requires_all_that_its_message_is_made_of():
 
 @pytest.fixture(scope="module", params=["answered", "failing"])
 def recorder(request, tmp_path_factory):
-    """A recorder that answers, and one whose answers are of no use."""
+    """A recorder that answers, and one whose answers are useless."""
     recorder = Recorder(tmp_path_factory.mktemp("openapi"))
     if request.param == "failing":
         recorder.order("fault notxml")

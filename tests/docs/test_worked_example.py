@@ -1,7 +1,7 @@
-"""The worked example of docs/architecture.md: its pieces build, and do what it says.
+"""The worked example of docs/architecture.md: its pieces compile and do what the text says.
 
-Every block below a comment "put: FILE, PLACE" is put into a copy of the sources, which is built and
-run with the simulated recorder.
+Every block below a comment "put: FILE, PLACE" is inserted into a copy of the sources, which is
+built and run with the simulated recorder.
 """
 
 import os

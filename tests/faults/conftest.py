@@ -1,4 +1,5 @@
-"""The fixtures and options of tests/blackbox, and a daemon that is started into trouble."""
+"""The fixtures and options of tests/blackbox, and a daemon that is started in adverse
+conditions."""
 
 import importlib.util
 import os
@@ -8,7 +9,7 @@ _HERE = os.path.dirname(os.path.abspath(__file__))
 _RIG = os.path.join(os.path.dirname(_HERE), "blackbox")
 sys.path.insert(0, _RIG)
 
-# Both files are called conftest, so that one goes by another name here.
+# Both files are called conftest, so one gets another name here.
 _spec = importlib.util.spec_from_file_location("rig_conftest", os.path.join(_RIG, "conftest.py"))
 _rig = importlib.util.module_from_spec(_spec)
 _spec.loader.exec_module(_rig)
@@ -20,7 +21,7 @@ from spoilt import SpoiltDaemon  # noqa: E402
 
 @pytest.fixture
 def spoilt(tmp_path):
-    """Starts a daemon with the given troubles; it must live until the end of the test."""
+    """Starts a daemon in the given conditions; it must stay alive until the end of the test."""
     daemons = []
 
     def start(**troubles):

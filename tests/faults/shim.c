@@ -1,6 +1,7 @@
-/* Preloaded into the daemon by tests: allocations that fail, a system time that jumps, and how much
-   of the heap is in use. A test talks to it through a small file, named by FAULT_SHIM, that both
-   map. Only the program itself is meant, not what it starts. The layout: tests/faults/shim.py. */
+/* Preloaded into the daemon by tests: makes allocations fail and the system time jump, and reports
+   how much of the heap is in use. Tests control it through a small file, named by FAULT_SHIM, that
+   both map. It affects only the program itself, not what that starts. Layout: tests/faults/shim.py.
+ */
 #define _GNU_SOURCE /* NOLINT: the C library's switch */
 #include <errno.h>
 #include <fcntl.h>

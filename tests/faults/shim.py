@@ -1,7 +1,6 @@
-"""What a test does with the library that it preloads into the daemon; see shim.c.
+"""A test's interface to the library that is preloaded into the daemon; see shim.c.
 
-FAULT_SHIM_LIB names the library; without it there is none, for instance under a sanitizer, which
-has an allocator of its own.
+FAULT_SHIM_LIB names the library. It is not set under a sanitizer, which has its own allocator.
 """
 
 import mmap
@@ -15,7 +14,7 @@ _SIZE = 8 * len(_FIELDS)
 
 
 class Shim:
-    """The fields of the shared file as attributes. `env` is for the daemon's environment."""
+    """The fields of the shared file as attributes. `env` goes into the daemon's environment."""
 
     def __init__(self, path):
         object.__setattr__(self, "env", {"LD_PRELOAD": LIBRARY, "FAULT_SHIM": str(path)})
@@ -31,7 +30,7 @@ class Shim:
         struct.pack_into("=q", self._map, 8 * _FIELDS.index(name), value)
 
     def fail(self, after=0, count=-1):
-        """Allocations fail from now on: that many after that many that succeed."""
+        """Makes allocations fail from now on: first some succeed, then this many fail."""
         self.until_failure = -1
         self.to_fail, self.failed = count, 0
         self.until_failure = after

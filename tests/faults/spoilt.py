@@ -9,7 +9,7 @@ from daemon import Daemon, Output, wait_until
 
 
 def full_pipe():
-    """The writing end of a pipe that takes nothing more, and the reading end to keep it open."""
+    """The write end of a full pipe, and the read end to keep it open."""
     reader, writer = os.pipe()
     os.set_blocking(writer, False)
     try:
@@ -27,14 +27,15 @@ def dead_pipe():
 
 
 def full_socket():
-    """As a pipe, but the kind of stream that a service manager gives."""
+    """Like the pipe, but with the kind of stream that a service manager provides."""
     ours, theirs = socket.socketpair()
     return theirs.detach(), ours.detach()
 
 
 class SpoiltDaemon(Daemon):
-    """limits: {resource: value, or (soft, hard)}. output: a function that gives a descriptor for standard output and
-    error, and one to keep open; or "closed". Without it the output is in files as always."""
+    """limits: {resource: value, or (soft, hard)}. output: a function that returns a descriptor for
+    standard output and error, and one to keep open; or "closed". By default the output goes to
+    files as usual."""
 
     def __init__(self, folder, limits=None, output=None, env=None, closed=()):
         super().__init__(folder, env=env)
@@ -89,7 +90,7 @@ class SpoiltDaemon(Daemon):
 
 
 def cpu_ticks(daemon):
-    """Processor time of the daemon so far, in hundredths of a second."""
+    """The daemon's processor time so far, in hundredths of a second."""
     with open(f"/proc/{daemon.process.pid}/stat", encoding="ascii") as file:
         user, system = file.read().rpartition(")")[2].split()[11:13]
     return int(user) + int(system)

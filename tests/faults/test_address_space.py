@@ -1,4 +1,4 @@
-"""The limit of memory is reached by what clients send: all of them go, the service stays."""
+"""Clients make the daemon reach its memory limit: all of them are closed, the service stays."""
 
 import contextlib
 import resource
@@ -12,7 +12,8 @@ SHORT = "CWebCtrl::DetectSvc, out of memory, all connections are closed.\n"
 
 
 def served():
-    """The whole reply, or nothing when what came before has closed this connection, too."""
+    """The whole reply, or nothing when earlier requests have caused this connection to close,
+    too."""
     with contextlib.suppress(EOFError, ConnectionError), Client() as client:
         client.send(get("/get_LangInfo"))
         return client.read_reply().body
@@ -20,7 +21,7 @@ def served():
 
 def half_body():
     sock = socket.create_connection(("127.0.0.1", 80), timeout=60)
-    with contextlib.suppress(OSError):  # closed by the service
+    with contextlib.suppress(OSError):  # the service has closed it
         sock.sendall(b"POST /set_LangInfo HTTP/1.1\r\nContent-Length: 1000000\r\n\r\n" + b"x" * 900000)
     return sock
 
@@ -31,7 +32,7 @@ def serves(device):
 
 
 def test_address_space_used_up(spoilt, device):
-    """Bodies that never end, three times over, where there is less room than they may take."""
+    """Bodies that never end, three times, with less memory than they may use."""
     daemon = spoilt()
     pid = daemon.process.pid
     with open(f"/proc/{pid}/status", encoding="ascii") as file:

@@ -1,4 +1,4 @@
-"""What a thousand clients may hold of the service, and what the others notice of it."""
+"""How much of the service a thousand clients may use, and what the others notice."""
 
 import contextlib
 import itertools
@@ -19,10 +19,10 @@ MEBIBYTE = 1 << 20
 CLIENTS = 1000
 STYLE = b"body { color: page }"
 HALF_HEAD = b"GET /page.css HTTP/1.1\r\nHost: re"
-# What all clients together may make the service hold; the pieces between that the allocator cannot
-# use meanwhile; what may be left when they have gone.
+# How much all clients together may make the service hold; the fragments that the allocator cannot
+# use meanwhile; how much may be left when they have gone.
 HELD, ALLOCATOR, GIVEN_BACK = 8 * MEBIBYTE, 8 * MEBIBYTE, 2 * MEBIBYTE
-# One exchange with a device that does not answer, and what a machine may take beside it.
+# One exchange with a device that does not answer, and a margin for a busy machine.
 EXCHANGE_SEC, SLACK_SEC = 5, 1.5
 
 
@@ -34,7 +34,7 @@ def descriptors():
 
 @pytest.fixture
 def clients():
-    """Makes clients whose connections break off at the end, for nothing of them to stay."""
+    """Creates clients whose connections are reset at the end, so that nothing of them remains."""
     with contextlib.ExitStack() as stack:
 
         def make(data=b""):
@@ -52,7 +52,7 @@ class Crowding(Client):
         self._sock.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
 
     def send_what_fits(self, data):
-        """As much as the daemon takes before it closes or stops reading."""
+        """Sends as much as the daemon accepts before it closes or stops reading."""
         self._sock.settimeout(0.05)
         with contextlib.suppress(OSError):
             self._sock.sendall(data)
@@ -88,7 +88,8 @@ def test_thousand_idle_connections_stay_and_cost_nothing(spoilt, device, clients
 @pytest.mark.parametrize("places", [4096, 512], ids=["with places for all", "with places for half"])
 @pytest.mark.parametrize("data", [b"", HALF_HEAD, b"POST /set_LangInfo HTTP/1.1\r\nContent-Length: 900\r\n\r\na"])
 def test_no_request_on_a_kept_connection_meets_a_close(spoilt, device, clients, places, data):
-    """834 requests of ten clients while a thousand drip, and come again where they are closed."""
+    """834 requests from ten clients while a thousand others send byte by byte and reconnect when
+    closed."""
     spoilt(limits={resource.RLIMIT_NOFILE: places})
     kept = [clients() for _ in range(10)]
     assert all(map(ask, kept))
@@ -104,7 +105,7 @@ def test_no_request_on_a_kept_connection_meets_a_close(spoilt, device, clients, 
 
 
 def test_those_that_never_asked_go_first_and_the_oldest_of_them(spoilt, device, clients):
-    """Dripping bytes make nobody younger."""
+    """Sending byte by byte does not make a client count as newer."""
     spoilt(limits={resource.RLIMIT_NOFILE: 256})
     kept = [clients() for _ in range(60)]
     assert all(map(ask, kept))
@@ -126,7 +127,7 @@ def test_those_that_never_asked_go_first_and_the_oldest_of_them(spoilt, device, 
 
 
 def memory(daemon, what):
-    """Resident memory in bytes: now ("VmRSS") or at most ("VmHWM") since forget_peak()."""
+    """Resident memory in bytes: now ("VmRSS") or the peak since forget_peak() ("VmHWM")."""
     with open(f"/proc/{daemon.process.pid}/status", encoding="ascii") as file:
         return int(re.search(rf"{what}:\s*(\d+) kB", file.read())[1]) * 1024
 
@@ -176,7 +177,7 @@ def test_memory_that_clients_hold_is_bounded_and_given_back(spoilt, device, clie
 
 
 def test_client_that_has_broken_off_is_not_carried_out(spoilt, device):
-    """An honest one waits for the exchange under way and for no other."""
+    """An honest client waits for the current exchange and for no other."""
     spoilt()
     device.play(otherwise=SILENCE)
     gone = [Crowding() for _ in range(5)]
@@ -207,7 +208,7 @@ PIPELINING, BEHIND_EACH_OTHER, HONEST = 100, 300, 200
 
 
 def test_honest_client_waits_for_one_request_of_each_other(spoilt, device, clients):
-    """Counted in what the device is asked between an honest question and its answer."""
+    """Measured by the device's queries between an honest request and its reply."""
     spoilt()
     device.play(otherwise=REFUSED)
     crowd = [clients() for _ in range(PIPELINING)]

@@ -1,4 +1,4 @@
-"""A low limit of descriptors leaves fewer places for clients, and no busy loop."""
+"""A low descriptor limit means fewer clients, but no busy loop."""
 
 import resource
 import socket
@@ -12,8 +12,7 @@ from spoilt import cpu_ticks
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
 
-# The limit, and how many of 200 idle clients keep their places: 12 descriptors are for everything
-# else.
+# The limit, and how many of 200 idle clients stay connected: 12 descriptors are for other uses.
 LIMITS = [(10, 1), (18, 6), (20, 8), (32, 20), (64, 52), (128, 116), (1024, 200), (4096, 200)]
 
 
@@ -60,7 +59,7 @@ def test_limit_reached(spoilt, device, limit, places):
 
 
 def test_limit_is_raised_to_what_clients_need(spoilt, device):
-    """As far as the parent allows it: the daemon starts with 256 of 4,096."""
+    """As far as the parent process allows: the daemon starts with 256 of 4,096."""
     if resource.getrlimit(resource.RLIMIT_NOFILE)[1] < 4096:
         pytest.skip("the machine's own limit is lower")
     daemon = spoilt(limits={resource.RLIMIT_NOFILE: (256, 4096)})

@@ -1,8 +1,8 @@
 """Every fault of the simulated recorder on every kind of endpoint.
 
-What the browser gets, what is printed, whether a set was carried out, and that the next request
-works. The device's answers are taken as they come: no answer is asked for twice, and nothing in a
-message tells which request it belongs to.
+What the browser gets, what is printed, whether a set was executed, and that the next request works.
+The daemon uses the device's answers as they come: no query is repeated, and nothing in a message
+says which request it belongs to.
 """
 
 import re
@@ -54,7 +54,7 @@ SETS = ("set", "import", "gb28181 set")
 EVERY = READS + SETS
 
 GOOD, FAILED = "good", "failed"
-# An answer to another question is taken as it is: no value of the wanted section, and success.
+# An answer to another query is used as it is: success without any value of the wanted section.
 FOREIGN = "foreign"
 _FOREIGN = {
     "query": rb'\{ "ucFD_SFrameRate": "0", "uiFD_SBitRate": "0", "result": 1 \}',
@@ -72,10 +72,10 @@ _OTHER_PORT = (
 CUT = "cut"
 _CUT = rb'\{ "strFD_CfgPara": "<VariCfgSec Action="DEVICE_QUERY" Result", "result": 1 \}'
 
-# What a set does beside its reply: the recorder takes the change, and the service starts again.
+# What a set does besides its reply: the recorder applies the change, and the service restarts.
 LEFT, TAKEN, RESTARTED = "left", "taken", "taken, and a restart"
 
-# Fault, endpoints, reply, a piece of what is printed, what becomes of a set.
+# Fault, endpoints, reply, part of the output, effect of a set.
 ROWS = [
     ("silent", EVERY, FAILED, "", LEFT),
     ("lost", EVERY, FAILED, "", TAKEN),
@@ -84,7 +84,7 @@ ROWS = [
     ("delay:6000", ("query", "login", "export", "set"), FAILED, "", TAKEN),
     ("delay:9000", ("import",), GOOD, _FROM, RESTARTED),
     ("delay:11000", ("import",), FAILED, "", TAKEN),
-    # The answer to the first of two messages comes in time for the second.
+    # The answer to the first of two messages arrives during the second exchange.
     ("delay:6000", ("gb28181 query",), FOREIGN, _FROM, None),
     ("delay:6000", ("gb28181 set",), GOOD, _FROM, RESTARTED),
     ("port", EVERY, FAILED, _OTHER_PORT, TAKEN),
@@ -105,7 +105,8 @@ ROWS = [
     ("file:FOLDER/other.xml", SETS, FAILED, _FROM, TAKEN),
     ("early", READS, FOREIGN, _FROM, None),
     ("early", ("set", "import"), GOOD, _FROM, TAKEN),
-    # Early at both messages, the first one's true answer could come in time for the second.
+    # If it were early for both messages, the first one's true answer could arrive during the second
+    # exchange.
     ("for=stGB28181 early", ("gb28181 set",), GOOD, _FROM, TAKEN),
     ("late:300", READS, GOOD, _FROM, None),
     ("late:300", SETS, GOOD, _FROM, RESTARTED),
@@ -180,7 +181,7 @@ def test_fault(folder, recorder, daemon, fault, family, reply, line, fate):
 
 
 def test_every_fault_of_the_recorder_has_a_row():
-    """The kinds as the program lists them in its help."""
+    """The kinds listed in the program's help."""
     text = subprocess.run([DEVSIM, "--help"], capture_output=True, text=True, check=True).stdout
     kinds = set(re.findall(r"^  ([a-z]+)\S* +\S.*", text.split("KIND is one of")[1].split("Control")[0], re.M))
     assert len(kinds) >= 15

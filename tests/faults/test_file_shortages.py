@@ -1,5 +1,5 @@
 """Files that change while the daemon may not read them, or lacks memory or descriptors: a reply is
-right or there is none, and the truth is told once it can be."""
+correct or missing, and correct again as soon as possible."""
 
 import ctypes
 import os
@@ -28,7 +28,7 @@ def fetch():
 
 
 def ask_and_leave():
-    """What comes, up to the close; nothing when the daemon closes before it has read."""
+    """Everything up to the close; nothing when the daemon closes before it has read the request."""
     try:
         with Client() as client:
             client.send(get("/page.css", "Connection: close\r\n"))
@@ -38,7 +38,7 @@ def ask_and_leave():
 
 
 class Unprivileged(SpoiltDaemon):
-    """May not read what its user may not: a test runs as root, who may."""
+    """Drops root's right to read every file, because tests run as root."""
 
     _CAPABILITIES = {"CAP_DAC_OVERRIDE": 1, "CAP_DAC_READ_SEARCH": 2}
     _PR_CAPBSET_DROP = 24

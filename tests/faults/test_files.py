@@ -1,5 +1,5 @@
-"""Files that change while they are served: the next second tells the truth, and no reply mixes two
-versions. Beside that, what browsers are told to keep, and packed forms."""
+"""Files that change while they are served: replies are correct from the next second on, and none
+mixes two versions. Also what browsers may cache, and compressed forms."""
 
 import gzip
 import os
@@ -11,7 +11,7 @@ from daemon import wait_for_next_second
 from http_client import Client, get
 
 OLD, NEW = "1", "2"
-SMALL, LARGE = 2000, 4 << 20  # one is answered from memory, the other is not
+SMALL, LARGE = 2000, 4 << 20  # one is served from memory, the other is not
 
 
 def write(path, text):
@@ -48,7 +48,7 @@ def root(daemon):
     return os.path.join(daemon.folder, "web_root")
 
 
-# What befalls a file of the old text, and what is true of it then: its text, or a status.
+# What happens to a file with the old text, and what is correct then: its text, or a status.
 CHANGES = {
     "replaced": (lambda path, size: replace(path, NEW * size), lambda size: NEW * size),
     "written over": (lambda path, size: write_in_place(path, NEW * size), lambda size: NEW * size),
@@ -109,8 +109,8 @@ def test_next_second_serves_from_another_document_root(root):
     shutil.copytree(root + ".old", root, dirs_exist_ok=True, ignore=shutil.ignore_patterns("*pipe*"))
 
 
-# What befalls a file while a client is being sent it, which reads nothing until then. All of it fits
-# between the daemon and the client, or not; it is kept in memory, or not.
+# What happens to a file while it is being sent to a client that does not read. Either all of it
+# fits between the daemon and the client, or not; either it is kept in memory, or not.
 @pytest.mark.parametrize("size", [200_000, 300_000, LARGE])
 @pytest.mark.parametrize("change", ["replaced", "written over", "truncated", "grown", "removed"])
 def test_reply_under_way_is_of_one_version(root, change, size):
@@ -143,7 +143,7 @@ def test_memory_for_kept_files_is_bounded(daemon, root):
     assert resident() - before < 4 << 20, "of 20 MB that all files take"
 
 
-# What is asked for, whether it comes packed.
+# What is requested, and whether it comes compressed.
 ENCODINGS = {
     "gzip": True,
     "GZIP": True,

@@ -1,4 +1,5 @@
-"""Memory that runs out at any moment: a request is answered right or not at all, never in part."""
+"""Memory that runs out at any moment: a request is answered correctly or not at all, never in
+part."""
 
 import contextlib
 import os
@@ -42,7 +43,7 @@ REQUESTS = {
 
 @pytest.fixture(scope="module")
 def short(tmp_path_factory):
-    """A daemon whose memory can be taken away, and how."""
+    """A daemon whose allocations can be made to fail, and the means for it."""
     folder = tmp_path_factory.mktemp("short")
     shim = Shim(folder / "shim")
     daemon = SpoiltDaemon(folder / "daemon", env=shim.env).start()
@@ -52,16 +53,15 @@ def short(tmp_path_factory):
     daemon.stop()
 
 
-# The date, a session's number, and the random figure of the usage with the size of its chunk: one to
-# three digits.
+# The date, a session number, and the random usage figure (one to three digits) with its chunk size.
 VARYING = re.compile(rb'(Date: .*|\{ "jsession": .*|(F|10|11)|, "result": .*)')
 
 
 def reply_to(request):
-    """All bytes of the reply, without what differs from one to the next; None without a reply."""
+    """All bytes of the reply except those that differ each time; None without a reply."""
     with Client() as client:
         client.send(request)
-        with contextlib.suppress(OSError):  # closed by the service already
+        with contextlib.suppress(OSError):  # already closed by the service
             client.end_of_requests()
         data = client.read_to_end()
     lines = data.split(b"\r\n")
@@ -78,7 +78,7 @@ def meets_failures(shim, device, family, after, count):
 
 
 def test_first_conversion_without_memory(short, device):
-    """The table that an import needs is built by the first one that finds the memory for it."""
+    """The first import that has enough memory builds the table that imports need."""
     daemon, shim = short
     daemon.mark()
     for after in range(1000):
@@ -103,8 +103,8 @@ def test_allocations_fail_from_the_nth_on(short, device, family, count):
             break
         assert daemon.is_alive()
         if reply is not None and reply != good:
-            # An exchange or a conversion that could not be made: the endpoint says so.
-            # Of two requests the first may have its answer before the memory for the second is gone.
+            # An exchange or conversion failed, and the endpoint says so. Of two requests the first
+            # may be answered before the memory for the second runs out.
             first = family == "two in one" and good.startswith(reply)
             assert reply.endswith((b"0\r\n\r\n", b"Not Found", b"Open failed")) or first
             failed_results += 1
@@ -115,13 +115,13 @@ def test_allocations_fail_from_the_nth_on(short, device, family, count):
 
 
 def test_restart_without_memory(short, device):
-    """A restart that fails anywhere leaves the service at work."""
+    """A restart that fails at any point leaves the service working."""
     daemon, shim = short
     for after in range(0, 24, 3):
         device.play(ACCEPTED)
         shim.fail(after, -1)
         reply_to(post("/set_LangInfo", "strLanguage=CN"))
         shim.stop_failing()
-        # The new thread may meet the shortage later, and every open connection is closed then.
+        # The new thread may hit the shortage later, and then every open connection is closed.
         wait_until(lambda: reply_to(get("/page.css")) is not None, "an answer")
         assert daemon.is_alive()

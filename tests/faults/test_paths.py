@@ -1,4 +1,4 @@
-"""No byte from outside the web root is ever served, however it is asked for."""
+"""No byte from outside the web root is ever served, however it is requested."""
 
 import os
 
@@ -76,7 +76,7 @@ def write(*parts, data):
 
 @pytest.fixture(scope="module")
 def secret(daemon):
-    """The path of a file outside, beside a web root full of ways out."""
+    """The path of a file outside, next to a web root full of links and paths that lead there."""
     root = os.path.join(daemon.folder, "web_root")
     path = os.path.join(daemon.folder, "secret.txt")
     os.makedirs(os.path.join(root, "sub"))
@@ -97,7 +97,7 @@ def secret(daemon):
 
 
 def fetch(request):
-    """Everything that one connection brings until the daemon closes it."""
+    """Everything that one connection receives until the daemon closes it."""
     with Client() as client:
         client.send(request)
         client.end_of_requests()

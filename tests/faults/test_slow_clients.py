@@ -1,4 +1,4 @@
-"""A thousand clients that say nothing, or half of something, keep nobody from being served."""
+"""A thousand clients that send nothing, or only part of a request, do not block the others."""
 
 import contextlib
 import os
@@ -14,7 +14,7 @@ from http_client import Client, get
 from spoilt import cpu_ticks
 
 CLIENTS = 1000
-# The longest that one exchange with the device takes; the service serves one request at a time.
+# The longest duration of an exchange with the device; the service handles one request at a time.
 _EXCHANGE_SEC = 5
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
@@ -44,7 +44,7 @@ def crowd(data):
         for _ in range(CLIENTS):
             socks.append(socket.create_connection(("127.0.0.1", 80), timeout=60))
             socks[-1].setblocking(False)
-            # They break off at the end: an end in order would be the end of some bodies, too.
+            # They reset at the end: an orderly end would also end some bodies.
             socks[-1].setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
             if data:
                 socks[-1].send(data)
@@ -55,7 +55,7 @@ def crowd(data):
 
 
 def served(rig):
-    """A file and an exchange on connections of their own, each in time."""
+    """A file and an exchange on separate connections, each answered in time."""
     rig.device.play(LANGUAGE)
     for uri, body in (("/page.css", b"body { color: page }"), ("/get_LangInfo", b'{ "strLanguage": "CN", "result": 1 }')):
         begin = time.monotonic()
@@ -72,7 +72,7 @@ def test_well_behaved_client_is_served_among(rig, kind):
     before = rig.daemon.count_idle_descriptors()
     with crowd(KINDS[kind]) as socks:
         served(rig)
-        # One byte more from each, as slowly as it goes.
+        # One more byte from each, as slowly as possible.
         for sock in socks:
             try:
                 sock.send(b"x")
@@ -84,7 +84,7 @@ def test_well_behaved_client_is_served_among(rig, kind):
 
 
 def test_client_that_is_just_being_served_is_not_the_one_to_go(rig):
-    """Far more newcomers than connections are kept, while a large page is on its way."""
+    """Far more newcomers than connections are kept, while a large page is being sent."""
     rig.device.play()
     with Client() as client:
         newcomers = []

@@ -1,4 +1,4 @@
-"""Nobody listens to what the daemon prints, or it has nowhere to print to."""
+"""Nobody reads what the daemon prints, or it has nowhere to print."""
 
 import os
 import signal
@@ -70,7 +70,7 @@ def test_pipe_that_is_emptied_again_is_written_again(spoilt, device):
 
 
 def test_pipe_of_others_keeps_its_mode(spoilt, device):
-    """A shell that shares the pipe still waits for its reader."""
+    """A shell that shares the pipe still blocks until its reader reads."""
     ends = {}
 
     def pipe():
@@ -85,7 +85,7 @@ def test_pipe_of_others_keeps_its_mode(spoilt, device):
 
 
 def test_clients_that_leave_raise_no_signal(spoilt, device):
-    """Sending to a closed connection is an error there, not the end of the process."""
+    """Sending to a closed connection is an error and does not end the process."""
     daemon = spoilt()
     for _ in range(50):
         with Client() as client:

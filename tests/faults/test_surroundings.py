@@ -100,8 +100,8 @@ IN_USE = "CUdpCtrlSocketSvr::OpenSvrSocket, Server Bind Failed. Error:Address al
 NO_SOCKET = "CUdpCtrlSocket::SendData2Wifi, send data to [0x100007f:6000][len:"
 RECEIVED = "CUdpCtrlSocket::RecvDataFromHost,  get data from[127.0.0.1  VS 127.0.0.1]"
 
-# What is wrong, what the device does, what the browser gets, what is printed, the status of
-# pages meanwhile.
+# The fault, what the device does, what the browser gets, what is printed, the status of pages
+# meanwhile.
 ROWS = [
     (eth0_without_address, LANGUAGE, GOOD, (RECEIVED,), b"200"),
     (eth0_absent, LANGUAGE, GOOD, (RECEIVED,), b"200"),
@@ -131,7 +131,7 @@ def test_trouble(rig, trouble, step, body, lines, pages):
         if step:
             rig.device.play(step)
         assert ask(get("/get_LangInfo")).body == body
-        wait_for_next_second()  # in which files are looked at again
+        wait_for_next_second()  # after which files are checked again
         page = ask(get("/page.css"))
         assert page.head.startswith(b"HTTP/1.1 %s " % pages)
         printed = rig.daemon.stdout.since_mark()
@@ -183,7 +183,7 @@ def test_restart_without_pages_leaves_the_service_at_work(rig):
 
 
 def test_silence_is_not_shortened_by_a_signal(rig):
-    """A stop and a continuation in the middle of a wait for the device."""
+    """SIGSTOP and SIGCONT in the middle of a wait for the device."""
 
     def interrupt(_device, _source):
         rig.daemon.pause()

@@ -96,7 +96,7 @@ def test_jump_in_a_restart_ends_it_none_the_less(clock, device):
 
 
 def is_answered(session):
-    """Whether the gate lets the style sheet through; a later request is answered meanwhile."""
+    """Whether the gate serves the style sheet; a later request is answered meanwhile."""
     with Client() as client:
         client.send(get(f"/page.css?time=1&SessionID={session}"))
         ask(get("/get_cpu_usage"))
@@ -108,10 +108,10 @@ def test_session_lasts_half_an_hour_of_the_system_s_time(clock, device):
     reply = ask(post("/cmp_UserSecurity?login.html", "strFD_AdminPasswd=p"))
     session = re.search(rb'"jsession": "([0-9a-f]{32})"', reply.body)[1].decode()
     assert is_answered(session)
-    # Back: it was used in the future, and stays.
+    # Back in time: its last use is in the future, so it stays.
     clock.seconds_ahead = -DAY
     assert is_answered(session)
-    # That use counts from the earlier time on.
+    # From this use on, the earlier time counts.
     clock.seconds_ahead = -DAY + 1700
     assert is_answered(session)
     clock.seconds_ahead = -DAY + 1700 + 1900
@@ -131,7 +131,7 @@ def test_jump_ahead_ends_every_session(clock, device):
 
 
 def test_many_idle_clients_after_a_jump_back(clock, device):
-    """Who goes first is told by traffic, not by the clock: the latest one stays."""
+    """Traffic decides which one is closed first, not the clock: the latest one stays."""
     socks = [socket.create_connection(("127.0.0.1", 80)) for _ in range(100)]
     clock.seconds_ahead = -DAY
     with Client() as latest:

@@ -14,7 +14,7 @@ BASE = answer('<stBaseInfo strFD_DeviceNo="1"/>')
 
 
 def zone_file(path, hours_ahead):
-    """A time zone of one offset, in the form that the C library reads."""
+    """A time zone with one offset, in the C library's file format."""
     with open(path, "wb") as file:
         file.write(struct.pack(">4s16x6liBB4s", b"TZif", 0, 0, 0, 0, 1, 4, hours_ahead * 3600, 0, 0, b"ABC"))
 
@@ -38,7 +38,7 @@ def daemon(tmp_path, zone):
 def test_clock_that_is_shown_follows_the_zone(rig, zone):
     for second, hours_ahead in enumerate((8, 3, -5)):
         zone_file(zone, hours_ahead)
-        os.utime(zone, (second, second))  # the C library looks at whole seconds
+        os.utime(zone, (second, second))  # the C library compares whole seconds
         wait_for_next_second()
         body = rig.get("/get_BaseInfo", BASE).body.decode()
         shown = re.search(r'"strFD_CurTime": "(\d{4}-\d\d-\d\d \d\d):', body)[1]

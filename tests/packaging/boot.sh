@@ -1,5 +1,5 @@
 #!/bin/sh
-# boot.sh <root>: becomes process 1 of this root, in namespaces that case.sh has made.
+# boot.sh <root>: becomes process 1 of this root, in namespaces that case.sh has created.
 set -e
 top=$1
 
@@ -14,7 +14,7 @@ else
 fi
 mount -t tmpfs tmpfs "$top/run"
 
-# Only devices that a container has: with a terminal's it would take the machine's.
+# Only a container's devices: with terminals it would use those of the machine.
 mount -t tmpfs tmpfs "$top/dev"
 mkdir "$top/dev/pts" "$top/dev/shm" "$top/dev/mqueue" "$top/dev/hugepages"
 mount -t devpts -o newinstance,ptmxmode=0666 devpts "$top/dev/pts"

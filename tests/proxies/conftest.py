@@ -1,4 +1,5 @@
-"""The rig of tests/blackbox with a relay in front of the daemon, and a proxy in front of that."""
+"""The fixtures of tests/blackbox with a relay in front of the daemon, and a proxy in front of
+that."""
 
 import importlib.util
 import os
@@ -8,7 +9,7 @@ _HERE = os.path.dirname(os.path.abspath(__file__))
 _RIG = os.path.join(os.path.dirname(_HERE), "blackbox")
 sys.path[:0] = [_RIG, os.path.join(os.path.dirname(_HERE), "docs")]
 
-# Both files are called conftest, so that one goes by another name here.
+# Both files are called conftest, so one gets another name here.
 _spec = importlib.util.spec_from_file_location("rig_conftest", os.path.join(_RIG, "conftest.py"))
 _rig = importlib.util.module_from_spec(_spec)
 _spec.loader.exec_module(_rig)
@@ -30,7 +31,7 @@ def pytest_sessionfinish(session):
     _rig.pytest_sessionfinish(session)
     reporter = session.config.pluginmanager.get_plugin("terminalreporter")
     if session.exitstatus == pytest.ExitCode.OK and not reporter.stats.get("passed"):
-        session.exitstatus = 77  # what CTest takes for "skipped"
+        session.exitstatus = 77  # CTest's exit status for "skipped"
 
 
 @pytest.fixture(scope="module")

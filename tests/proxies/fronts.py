@@ -1,4 +1,4 @@
-"""Real proxies in front of the relay, each set to let through as much as it can."""
+"""Real proxies in front of the relay, each configured to let as much through as possible."""
 
 import contextlib
 import os
@@ -71,7 +71,8 @@ proxy.header = ( {header} )
 """
 
 _POOL = {"pool": "keepalive 4;", "header": 'proxy_set_header Connection "";', "version": "1.1"}
-# Name: the configuration, the words that start the program on it, and what the variant is about.
+# Name: the configuration, the command line that starts the program with it, and what the variant
+# tests.
 FRONTS = {
     "nginx-1.0": (_NGINX, ["nginx", "-c"], {"pool": "", "header": "", "version": "1.0", "buffered": "on"}),
     "nginx-1.0-streamed": (_NGINX, ["nginx", "-c"], {"pool": "", "header": "", "version": "1.0", "buffered": "off"}),
@@ -86,7 +87,7 @@ FRONTS = {
 
 
 def program(name):
-    """The proxy's executable, None where it is not installed."""
+    """The proxy's executable; None where it is not installed."""
     return shutil.which(FRONTS[name][1][0], path=os.environ["PATH"] + ":/usr/sbin:/usr/local/sbin")
 
 

@@ -2,7 +2,7 @@
 
 HIDDEN_NUMBER = "666666"
 _FORM = f"strFD_DeviceNo={HIDDEN_NUMBER}"
-# The request that nobody may carry out but as one of its own.
+# The request that may only be executed when sent as a request of its own.
 HIDDEN = f"POST /set_DeviceNo HTTP/1.1\r\nHost: recorder\r\nContent-Length: {len(_FORM)}\r\n\r\n{_FORM}"
 _OWN = "strFD_DeviceNo=123456"
 _LENGTH = f"Content-Length: {len(_OWN)}"
@@ -72,7 +72,7 @@ _TEXTS = {
     "no length, then a body": _set(body=_OWN),
     "a length longer than the body": _set("Content-Length: 2000"),
     "no length of version 1.0": _set(_KEEP, start="POST /set_DeviceNo HTTP/1.0"),
-    # A body where many expect none.
+    # Bodies where many parsers expect none.
     "a GET with a length": _get(_HIDDEN_LENGTH),
     "a GET in chunks": _get(_CHUNKED, body=_HIDDEN_CHUNK),
     "a HEAD with a length": _get(_HIDDEN_LENGTH, start="HEAD /page.css HTTP/1.1"),
@@ -132,7 +132,7 @@ _TEXTS = {
     "requests above the limit in a chunk": _set(_CHUNKED, body=f"{len(_MANY):x}\r\n{_MANY}\r\n0\r\n\r\n"),
     "requests above the limit behind a missing page": _get(f"Content-Length: {len(_MANY)}", body=_MANY, start="GET /missing HTTP/1.1"),
     "requests in the body of a missing page": _get(f"Content-Length: {len(HIDDEN) * 600}", body=HIDDEN * 600, start="GET /missing HTTP/1.1"),
-    # What proxies take out or add.
+    # What proxies remove or add.
     "the length named as a hop's own": _set("Connection: keep-alive, Content-Length", _HIDDEN_LENGTH),
     "the coding named as a hop's own": _set("Connection: Transfer-Encoding", _CHUNKED, body=_HIDDEN_CHUNK),
     "Host named as a hop's own": _get("Connection: Host, close", _HIDDEN_LENGTH),
@@ -143,7 +143,7 @@ _TEXTS = {
     "an expectation that nobody meets": _set("Expect: tea", _HIDDEN_LENGTH),
     "TE and trailers": _set("TE: trailers, chunked", "Connection: TE", _CHUNKED, body=_CHUNKS),
     "a tunnel": f"CONNECT recorder:80 HTTP/1.1\r\nHost: recorder\r\n\r\n{HIDDEN}",
-    # Several at once, which is everybody's right.
+    # Several at once, which is allowed.
     "a request behind another": _get(_LENGTH, body=_OWN + HIDDEN),
     "five behind each other": HIDDEN * 5,
     "a request behind the last one": _get("Connection: close"),

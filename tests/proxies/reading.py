@@ -1,6 +1,7 @@
-"""A second reading of what a proxy sends and gets back: strict, after RFC 9112, of whole records.
+"""A second parser for what a proxy sends and gets back: strict, after RFC 9112, over whole
+recordings.
 
-It shares nothing with the daemon. What is not plain ends the reading: a server must refuse it.
+It shares nothing with the daemon. Anything ambiguous ends the parsing: a server must refuse it.
 """
 
 import re
@@ -15,7 +16,7 @@ _CHUNK = re.compile(rb"([0-9A-Fa-f]{1,15})[ \t]*(?:;[^\0\r\n]*)?\r\n")
 
 
 class NotPlain(Exception):
-    """Not whole, or nothing that every server reads alike."""
+    """Incomplete, or not read in the same way by every server."""
 
 
 def _head(data, at, line):
@@ -76,7 +77,7 @@ def _closes(start, headers):
 
 
 def requests(data):
-    """The whole requests at the beginning of a connection, up to the first that is not plain."""
+    """The complete requests at the beginning of a connection, up to the first ambiguous one."""
     data, at = bytes(data), 0
     try:
         while at < len(data):
@@ -92,7 +93,7 @@ def requests(data):
 
 
 def replies(data, asked):
-    """The final replies to these requests, as far as they came."""
+    """The final replies to these requests, as far as they arrived."""
     data, at, asked = bytes(data), 0, list(asked)
     try:
         while at < len(data) and asked:

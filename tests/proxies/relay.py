@@ -1,4 +1,4 @@
-"""Stands between a proxy and the daemon, passes every byte on and keeps it.
+"""Sits between a proxy and the daemon, passes every byte on and records it.
 
 A test may change what the proxy is told: `told` is given what the daemon sent.
 """
@@ -41,7 +41,8 @@ class Passage:
                                 target.shutdown(socket.SHUT_WR)
 
     def end(self):
-        """Tells the proxy that the daemon has ended; it then closes its side, and so do we."""
+        """Tells the proxy that the daemon has ended the stream; it then closes its side, and so do
+        we."""
         with contextlib.suppress(OSError):
             self._proxy.shutdown(socket.SHUT_WR)
         self._thread.join(_PATIENCE_SEC)
@@ -63,7 +64,7 @@ class Relay:
                 passage.start()
 
     def end_passages(self):
-        """Ends all connections, and gives what was on them; the proxy makes new ones."""
+        """Ends all connections and returns what was sent on them; the proxy opens new ones."""
         passages, self._passages = self._passages, []
         for passage in passages:
             passage.end()

@@ -1,4 +1,4 @@
-"""Behind a proxy, the daemon carries out just the requests that the proxy sent."""
+"""Behind a proxy, the daemon executes exactly the requests that the proxy sent."""
 
 import contextlib
 import itertools
@@ -16,7 +16,7 @@ from http_client import Client, get
 from reading import replies, requests, values
 
 _ANSWER_SEC = 0.3
-# The daemon's way to say that it did not carry out a request; 501 is also said of a file.
+# The daemon's statuses for a request that it did not execute; a file can get 501, too.
 REFUSALS = {400, 411, 413, 414, 417, 431, 501, 505}
 _NUMBER = re.compile(rb"strFD_DeviceNo=(\d+)")
 LAST_LINE = "-------------------handle_get_cpu_usage.\n"
@@ -24,7 +24,7 @@ _visitor = itertools.count()
 
 
 def hostile(data, places):
-    """Sends it, and goes when there is an answer or nothing more to be waited for."""
+    """Sends it and leaves when there is an answer or nothing more to wait for."""
     with EdgeClient(PORT, _ANSWER_SEC) as client, contextlib.suppress(OSError, EOFError):
         client.send_cut(data, places)
         with contextlib.suppress(TimeoutError):
@@ -34,7 +34,7 @@ def hostile(data, places):
 
 
 def honest(rig):
-    """Asks for something that only this visitor can get, and gets that and nothing else."""
+    """Requests something that only this visitor can get, and gets that and nothing else."""
     name = f"visitor-{next(_visitor)}.txt"
     path = os.path.join(rig.daemon.folder, "web_root", name)
     with open(path, "w", encoding="ascii") as file:
@@ -48,7 +48,7 @@ def honest(rig):
 
 
 def meant(request):
-    """What the device is told by a request that is carried out; None for nothing."""
+    """What the device receives for an executed request; None for nothing."""
     target = re.sub(rb"^https?://[^/]*", b"", request.start.split(b" ")[1]).partition(b"?")[0]
     number = _NUMBER.match(request.body)
     if target == b"/set_DeviceNo":
@@ -59,7 +59,7 @@ def meant(request):
 
 
 def outcome(passage):
-    """What the proxy sent on a connection: what surely was carried out, and what may have been."""
+    """What the proxy sent on a connection: what was certainly executed, and what may have been."""
     sent = list(requests(passage.sent))
     surely, perhaps = [], []
     for request, reply in itertools.zip_longest(sent, replies(passage.returned, sent)):
@@ -78,7 +78,7 @@ def told(messages):
 
 
 def count_carried_out(rig):
-    """By the lines that the daemon prints, once it has printed those of a last request of ours."""
+    """Read from the daemon's output, once it has printed the lines of our last request."""
     with Client() as client:
         client.send(get("/get_cpu_usage"))
         client.read_reply()
@@ -88,7 +88,7 @@ def count_carried_out(rig):
 
 
 def check(rig, passages):
-    """Neither less nor more than the proxy sent, and nothing else."""
+    """Exactly what the proxy sent, neither less nor more."""
     surely, perhaps = [], []
     for passage in passages:
         for found, more in zip((surely, perhaps), outcome(passage)):

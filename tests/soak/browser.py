@@ -1,4 +1,4 @@
-"""A browser that works as fast as it is answered, and judges every answer."""
+"""A browser that sends requests as fast as they are answered, and checks every answer."""
 
 import random
 import socket
@@ -12,7 +12,7 @@ _PATIENCE = 60
 
 
 class Broken(Exception):
-    """The daemon has closed the connection; the text says where in the reply."""
+    """The daemon has closed the connection; the text says at which point of the reply."""
 
 
 class Connection:
@@ -44,7 +44,7 @@ class Connection:
         return self._take(self._data.index(mark) + len(mark), needed)
 
     def ask(self, request):
-        """Head and body of the one reply."""
+        """Head and body of the only reply."""
         try:
             self._sock.sendall(request)
         except ConnectionError:
@@ -95,7 +95,8 @@ class Browser:
             self._connection = self._connection or Connection()
             head, body = self._connection.ask(request)
         except Broken as error:
-            # The service may close a connection for newer ones; what it began to send is lost.
+            # The service may close a connection in favour of newer ones; a reply in progress is
+            # lost.
             self.counts["cut in its " + str(error) if str(error) else "closed"] += 1
             self._drop()
             return

@@ -11,7 +11,7 @@ from http_client import get
 from netns import ETH0_ADDRESS
 
 SECRET = b"a secret outside the web root"
-# In everything that looks like a set here: it must never reach the device.
+# Part of everything here that looks like a set: it must never reach the device.
 _SET = b"POST /set_SubStreamInfo HTTP/1.1\r\n%sucFD_SFrameRate=99&uiFD_SBitRate=999999999"
 _LANGUAGE = b"POST /set_LangInfo HTTP/1.1\r\nContent-Length: %s\r\n\r\nstrLanguage=CN"
 _KEPT = 300
@@ -96,7 +96,7 @@ class HostileClient:
 
     def _stay(self, data):
         sock = self._open(data)
-        # In order, it would be the end of a body without a length: a whole request.
+        # An orderly end would end a body without a length, and so complete the request.
         sock.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
         self._kept.append(sock)
         if len(self._kept) > _KEPT:
@@ -135,7 +135,7 @@ class Flood:
         self._state = state
         self._random = random.Random(seed)
         self._socks = [socket.socket(socket.AF_INET, socket.SOCK_DGRAM) for _ in range(3)]
-        # Another host's port 6000 is taken for the device's, so this one sends no whole answer.
+        # Another host's port 6000 counts as the device's, so this one sends no complete answer.
         self._socks[0].bind((ETH0_ADDRESS, 6000))
         self.counts, self.wrong = Counter(), []
 
@@ -168,7 +168,8 @@ class Flood:
             for sock in self._socks:
                 sock.sendto(self._random.choice(payloads), (ETH0_ADDRESS, 4999))
             self._state.add("datagrams", len(self._socks))
-        # So does what the daemon has sent meanwhile: its answers can reach later exchanges.
+        # The same goes for what the daemon has sent meanwhile: its answers can reach later
+        # exchanges.
         rests = self._state.rests
         while self._state.rests < rests + 2 and not self._state.paused and not self._state.stopped:
             time.sleep(0.01)

@@ -1,4 +1,4 @@
-"""What the daemon has: threads, descriptors, resident pages, heap in use."""
+"""The daemon's resources: threads, descriptors, resident pages, heap in use."""
 
 import os
 import time
@@ -16,10 +16,10 @@ def wait_until(condition, what, seconds=60):
 
 
 def _connections():
-    """The rows of connections that the daemon knows, or that are still closing."""
+    """The table rows of connections that the daemon has, or that are still closing."""
     with open("/proc/net/tcp", encoding="ascii") as file:
         rows = [line.split() for line in file.readlines()[1:]]
-    # Local port 80 (hexadecimal), in any state but listening and waiting after the end.
+    # Local port 80 (hexadecimal), in any state but LISTEN and TIME_WAIT.
     return [row for row in rows if row[1].endswith(":0050") and row[3] not in ("0A", "06")]
 
 
@@ -32,7 +32,7 @@ def _status(pid, name):
 
 
 def take(pid, shim):
-    """A sample of the daemon at rest: no client, no thread of a restart, the main thread asleep."""
+    """A sample of the idle daemon: no client, no thread of a restart, the main thread asleep."""
     wait_until(lambda: not _connections(), "the connections to close")
     wait_until(lambda: _status(pid, "Threads") == 2, "the threads of restarts to end")
     sleeps = shim.sleeps

@@ -1,10 +1,10 @@
-"""What the recorder answers, and what a browser must therefore see.
+"""What the recorder answers, and what a browser must see as a result.
 
-Every answer of the device carries a number that is never used again. A reply of the daemon is right
-when it shows the number of an answer that the device gave while this very request was under way,
-in exactly the bytes that belong to it; or when it shows the failure of its endpoint and something
-did go wrong in that time. While hostile datagrams come in, one of them can end an exchange, whose
-answer then reaches the next one: the messages carry nothing that could tell.
+Every answer of the device has a unique number. A reply of the daemon is correct when it shows, in
+exactly the expected bytes, the number of an answer that the device gave during this request; or
+when it shows the failure of its endpoint and something did go wrong in that time. While hostile
+datagrams arrive, one of them can end an exchange, whose answer then reaches the next one: nothing
+in the messages would show that.
 """
 
 import re
@@ -16,8 +16,8 @@ from http_client import JSON_HEAD, STANDARD_HEAD, get, post
 _FAILED = ', "result": 0 }'
 _LATEST_SEC = 5
 
-# Endpoint, section that it asks for, the device's section, the pieces of the reply without the
-# result, the pieces of a failure. {n} is the number.
+# Endpoint, section in the query, the device's section, the pieces of the reply without the result,
+# the pieces of a failure. {n} is the number.
 _QUERIES = [
     (
         "get_SubStreamInfo",
@@ -107,13 +107,14 @@ ANSWERS = {section: text for _, section, text, _, _ in _QUERIES}
 
 
 def answer(section, number):
-    """The device's whole answer to a query, in its own encoding."""
+    """The device's whole answer to a query, in GBK."""
     text = ANSWERS[section].replace("{n}", str(number))
     return f'<VariCfgSec Action="DEVICE_QUERY" Result="0">{text}</VariCfgSec>'.encode("gbk")
 
 
 def _pattern(text):
-    """The reply's bytes as a pattern: the number (always the same one) and the channel count."""
+    """The reply's bytes as a pattern with the number (always the same one) and the channel
+    count."""
     pattern = re.escape(text).replace(re.escape("{n}"), r"(?P<n>\d+)", 1)
     pattern = pattern.replace(re.escape("{n}"), r"(?P=n)").replace(re.escape("{count}"), "(?:8|0)")
     return re.compile(pattern.encode())
@@ -132,7 +133,7 @@ _ANY_EXPORT = [
 
 
 class Query:
-    """A query endpoint with what it may answer."""
+    """A query endpoint and its possible answers."""
 
     def __init__(self, uri, good, failed):
         self.name, self.request = uri, get("/" + uri)
@@ -145,7 +146,7 @@ class Query:
             self._crossed = _ANY_EXPORT
 
     def judge(self, head, body, window):
-        """None when the reply is right, else what is wrong."""
+        """None when the reply is correct, otherwise what is wrong."""
         if head != self._head:
             return "another head"
         if self._failed.fullmatch(body):
@@ -158,7 +159,7 @@ class Query:
 
 
 class Change:
-    """A set endpoint; each request carries a number that no other has. The device refuses it."""
+    """A set endpoint; each request has a unique number. The device refuses it."""
 
     name = "set_SubStreamInfo"
 
@@ -177,7 +178,8 @@ class Change:
             return None if window.had_trouble() else "a failure without a cause"
         if body != b'{"result": 1 }':
             return "bytes that no answer has"
-        # The answer to an earlier message, set free by a flood, can come before the set gets through.
+        # The answer to an earlier message, released by a flood, can arrive before the set is
+        # processed.
         deadline = time.monotonic() + (_LATEST_SEC if window.was_flooded() else 0)
         while not self._numbers.arrived(self.number):
             if time.monotonic() >= deadline:
@@ -187,7 +189,7 @@ class Change:
 
 
 class Import(Change):
-    """The whole configuration, with a number of its own."""
+    """The whole configuration, with a unique number."""
 
     name = "import_CfgFile"
 
@@ -211,7 +213,7 @@ class File:
 
 
 class Usage:
-    """The one endpoint that asks nobody."""
+    """The only endpoint without an exchange."""
 
     name, request = "get_cpu_usage", get("/get_cpu_usage")
     _body = re.compile(rb'\{ "strFD_SSID": "new ", "result": (\d{1,2}|100) \}')

@@ -1,4 +1,5 @@
-"""The device application of the soak: right answers, and now and then none, a wrong or a late one."""
+"""The device application of the soak test: correct answers, and now and then none, a wrong or a
+late one."""
 
 import re
 import select
@@ -8,7 +9,7 @@ import time
 import model
 from device import HOST, OTHER_PORT, PORT
 
-# One in so many answers is wrong; every so many seconds one is missing or late.
+# One in this many answers is wrong; every this many seconds one is missing or late.
 _WRONG_EVERY = 40
 _SILENT_EVERY_SEC = 15.0
 
@@ -57,7 +58,7 @@ class Recorder:
             self._held = None
             state.put("last_late", number)
             state.add("late")
-            # Not followed by the true one, which the next exchange could meet.
+            # Not followed by the true one, which could reach the next exchange.
             self._main.sendto(late, source)
             return
         if count % _WRONG_EVERY == 0:
@@ -66,17 +67,18 @@ class Recorder:
             self._main.sendto(reply, source)
 
     def _reply(self, data):
-        """The right answer, and the section of a query."""
+        """The correct answer, and the section of a query."""
         if match := _QUERY.fullmatch(data):
             section = (match[1] or b"").decode()
-            # Noted before it is sent, so that no browser sees it earlier than the others know it.
+            # Noted before it is sent, so that no browser sees it before the other processes know
+            # it.
             return model.answer(section, self._state.add("number")), section
         result = 1
         if match := _CHANGE.fullmatch(data):
             if not self._state.arrive(int(match[1])):
                 self._turn_down(data)
         elif data.startswith(_MIRROR):
-            # One may come here after a hostile datagram has ended its exchange.
+            # A message may come here after a hostile datagram has ended its exchange.
             result = 0 if self._state.accepting else 1
         else:
             self._turn_down(data)
@@ -87,7 +89,7 @@ class Recorder:
             print(f"nobody asked for {data[:200]!r}", flush=True)
 
     def _skip(self, reply, section):
-        """Whether this is the time for silence; every other one is followed by the late answer."""
+        """Whether to stay silent now; every second silence is followed by the late answer."""
         if time.monotonic() < self._next_silence or self._state.accepting:
             return False
         if self._silences % 2 == 1 and section != "stSubStream":

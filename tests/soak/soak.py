@@ -1,14 +1,14 @@
 #!/usr/bin/python3
-"""Works the release build as hard as it goes, with browsers, attackers and a bad device at a time.
+"""Works the release build as hard as possible, with browsers, attackers and a bad device at once.
 
 usage: soak.py [--seconds N] [--seed N]
 
-WEBCTRL_BIN names the daemon, FAULT_SHIM_LIB the library that tells its heap's size. Runs in a
-network namespace of its own; exits with 77 where there can be none. The daemon's output is a pipe
-that nobody reads. After the first minute (a third of shorter runs) and at the end all traffic
-pauses, and the daemon must have as much memory, descriptors and threads as before, but for what
-each restart leaves by design: that is measured at the end, by restarts without other traffic.
-Every answered request is judged (model.py).
+WEBCTRL_BIN names the daemon, FAULT_SHIM_LIB the library that reports its heap's size. Runs in its
+own network namespace; exits with 77 where that is not possible. The daemon's output is a pipe that
+nobody reads. All traffic pauses after the first minute (a third of shorter runs) and at the end. The
+daemon must then have as much memory and as many descriptors and threads as before, apart from what
+each restart leaves behind by design: that is measured at the end, by restarts without other traffic.
+Every answered request is checked (model.py).
 """
 
 import argparse
@@ -36,7 +36,7 @@ from state import State  # noqa: E402
 _EXIT_SKIPPED = 77
 _RESTART_EVERY_SEC = 20
 _RESTARTS_MEASURED = 3
-# What a restart may leave, and how far figures of two quiet moments may be apart.
+# How much a restart may leave behind, and how far two idle samples may differ.
 _MOST_PER_RESTART = 1024
 _HEAP_TOLERANCE = 512
 _RESIDENT_TOLERANCE_KIB = 512
@@ -72,7 +72,7 @@ class SilentDaemon(Daemon):
 
 
 class Workers:
-    """The processes that make the traffic, and how to hold them."""
+    """The processes that create the traffic, and how to pause them."""
 
     def __init__(self, state, bodies):
         self._state = state
@@ -93,7 +93,7 @@ class Workers:
         body = make()
         try:
             body.run(acknowledge)
-        except Exception as error:  # whatever ends a worker ends the run, with its name
+        except Exception as error:  # anything that ends a worker ends the run, with its name
             body.wrong.append(f"{type(body).__name__} ended: {error!r}")
         self._results.put((type(body).__name__, body.counts, body.wrong, getattr(body, "longest", 0)))
 
@@ -115,7 +115,8 @@ class Workers:
 
 
 def restart(state):
-    """One set that the device accepts, which costs a restart. The exchange may fail like any other."""
+    """One set that the device accepts, which causes a restart. The exchange may fail like any
+    other."""
     state.put("accepting", 1)
     try:
         connection = Connection()
@@ -135,7 +136,7 @@ def traffic(state, seconds):
 
 
 def starts(daemon):
-    """How often the service has started: each time it sets the loopback address up."""
+    """How often the service has started: it sets the loopback address each time."""
     with open(daemon.ifconfig_log, encoding="ascii") as file:
         return len(file.readlines())
 
@@ -175,7 +176,7 @@ def judge(state, first, last, restarts, per_restart, results):
 
 def make_daemon(folder):
     shim = Shim(os.path.join(folder, "shim"))
-    # Without its per-thread cache the allocator counts exactly what is in use.
+    # Without its per-thread cache the allocator reports exactly what is in use.
     daemon = SilentDaemon(folder, env={**shim.env, "GLIBC_TUNABLES": "glibc.malloc.tcache_count=0"})
     with open(os.path.join(folder, "secret.txt"), "wb") as file:
         file.write(SECRET)
@@ -204,7 +205,7 @@ def soak(seconds, seed, folder):
 
 
 def work(daemon, shim, state, seconds, seed):
-    """All the traffic and the measurements; returns what is wrong."""
+    """Runs all traffic and measurements; returns what is wrong."""
     samples, pid = {}, daemon.process.pid
     files = pages(daemon.folder)
     workers = Workers(state, [
@@ -216,7 +217,7 @@ def work(daemon, shim, state, seconds, seed):
     minute = min(60, seconds // 3)
     traffic(state, minute)
     workers.hold()
-    restart(state)  # the first one makes what all later ones use again
+    restart(state)  # the first one allocates what all later ones reuse
     samples[f"after {minute} s"] = first = measure.take(pid, shim)
     begun = starts(daemon)
     workers.go_on()

@@ -1,4 +1,4 @@
-"""What the processes of the soak share: counters, numbers, and the order to pause or to stop."""
+"""What the soak test's processes share: counters, numbers, and the command to pause or stop."""
 
 import multiprocessing.sharedctypes
 
@@ -12,12 +12,12 @@ class State:
         "late",  # late answers sent into a later exchange
         "last_late",  # the number of the last of them
         "floods",  # bursts of hostile datagrams begun
-        "flooding",  # one is under way
+        "flooding",  # one is in progress
         "change",  # the last number given to a set
-        "uninvited",  # sets that reached the device and that nobody had asked for
+        "uninvited",  # sets that reached the device although nobody sent them
         "accepting",  # the device accepts sets
         "exchanges",
-        "rests",  # how often no message waited for the device
+        "rests",  # how often no message was waiting for the device
         "datagrams",  # hostile ones sent
         "paused",
         "stopped",
@@ -50,7 +50,7 @@ class State:
         return number
 
     def arrive(self, number):
-        """Called by the device for the number in a set; false when nobody has issued it."""
+        """Called by the device with the number in a set; false when nobody has issued it."""
         if number <= 0 or self._issued[number % _KEPT] != number:
             return False
         self._arrived[number % _KEPT] = number
@@ -60,14 +60,14 @@ class State:
         return self._arrived[number % _KEPT] == number
 
     def show_once(self, number):
-        """Notes that a browser has seen this number; false when one had seen it before."""
+        """Notes that a browser has seen this number; false when one has already seen it."""
         first = self.shown[number % _KEPT] != number
         self.shown[number % _KEPT] = number
         return first
 
 
 class Window:
-    """The time of one request, as far as the device's side of it is concerned."""
+    """The time of one request, as seen on the device's side."""
 
     def __init__(self, state):
         self._state = state

@@ -11,7 +11,7 @@ const kProgram = fileURLToPath(new URL('old_engine.py', import.meta.url));
 
 export class OldEngine {
   constructor(dir, language) {
-    chmodSync(dir, 0o700);  // as the engine wants its runtime folder
+    chmodSync(dir, 0o700);  // as the engine requires of its runtime folder
     this.errors = [];
     this.program = spawn('/usr/bin/python3', [kProgram, language], {
       stdio: ['pipe', 'pipe', openSync(join(dir, 'engine.log'), 'a')],
@@ -43,7 +43,7 @@ export class OldEngine {
     return until(() => this.run(probe, ...args), `${probe} ${JSON.stringify(args)}`);
   }
 
-  // Presses the middle of what the selector finds, once it is there.
+  // Clicks the middle of the selector's element once it is there.
   async click(selector) {
     const place = await this.until((wanted) => {
       const node = document.querySelector(wanted);

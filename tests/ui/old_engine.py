@@ -1,14 +1,14 @@
 #!/usr/bin/python3
-"""The browser of an old in-cab terminal: Debian's QtWebEngine, without a screen, told what to do.
+"""The browser of an old in-cab terminal: Debian's QtWebEngine, without a screen, remote-controlled.
 
-Takes one JSON command a line on its standard input, answers each with one line:
-  {"goto": URL}                      {"value": true} when the page has loaded, else false
-  {"run": SCRIPT}                    {"value": what the script gives}
+Reads one JSON command per line from standard input and answers each with one line:
+  {"goto": URL}                      {"value": true} when the page has loaded, otherwise false
+  {"run": SCRIPT}                    {"value": the result of the script}
   {"click": [X, Y]}                  {"value": null} after a press of the left button there
   {"type": TEXT}                     {"value": null} after these keys
   {"grab": FILE}                     {"value": true} when the window's picture is in the file
-  {"colours": [[X, Y], ...]}         {"value": ["#rrggbb", ...]} of these places as they are painted
-Errors of scripts stand in "errors" of the next answer. Ends when its input does.
+  {"colours": [[X, Y], ...]}         {"value": ["#rrggbb", ...]} at these places, as painted
+Script errors are in "errors" of the next answer. Exits at the end of its input.
 """
 import json
 import sys

@@ -1,5 +1,5 @@
-// The real pair behind a browser test: the daemon and the simulated recorder, with what the one
-// sent to the other. run.sh has made the namespace. Everything started here is stopped by stop().
+// The real pair behind a browser test: the daemon and the simulated recorder, with their messages.
+// run.sh has created the namespace. stop() stops everything started here.
 import {spawn} from 'node:child_process';
 import dgram from 'node:dgram';
 import {once} from 'node:events';
@@ -23,7 +23,7 @@ function answers(url) {
   });
 }
 
-// A datagram as the simulator's log quotes it, in readable text.
+// A datagram quoted by the simulator's log, as readable text.
 function unquote(text) {
   const bytes = text.replace(/\\x([0-9a-f]{2})|\\(.)/gi,
       (_, code, char) => code ? String.fromCharCode(parseInt(code, 16)) : char);
@@ -93,29 +93,30 @@ export class Pair {
 
   clear() { return this.command('clear'); }
 
-  // The recorder as delivered. Quick, so every test may begin with it.
+  // Restores the recorder's factory settings. Quick, so every test may begin with it.
   async reset() {
     await this.clear();
     await this.command('reset');
   }
 
-  // Posts a form as a page would, without a page.
+  // Posts a form as a page would.
   async post(endpoint, body, headers = {}) {
     const reply = await fetch(`${this.url}/${endpoint}`, {method: 'POST', body, headers});
     return reply.text();
   }
 
-  // What a colleague would change meanwhile: told to the recorder as a message of the service is.
+  // A change that somebody else makes meanwhile: sent to the recorder like a message of the
+  // service.
   change(xml) {
     const body = new URLSearchParams({strFD_CfgPara: `<VariCfgSec>${xml}</VariCfgSec>`});
     return this.post('import_CfgFile', body);
   }
 
-  // The settings that the simulator keeps, as text.
+  // The simulator's settings, as text.
   stored() { return new TextDecoder('gbk').decode(readFileSync(this.state)); }
 
-  // An attribute of an element in the simulator's file, entities resolved. What stands before the
-  // element's name makes it one of a section: 'stMainStream[^]*?<VChn_1'.
+  // An attribute of an element in the simulator's file, entities resolved. A prefix selects the
+  // element of a section: 'stMainStream[^]*?<VChn_1'.
   setting(element, name) {
     const pattern = new RegExp(`<${element}\\s[^>]*?\\b${name}=("[^"]*"|'[^']*')`);
     const value = pattern.exec(this.stored());
@@ -140,7 +141,7 @@ export class Pair {
   }
 }
 
-// A folder of this run for what people may look at afterwards, or null.
+// This run's folder for files to review afterwards, or null.
 export function pictures() {
   const folder = process.env.SCREENSHOTS;
   if (folder) mkdirSync(folder, {recursive: true});

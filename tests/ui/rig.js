@@ -1,4 +1,4 @@
-// A browser with the pair behind it, and the pages as a test sees them. One rig serves a file.
+// A browser with the pair behind it, and the pages as a test sees them. One rig per file.
 import {chromium} from 'playwright-core';
 import {kPassword, Pair} from './pair.js';
 import {until} from './until.js';
@@ -30,7 +30,7 @@ export class Rig extends Pair {
     });
   }
 
-  // A fresh browser profile; texts in English unless told otherwise (null: nobody has chosen).
+  // A new browser profile; texts are in English unless specified (null: no choice made).
   async open({size = kDesk, language = 'en', dark = false, ...more} = {}) {
     const context = await this.browser.newContext({
       viewport: size, locale: language === 'zh' ? 'zh-CN' : 'en-GB',
@@ -50,7 +50,7 @@ export class Rig extends Pair {
     return page;
   }
 
-  // A page with a session. The sign-in itself is the business of its own tests.
+  // A page with a session. The sign-in itself has its own tests.
   async enter(options) {
     const page = await this.open(options);
     const reply = await this.post('cmp_UserSecurity', `strFD_AdminPasswd=${kPassword}`,
@@ -80,13 +80,13 @@ export async function type(page, password) {
   await page.click('button[type=submit]');
 }
 
-// The page with all that it has read.
+// The page once it has read everything.
 export const shown = (page, name) => page.waitForFunction((wanted) => {
   const main = document.querySelector(`main[data-page="${wanted}"]`);
   return main && main.children.length > 2 && !main.querySelector('.skeleton');
 }, name);
 
-// As if nothing had been typed in this tab.
+// Discards everything that was typed in this tab.
 export const forget = (page) => page.evaluate(() => sessionStorage.clear());
 
 // Opens a page by its address, from the server.
@@ -110,38 +110,38 @@ export const dialog = (page) => page.locator('[role=dialog]');
 export const agree = (page) => dialog(page).locator('.main').click();
 export const cancel = (page) => page.keyboard.press('Escape');
 
-// What is said below a form.
+// The status below a form.
 export const line = (page, id) => section(page, id).locator('.status').last();
 export const words = (page, id) => line(page, id).innerText();
 export const button = (page, id, action) =>
   section(page, id).locator(action === 'save' ? '.main' : `[data-action="${action}"]`);
 
-// The field that has the focus, by its path.
+// The path of the field that has the focus.
 export const focused = (page) => page.evaluate(() => {
   const row = document.activeElement.closest('[data-field]');
   return row ? row.dataset.field : null;
 });
 
-// What is told at a field that is wrong.
+// The message at a field with an error.
 export async function error(page, path) {
   await fieldRow(page, path).locator('[aria-invalid="true"]').waitFor();
   return fieldRow(page, path).locator('.error').innerText();
 }
 
-// Presses the button that saves. The line begins anew: what ended() sees is the answer.
+// Clicks the save button. The status line is reset, so ended() sees the new result.
 export async function press(page, id) {
   await line(page, id).evaluate((node) => node.removeAttribute('data-note'));
   await button(page, id, 'save').click();
 }
 
-// Waits for what is said at the end and gives its name: 'applied', 'refused', 'elsewhere' ...
+// Waits for the final status and returns its name: 'applied', 'refused', 'elsewhere' ...
 export async function ended(page, id) {
   const node = section(page, id).locator('.status[data-note]').last();
   await node.waitFor();
   return node.getAttribute('data-note');
 }
 
-// Saves as a user does: the button, the list of changes, the end.
+// Saves as a user does: the button, the list of changes, the result.
 export async function save(page, id) {
   await press(page, id);
   await agree(page);
@@ -163,12 +163,12 @@ export async function get(page, path) {
   return kind === 'checkbox' ? String(Number(await input.isChecked())) : input.inputValue();
 }
 
-// Whatever the last input does to the page has been painted.
+// Waits until the effect of the last input has been painted.
 export const painted = (page) => page.evaluate(() => new Promise((resolve) => {
   requestAnimationFrame(() => requestAnimationFrame(resolve));
 }));
 
-// Everything that the browser keeps for these pages, as one text.
+// Everything that the browser stores for these pages, as one text.
 export const memory = (page) => page.evaluate(() =>
   JSON.stringify([{...localStorage}, {...sessionStorage}, document.cookie, history.state]));
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # run.sh <test file>: one browser test file in a private network namespace with lo and an eth0, so
-# that ports 80, 4999 and 6000 are free. Ends with 77 and the reason where that is not allowed.
+# that ports 80, 4999 and 6000 are free. Exits with 77 and the reason where that is not allowed.
 # WEBCTRL_BIN and DEVSIM_BIN name the programs, SCREENSHOTS the folder for pictures (optional).
 set -eu
 
-address=192.168.1.88  # the simulated recorder's own, so that the pages are where its settings say
+address=192.168.1.88  # the address in the simulated recorder's settings
 
 skip() {
   echo "skipped: $*"
@@ -28,7 +28,7 @@ fi
 command -v ip >/dev/null || skip "the ip command (iproute2) is not installed"
 [ -x "${CHROMIUM:=/usr/bin/chromium}" ] || skip "no browser at $CHROMIUM"
 export CHROMIUM
-# A process namespace too: whatever was started ends with this script, even when that is killed.
+# A process namespace too: everything started here ends with this script, even when it is killed.
 namespace=(unshare -n -m -p -f --mount-proc --kill-child)
 "${namespace[@]}" true 2>/dev/null || namespace+=(-U -r)
 "${namespace[@]}" true 2>/dev/null || skip "this machine allows no private namespace"

@@ -1,10 +1,10 @@
-// A mobile link between browser and daemon: a relay that holds every byte for half the round trip
-// and lets no more through in a second than the link carries, each way for itself. A connection
-// costs one round trip before its first byte, as the handshake would. It counts what passes.
+// A mobile link between browser and daemon: a relay that delays every byte by half the round trip
+// and limits the rate, separately for each direction. A connection costs one round trip before its
+// first byte, as the handshake would. It counts the traffic.
 //
 // The kernel's own emulation (netem) is missing on some machines, and the browser's delays requests
-// but not connections; with this one the wire is the same for every browser, and what the browser
-// takes from its own memory is not counted.
+// but not connections. With this one the link is the same for every browser, and what the browser
+// takes from its cache is not counted.
 import {once} from 'node:events';
 import {createServer, connect} from 'node:net';
 
@@ -19,7 +19,7 @@ class Lane {
     this.bytes = 0;
   }
 
-  // How long a piece of this size takes from now until it has come through.
+  // How long a piece of this size takes from now until it has passed.
   take(size, opened) {
     const now = Date.now();
     this.bytes += size;
@@ -28,7 +28,7 @@ class Lane {
   }
 }
 
-// One way of one connection. What was sent first arrives first, whichever timer rings.
+// One direction of one connection. What was sent first arrives first, whichever timer fires.
 class Pipe {
   constructor(lane, from, to, opened) {
     this.waiting = [];
@@ -80,7 +80,7 @@ export class SlowLink {
     });
   }
 
-  // What passed since the last call: the paths of requests, and bytes of both ways.
+  // The traffic since the last call: the paths of requests, and the bytes in both directions.
   passed() {
     const bytes = this.up.bytes + this.down.bytes;
     this.up.bytes = this.down.bytes = 0;

@@ -1,8 +1,8 @@
-// Waiting for a sign, never for a time.
+// Waits for a condition, never for a fixed time.
 const kPatienceMs = 30000;
 const kStepMs = 20;
 
-// What the probe returns as soon as it is true; an error that names what never came.
+// Returns the probe's result as soon as it is true; throws an error that names what never came.
 export async function until(probe, what, patience = kPatienceMs) {
   const end = Date.now() + patience;
   for (;;) {

@@ -1,4 +1,5 @@
-// The configuration to a file and back, another recorder's file, and the recorder's own address.
+// Exporting and importing the configuration, another recorder's file, and the recorder's own
+// address.
 import assert from 'node:assert/strict';
 import {execFileSync} from 'node:child_process';
 import {readFileSync} from 'node:fs';
@@ -97,7 +98,7 @@ test('a row can be left out', async () => {
   assert.equal(rig.setting('stMobileGNet', 'strFD_PhoneNo'), '*99#');
 });
 
-// What says which recorder this is.
+// The settings that identify this recorder.
 const kOwn = [
   'stBaseInfo/strFD_DeviceNo', 'stVehicle/strFD_DeviceNum', 'stVehicle/strFD_LicensePlate',
   'stLocalEth0/uiFD_LocalIp', 'stGB28181/strFD_DeviceId', 'stGB28181/strFD_DeviceUser',
@@ -176,7 +177,7 @@ test('an import that the recorder refuses or does not answer is not called done'
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'CMNET');
 });
 
-// From here the recorder goes to other addresses, so these come last.
+// From here on the recorder's address changes, so these come last.
 async function arrive(address) {
   execFileSync('ip', ['address', 'add', `${address}/24`, 'dev', 'eth0']);
   await page.waitForURL((url) => url.hostname === address);

@@ -1,4 +1,5 @@
-// What is typed and not yet saved: where it waits, what never waits, and who else changed it.
+// What is typed and not yet saved: where it is kept, what is never kept, and changes by somebody
+// else.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {button, dialog, field, fieldRow, get, go, memory, put, Rig, save, shown, visit, words}
@@ -103,7 +104,7 @@ test('a colleague changed another field of the section: both changes end on the 
       await over();
     });
 
-// Both values stand in what the page asks; nothing has been sent.
+// The page's question shows both values; nothing has been sent.
 async function asks(mine, theirs) {
   const sets = rig.sets();
   assert.equal(await save(page, 'mobile'), 'conflict');

@@ -1,4 +1,5 @@
-// A recorder that dies, limps and comes back, and a service that does: told once, over by itself.
+// A recorder that fails, partly works and recovers, and a service that does: reported once, and
+// cleared by itself.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {field, forget, go, health, Rig, shown, until, visit} from '../rig.js';
@@ -107,9 +108,9 @@ test('while nobody looks the status is not asked for, and at once when somebody 
       await until(async () => { await watched.clock.runFor(1000); return asked() > seen + 1; },
           'two more polls while visible');
       await look(true);
-      const settled = asked() + 1;  // one may be on its way
+      const settled = asked() + 1;  // one may already have been sent
       for (let minute = 0; minute < 5; minute++) await watched.clock.runFor(60000);
-      await watched.evaluate(() => fetch('favicon.svg'));  // whatever was asked has come by now
+      await watched.evaluate(() => fetch('favicon.svg'));  // every request has been answered by now
       assert.ok(asked() <= settled, `${asked()} > ${settled}`);
       const quiet = asked();
       await look(false);

@@ -1,5 +1,5 @@
-// Every page in both languages and themes and at the sizes that people have: what automated checks
-// of accessibility find (nothing), what does not fit (nothing), and pictures to look at.
+// Every page in both languages and themes and at common screen sizes: automated accessibility
+// checks find nothing, nothing overflows, and screenshots are taken for review.
 import assert from 'node:assert/strict';
 import {readFileSync} from 'node:fs';
 import {createRequire} from 'node:module';
@@ -12,7 +12,7 @@ import {
 } from '../rig.js';
 
 const kAxe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
-const kZoomed = {width: kDesk.width / 2, height: kDesk.height / 2};  // the desk's at 200 %
+const kZoomed = {width: kDesk.width / 2, height: kDesk.height / 2};  // the desktop's at 200 %
 const kFolder = pictures();
 
 let rig;
@@ -26,7 +26,7 @@ async function violations(page) {
   return found.map(({id, nodes}) => `${id}: ${nodes.map((node) => node.html).join(' | ')}`);
 }
 
-// What sticks out of the window, and words that a line end breaks.
+// What overflows the window, and words broken at a line end.
 const misfits = (page) => page.evaluate(() => {
   const found = [];
   const width = document.documentElement.clientWidth;

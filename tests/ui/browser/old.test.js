@@ -81,7 +81,7 @@ test('a save arrives', async () => {
   assert.equal(pair.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
 });
 
-// Where a switch has its knob: on the side whose colour is not the track's.
+// Where a switch has its knob: on the side whose colour differs from the track's.
 async function knob(selector) {
   const box = await engine.run((wanted) => {
     const {left, top, width, height} = document.querySelector(wanted).getBoundingClientRect();

@@ -1,4 +1,4 @@
-// How a save can end, each in its own words, and what must never happen on the way.
+// Every way in which a save can end, with its message, and what must never happen meanwhile.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
@@ -35,7 +35,7 @@ async function send(value) {
   await agree(page);
 }
 
-// The set is on the recorder, the service has not told yet.
+// The recorder has applied the set, the service has not replied yet.
 async function underway(value) {
   await rig.fault('for=set delay:1500');
   await apn().fill(value);

@@ -1,4 +1,4 @@
-// The sign-in: who gets in, who does not, and what is counted.
+// The sign-in: who gets in, who does not, and what counts as an attempt.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
@@ -72,7 +72,7 @@ test('the fifth wrong entry locks, the lock shows the time left and ends', async
   assert.equal(await submit(page).getAttribute('aria-disabled'), 'true');
   await page.reload();
   await state(page, 'locked');
-  await setLock(5, now() - kOffset - 3594);  // six seconds left, some of them for the restart
+  await setLock(5, now() - kOffset - 3594);  // six seconds left, some of which the restart takes
   await page.reload();
   await page.locator('button[type=submit]:not([aria-disabled])').waitFor();
   await type(page, kPassword);
@@ -99,7 +99,7 @@ test('a lock ahead of the recorder\'s clock keeps nobody out', async () => {
   await page.context().close();
 });
 
-// what is silent, what is entered
+// what does not answer, what is entered
 const kSilent =
     [['silent', ''], ['for=stUserSec silent', 'nonsense'], ['for=stUserSec silent', '']];
 
@@ -174,7 +174,7 @@ test('going back after signing out shows nothing of the pages', async () => {
   const page = await rig.enter();
   await go(page, 'network');
   await go(page, 'video');
-  // A browser may bring back the page as it was left, with all that it knew.
+  // A browser may restore the page as it was left, with its whole state.
   await page.context().clearCookies();
   await page.evaluate(() => {
     window.dispatchEvent(new PageTransitionEvent('pageshow', {persisted: true}));
@@ -217,7 +217,7 @@ test('a session that ends within a form loses no input, and keeps no secret', as
   await visit(rig, page, 'network');
   await field(page, 'stWifi/strFD_SSID').fill('车队二号');
   await field(page, 'stWifi/strFD_Passwd').fill('geheim-new');
-  const seen = new Set();  // session numbers are of a second; the sixth pushes the first out
+  const seen = new Set();  // numbers change every second; the sixth removes the first
   await until(async () => {
     const reply = await rig.post('cmp_UserSecurity', `strFD_AdminPasswd=${kPassword}`,
         {Referer: `${rig.url}/login.html`});

@@ -1,4 +1,4 @@
-// A mobile link of 400 ms and 400 kbit/s, and the budgets that make it bearable. Each is printed.
+// A mobile link of 400 ms and 400 kbit/s, and the budgets that keep it usable. Each is printed.
 import assert from 'node:assert/strict';
 import {readdirSync, readFileSync, statSync} from 'node:fs';
 import {join} from 'node:path';
@@ -12,7 +12,7 @@ const kFirstViewBytes = 45000;
 const kFirstViewRequests = 12;
 const kFirstViewMs = 3000;
 const kPageRequests = 2;
-const kFrameMs = 200;  // half a round trip of the link: whatever asked first would be later
+const kFrameMs = 200;  // half a round trip: a page that asked for something first would be later
 const kData = /^\/(get|set|cmp|export|import)_/;
 
 let rig;
@@ -71,7 +71,7 @@ test('no file asks for anything elsewhere, and no document has script or style i
   assert.ok(documents > 1);
 });
 
-// How long a browser that was never here takes until a password can be entered.
+// How long a first-time browser takes until a password can be entered.
 async function firstView() {
   if (page) await page.context().close();
   page = await rig.open();
@@ -86,7 +86,7 @@ async function firstView() {
 }
 
 test('the first view', async (t) => {
-  // What else the machine has to do only ever makes it longer: the best of three counts.
+  // Other load on the machine only makes it longer, so the best of three counts.
   let {ms, requests, bytes} = await firstView();
   for (let tries = 2; ms > kFirstViewMs && tries; tries--)
     ({ms, requests, bytes} = await firstView());
@@ -96,7 +96,7 @@ test('the first view', async (t) => {
   within(t, 'bytes on the wire, both ways', bytes, kFirstViewBytes);
 });
 
-// The application itself comes while the password is typed.
+// The application itself loads while the password is typed.
 test('the sign-in', async (t) => {
   await page.keyboard.type(kPassword, {delay: 100});
   const begin = Date.now();
@@ -111,7 +111,7 @@ test('the sign-in', async (t) => {
   within(t, 'requests besides data', besides(requests).length, kFirstViewRequests);
 });
 
-// How long the frame of a page takes from the press of its entry.
+// How long it takes from a click on the menu entry to the page's frame.
 const frame = (name) => page.evaluate((wanted) => new Promise((resolve) => {
   const start = performance.now();
   const look = () => {

@@ -1,5 +1,5 @@
-// An upgrade between two visits of one browser, which has kept what it could of the first edition.
-// The dates of the files are no help: a firmware image may give every edition the same old one.
+// An upgrade between two visits of a browser that has cached all it could of the first edition. The
+// files' dates do not help: a firmware image may give every edition the same old one.
 import assert from 'node:assert/strict';
 import {readdirSync, readFileSync, renameSync, rmSync, utimesSync, writeFileSync} from 'node:fs';
 import {join} from 'node:path';
@@ -19,7 +19,7 @@ before(async () => {
 });
 after(() => rig.stop());
 
-// Another edition of the pages: every hash differs, every size is the same.
+// Another edition of the pages: different hashes, same sizes.
 function edition(number, date) {
   rmSync(rig.root, {recursive: true, force: true});
   rig.ownRoot();

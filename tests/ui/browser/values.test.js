@@ -1,5 +1,5 @@
-// Every field of every section: read, changed, saved, and found in the recorder's own file; what
-// stands beside it there stays.
+// Every field of every section: read, changed, saved, and found in the recorder's own file;
+// everything else there stays the same.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
 import {
@@ -34,7 +34,7 @@ function stored(path) {
       .join(''), name);
 }
 
-// The file without the named paths' values: what must not change.
+// The file without the values of these paths, that is what must not change.
 function others(paths) {
   const names = new Set(paths.map((path) => path.split('/').pop()));
   return rig.stored().replace(/(\w+)=("[^"]*"|'[^']*')/g, (all, name) => names.has(name) ? '' : all)
@@ -176,7 +176,7 @@ test('a switch value above 1 is on, stays what it is, and is set to 0 and 1', as
   assert.equal(stored(kFlag), '1');
 });
 
-// page, section, path, what is typed, what is said
+// page, section, path, input, message
 const kWrong = [
   ['network', 'localEth0', 'stLocalEth0/uiFD_NetMask', '255.0.255.0', /mask/i],
   ['network', 'localEth0', 'stLocalEth0/uiFD_GateWay', '10.0.0.1', /192\.168\.1\.0/],

@@ -50,7 +50,7 @@ TEST(Select, JudgesConditionsInTheOrderOfHttp) {
       {"If-Modified-Since: Tue Mar  1 00:00:00 2016\r\n", "304"},
       {"If-Modified-Since: today\r\n", "200 0+20"},
       {"If-Modified-Since: Tue, 01 Mar 2016\r\n", "200 0+20"},
-      // A list of tags counts, and the date beside it does not.
+      // A list of tags counts, and a date sent with it does not.
       {"If-None-Match: \"b\"\r\nIf-Modified-Since: Tue, 01 Mar 2016 00:00:00 GMT\r\n", "200 0+20"},
       {"If-Match: \"a\"\r\n", "200 0+20"},
       {"If-Match: *\r\n", "200 0+20"},
@@ -82,7 +82,7 @@ TEST(Select, CutsARangeToTheFile) {
       {"Range: bytes=20-30\r\n", "416"},
       {"Range: bytes=99999999999999999999-\r\n", "416"},
       {"Range: bytes=-0\r\n", "416"},
-      // Not understood, so all of it.
+      // Not understood, so the whole file is sent.
       {"Range: bytes=0-1,3-4\r\n", "200 0+20"},
       {"Range: bytes=5-3\r\n", "200 0+20"},
       {"Range: bytes=-\r\n", "200 0+20"},
@@ -91,7 +91,7 @@ TEST(Select, CutsARangeToTheFile) {
       {"Range: bytes=1\r\n", "200 0+20"},
       {"Range: bytes=1-2x\r\n", "200 0+20"},
       {"Range: lines=1-2\r\n", "200 0+20"},
-      // Of this version only.
+      // Only for this version.
       {"Range: bytes=1-2\r\nIf-Range: \"a\"\r\n", "206 1+2"},
       {"Range: bytes=1-2\r\nIf-Range: \"b\"\r\n", "200 0+20"},
       {"Range: bytes=1-2\r\nIf-Range: W/\"a\"\r\n", "200 0+20"},

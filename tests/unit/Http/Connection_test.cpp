@@ -22,7 +22,7 @@ constexpr char kHead[] = "HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n";
 std::shared_ptr<const std::string> g_pText;
 int g_nFile = -1;
 
-// By path: a reply of path and body in angle brackets; or what the path says.
+// Replies according to the path: with path and body in angle brackets, or as the path says.
 void Answer(mg_connection* pConn, int nEvent, void* pData) {
   if (nEvent != MG_EV_HTTP_REQUEST) return;
   const auto& msg = *static_cast<http_message*>(pData);
@@ -69,7 +69,7 @@ TEST_F(ConnectionTest, AnswersWhatArrivedWholeBeforeItCloses) {
       {"POST /a HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nb=1\r\n0\r\n\r\n" + Get("/c"),
        "</a b=1></c >"},
       {Get("/nothing") + Get("/a"), "</a >"},
-      // Nothing behind a reply that closes.
+      // Nothing may follow a reply that closes.
       {Get("/a", "Connection: close\r\n") + Get("/b"), "</a >"},
       {"GET /a HTTP/1.0\r\n\r\n" + Get("/b"), "</a >"},
       {"GET /a HTTP/1.0\r\nConnection: keep-alive\r\n\r\n" + Get("/b"), "</a ></b >"},
@@ -109,7 +109,7 @@ TEST_F(ConnectionTest, RefusesBehindTheRepliesOfWhatWasGood) {
                                     "Content-Length: 11\r\n\r\nBad Request"));
 }
 
-// A close while bytes arrive would reset the connection, and the client lose the reply.
+// Closing while bytes arrive would reset the connection, and the client would lose the reply.
 TEST_F(ConnectionTest, LetsAClientReadTheLastReplyWhileItSends) {
   for (const std::string& strFirst :
        {Get("/a", "Connection: close\r\n"), std::string("POST / HTTP/1.1\r\n\r\n")}) {

@@ -18,8 +18,8 @@ namespace {
 
 constexpr int kStreams[] = {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO};
 
-// Runs a check in a process of its own, whose streams it may spoil. Returns its result, or the
-// number of the signal that ended it, negative.
+// Runs a check in its own process, whose streams it may break. Returns its result, or the negative
+// number of the signal that ended it.
 int InChild(const std::function<int()>& fn) {
   const pid_t nPid = fork();
   if (nPid == 0) _exit(fn());
@@ -34,7 +34,7 @@ bool IsNull(int nFd) {
   return fstat(nFd, &st) == 0 && stat("/dev/null", &null) == 0 && st.st_rdev == null.st_rdev;
 }
 
-// Writes until nothing more goes in, and returns why. Far more than any pipe or socket takes.
+// Writes far more than any pipe or socket holds until a write fails, and returns the reason.
 int WriteUntilRefused(int nFd) {
   const std::string strText(4096, 'x');
   for (int i = 0; i < 4096; ++i) {
@@ -92,7 +92,7 @@ TEST(GuardStdStreams, LosesTextInAFullPipe) {
   }
 }
 
-// Another user's pipe cannot be opened again.
+// Another user's pipe cannot be reopened.
 TEST(GuardStdStreams, LosesTextInAFullPipeThatItMayNotOpen) {
   if (geteuid() != 0) GTEST_SKIP() << "needs another user";
   int fds[2];
@@ -160,7 +160,7 @@ TEST(RaiseDescriptorLimit, RaisesAsFarAsItMay) {
   }
 }
 
-// The limit of the child process; false when it may not be had.
+// Sets the limit of the child process; false when that is not allowed.
 bool SetLimit(int nDescriptors) {
   rlimit limit{};
   getrlimit(RLIMIT_NOFILE, &limit);

@@ -15,7 +15,7 @@
 
 namespace {
 
-// Notes what it is told, and does nothing about it.
+// Records the events and does nothing else.
 class CNotes : public CWatcher {
  public:
   void Accepted(mg_connection& conn) override {
@@ -40,7 +40,7 @@ class CNotes : public CWatcher {
   }
 
   std::vector<mg_connection*> m_conns;
-  const mg_connection* m_pClosing = nullptr;  // who closes the second one when it is readable
+  const mg_connection* m_pClosing = nullptr;  // closes the second one when it is readable
 
  private:
   void Note(const char* pszNote) { m_notes.insert(pszNote); }
@@ -81,12 +81,12 @@ class EventsTest : public testing::Test {
     EXPECT_EQ(Notes{"accepted"}, Poll());
     return nSock;
   }
-  // Waits until something happens, and returns what was told.
+  // Waits until something happens, and returns the events.
   Notes Poll() {
     mg_mgr_poll(&m_mgr, 10000);
     return m_notes.Take();
   }
-  // Returns what there is to tell now.
+  // Returns the events that are due now.
   Notes PollOnce() {
     mg_mgr_poll(&m_mgr, 0);
     return m_notes.Take();
@@ -122,7 +122,7 @@ TEST_F(EventsTest, TellNothingThatIsNotWanted) {
   EXPECT_EQ(Notes{"readable"}, Poll());
   EXPECT_EQ(0U, Conn(0).recv_mbuf.len);
   EXPECT_EQ(1U, Conn(1).recv_mbuf.len);
-  // Not exactly: what was wanted before may still come.
+  // Not exactly: events that were wanted before may still come.
   m_events.Want(Conn(), true, false, true);
   m_events.Want(Conn(), false, false, false);
   EXPECT_EQ(Notes{"readable"}, Poll());

@@ -33,7 +33,7 @@ class FileCacheTest : public testing::Test {
     close(nFd);
     return pFile;
   }
-  // The text that is kept for a name, or "-".
+  // The text kept under a name, or "-".
   std::string Kept(const std::string& strName) {
     const auto pFile = m_cache.Find(strName);
     if (pFile == nullptr) return "-";

@@ -1,5 +1,6 @@
-// The edge's answers beside those that mg_serve_http gives to the same requests: they are the same
-// but for the fields that the edge adds, and for the answers that today's HTTP wants otherwise.
+// Compares the edge's answers with those of mg_serve_http to the same requests: they are the same
+// except for the fields that the edge adds, and for the answers that today's HTTP defines
+// differently.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -40,7 +41,7 @@ class FilesDifferentialTest : public testing::Test {
   FilesDifferentialTest(const FilesDifferentialTest&) = delete;
   FilesDifferentialTest& operator=(const FilesDifferentialTest&) = delete;
 
-  // What the library alone sends, up to the reply's end or that of the connection.
+  // What the bare library sends, up to the end of the reply or of the connection.
   std::string AskBare(const std::string& strRequest) const {
     const int nSock = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
@@ -72,12 +73,12 @@ std::string Request(const std::string& strMethod, const std::string& strUri,
          "\r\n";
 }
 
-// Takes out what stands from the nAt-th byte up to nEnd, if both are there.
+// Removes the bytes from nAt up to nEnd, if both are there.
 void Erase(std::string& strText, size_t nAt, size_t nEnd) {
   if (nAt != std::string::npos && nEnd != std::string::npos) strText.erase(nAt, nEnd - nAt);
 }
 
-// A reply without what the edge adds to it, and without what is of the moment.
+// A reply without the edge's additions, and without values that depend on the time.
 std::string Common(std::string strReply) {
   constexpr struct {
     std::string_view text;

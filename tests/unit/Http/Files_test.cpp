@@ -30,7 +30,7 @@ class FilesTest : public testing::Test {
     Write("outside/secret.css", kSecret);
     Write("outside/index.html", kSecret);
   }
-  // What was read for one test is of no use to the next.
+  // Files read for one test are of no use to the next.
   ~FilesTest() override { AwaitNextSecond(); }
   FilesTest(const FilesTest&) = delete;
   FilesTest& operator=(const FilesTest&) = delete;
@@ -212,7 +212,7 @@ TEST_F(FilesTest, ShowsNoPathInThePlaceOfAnInclude) {
   }
 }
 
-// A tag and a path have the same bound, so that no tag overruns a path.
+// A tag and a path have the same limit, so that no tag overruns a path.
 TEST_F(FilesTest, BoundsTheTagsOfIncludes) {
   for (const size_t nLength : {100, 985, 1050, 2000, 9000}) {
     for (const char* pszKind : {"virtual=", "abspath=", "file=", ""}) {

@@ -22,7 +22,7 @@ CGuarded::CGuarded(size_t nMost) : m_nData((nMost + kPage - 1) / kPage * kPage) 
 
 CGuarded::~CGuarded() { munmap(m_pPages, m_nData + kPage); }
 
-// The bytes in front are another value than before, so that nobody can rely on them.
+// The bytes before the text get a new value each time, so that nobody can rely on them.
 char* CGuarded::Put(std::string_view bytes) {
   char* const pBegin = m_pPages + m_nData - bytes.size();
   memset(m_pPages, '?', m_nData - bytes.size());

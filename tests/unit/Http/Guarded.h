@@ -1,4 +1,4 @@
-// Bytes that end at a page which cannot be read: a step beyond them ends the test.
+// Bytes that end at an unreadable page: a read past them ends the test.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ class CGuarded {
   CGuarded(const CGuarded&) = delete;
   CGuarded& operator=(const CGuarded&) = delete;
 
-  // Puts at most nMost bytes there, in place of those before. Returns where they begin.
+  // Puts at most nMost bytes there, replacing those before. Returns where they begin.
   char* Put(std::string_view bytes);
 
  private:

@@ -7,8 +7,8 @@
 
 namespace {
 
-// A head as a parser would have found it: lines that end in CR LF, or in LF; the texts in the
-// request line stand between its blanks.
+// A head as a parser would have found it: lines end in CR LF or LF; the texts in the request line
+// are between its blanks.
 class CHead {
  public:
   explicit CHead(const std::string& strText) : m_strText(strText) {
@@ -137,7 +137,7 @@ TEST(JudgeHead, RefusesWhatMayNotBeCarriedOut) {
   }
 }
 
-// What the fields say and what the parser is about to do must be the same.
+// The fields and the parser's plan must agree.
 TEST(JudgeHead, RefusesABodyThatTheParserTakesForAnother) {
   const CHead chunks("POST / HTTP/1.1\r\nContent-Length: 1\r\n\r\n");
   stHead head = chunks.Get();
@@ -152,7 +152,7 @@ TEST(JudgeHead, RefusesABodyThatTheParserTakesForAnother) {
 TEST(JudgeUnknownMethod, TellsItFromTheFirstBytesThatDecide) {
   const struct {
     const char* pszLine;
-    size_t nDeciding;  // bytes; 0: no number of them
+    size_t nDeciding;  // bytes; 0: not tried byte by byte
     int nStatus;
   } rows[] = {
       {"", 0, 0},

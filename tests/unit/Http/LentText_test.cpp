@@ -45,7 +45,7 @@ TEST(LentText, SendsAnyPart) {
   }
 }
 
-// A socket that was lent pages goes on having them when the text has gone and others have come.
+// A socket keeps the pages lent to it after the text is gone and others have come.
 TEST(LentText, StaysTheSameInTheSocket) {
   const CPair pair;
   auto pText = CLentText::Make(std::string(8192, 'a'));

@@ -88,7 +88,7 @@ void Answer(mg_connection* pConn, int nEvent, void* /*pData*/) {
   mg_printf(pConn, "%s", std::string(600, 'x').c_str());
 }
 
-// Whichever allocation fails, what is sent is a whole reply or nothing, and the server lives on.
+// Whichever allocation fails, a complete reply or nothing is sent, and the server survives.
 TEST_F(LibraryMemoryTest, RequestIsAnsweredWholeOrNotAtAll) {
   const std::string strWhole = kReply + std::string(600, 'x');
   CTestServer server(&Answer);

@@ -18,10 +18,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kTooLong = std::chrono::seconds(20);
-// What a server keeps of the process's descriptors for other uses.
+// The descriptors that a server reserves for other uses.
 constexpr int kOtherDescriptors = 12;
 
-// The server counts its places when it binds.
+// The server determines its room for clients when it binds.
 void BindWithPlaces(CServer& server, int nPlaces) {
   rlimit before{};
   getrlimit(RLIMIT_NOFILE, &before);

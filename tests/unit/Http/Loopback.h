@@ -1,5 +1,5 @@
-// A server on a loopback port and its clients, all on the test's thread: the server does something
-// only while it is polled, and a client knows when the server's system has its bytes.
+// A server on a loopback port and its clients, all on the test's thread: the server acts only while
+// it is polled, and a client knows when its bytes have reached the server's socket.
 #pragma once
 
 #include <mongoose.h>
@@ -12,7 +12,7 @@
 
 class CTestServer {
  public:
-  // nPlaces: how many clients it has room for; 0 for as many as the process may have.
+  // nPlaces: how many clients it has room for; 0 for as many as the process allows.
   explicit CTestServer(mg_event_handler_t pfnHandler, int nPlaces = 0);
   ~CTestServer();
   CTestServer(const CTestServer&) = delete;
@@ -20,7 +20,7 @@ class CTestServer {
 
   bool Poll() { return m_server.Poll(0); }
 
-  // Polls until pfnDone returns true. Records a failure when that takes too long.
+  // Polls until pfnDone returns true. Records a failure if that takes too long.
   void PollUntil(const std::function<bool()>& pfnDone);
 
   size_t Connections() const { return m_server.Connections(); }
@@ -38,23 +38,23 @@ class CTestClient {
   CTestClient(const CTestClient&) = delete;
   CTestClient& operator=(const CTestClient&) = delete;
 
-  // Sends without polling: the bytes have arrived, and the server knows nothing of them yet.
+  // Sends without polling: the bytes have arrived, but the server has not seen them yet.
   void Send(std::string_view bytes);
 
-  // Sends while the server takes what it wants, which may be less: it may end the connection.
+  // Sends while the server reads. It may read less than everything and end the connection.
   void SendAll(std::string_view bytes);
 
-  void End();    // sends no more
-  void Reset();  // breaks the connection
+  void End();    // ends the stream
+  void Reset();  // resets the connection
 
-  // Everything that has come so far.
+  // Everything received so far.
   const std::string& Received();
 
-  // Polls until so many bytes have come, or the server has ended the stream.
+  // Polls until this many bytes have come, or the server has ended the stream.
   const std::string& Await(size_t nBytes);
   const std::string& AwaitEnd();
 
-  // Whether the server has ended the stream, and whether it did so by breaking the connection.
+  // Whether the server has ended the stream, and whether it did so with a reset.
   bool IsOver();
   bool IsBroken();
 
@@ -68,5 +68,5 @@ class CTestClient {
   bool m_bBroken = false;
 };
 
-// What a client gets that sends these bytes and no more, up to the end of the connection.
+// What a client gets that sends only these bytes, up to the end of the connection.
 std::string Exchange(CTestServer& server, std::string_view bytes);

@@ -21,7 +21,7 @@ bool Fails() {
 
 }  // namespace
 
-// The linker puts these in the place of the C library's (--wrap).
+// Linked in place of the C library's functions (--wrap).
 extern "C" {
 void* __real_malloc(size_t nSize);                 // NOLINT
 void* __real_calloc(size_t nCount, size_t nSize);  // NOLINT

@@ -1,4 +1,4 @@
-// Takes the heap away from one thread: malloc, calloc, realloc and new fail from the nth call on,
+// Makes allocations of one thread fail: malloc, calloc, realloc and new fail from the nth call on
 // while a function runs. The test program's own heap functions count the calls.
 #pragma once
 

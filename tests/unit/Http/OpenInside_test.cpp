@@ -31,7 +31,7 @@ class OpenInsideTest : public testing::Test {
 
   std::string Path(const std::string& strName) const { return m_szTop + ("/" + strName); }
 
-  // What the file says, or the reason why it is not opened, as a number.
+  // The content of the file, or the errno for which it is not opened.
   std::string Read(const std::string& strName) {
     const int nFd = m_files.Open(Path("in").c_str(), Path(strName).c_str());
     if (nFd < 0) return std::to_string(errno);

@@ -1,5 +1,5 @@
-// A request's record as the service's handlers get it, over a copy of the text that is neither
-// longer nor terminated.
+// A request's record as the service's handlers get it, over an exact, unterminated copy of the
+// text.
 #pragma once
 
 #include <mongoose.h>

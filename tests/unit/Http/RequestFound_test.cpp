@@ -1,4 +1,4 @@
-// Requests that the fuzz targets once found to be read wrongly.
+// Requests that were once read wrongly, found by the fuzz targets.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,21 +7,21 @@
 
 namespace {
 
-// The reading was given back as memory, and then written to.
+// The reader was freed, and then written to.
 TEST(RequestFound, ControlByteInAChunksExtensionIsRefused) {
   using namespace std::string_literals;
   const std::string strHead = "POST /a HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
   EXPECT_EQ(ReadHoweverCut(strHead + "1;a\0b\r\nx\r\n0\r\n\r\n"s), "refused 400");
 }
 
-// Cut behind the CR it was taken: the second extension hid what was wrong.
+// Cut after the CR it was accepted: the second extension hid the error.
 TEST(RequestFound, BareReturnBeforeAChunksExtensionIsRefused) {
   const std::string strHead = "POST /a HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
   for (const char* pszLine : {"1\r;b\n", "1;a\r;b\n", "1\r ;b\n", "1;a\r;b\r\n"})
     EXPECT_EQ(ReadHoweverCut(strHead + pszLine + "x\r\n0\r\n\r\n"), "refused 400") << pszLine;
 }
 
-// It was taken for no coding at all, and the other line for the only one.
+// It counted as no coding at all, and the other line as the only one.
 TEST(RequestFound, EmptyCodingBesideAnotherIsRefused) {
   const std::string strCoding = "Transfer-Encoding: chunked\r\n",
                     strEmpty = "Transfer-Encoding:\r\n";
@@ -29,7 +29,7 @@ TEST(RequestFound, EmptyCodingBesideAnotherIsRefused) {
     EXPECT_EQ(ReadHoweverCut("POST /a HTTP/1.1\r\n" + strLines + "\r\n0\r\n\r\n"), "refused 400");
 }
 
-// The parser waited for the beginning of another protocol.
+// The parser waited for another protocol to begin.
 TEST(RequestFound, PrefaceOfAnotherProtocolIsRefusedAtItsVersion) {
   EXPECT_EQ(ReadHoweverCut("PRI * HTTP/1.1\r\n"), "refused 501");
 }

@@ -1,4 +1,4 @@
-// What is no request that may be carried out, and what is too long.
+// Requests that must be refused, and requests that are too long.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -115,7 +115,7 @@ TEST(RequestRefusals, KnowBrokenChunks) {
   }
 }
 
-// A request at a limit, and one with a byte more.
+// A request at a limit, and one that is a byte longer.
 TEST(RequestLimits, HoldForTheHead) {
   const std::string strLine = "GET / HTTP/1.1\r\n";
   const auto withTarget = [](size_t nHead) {
@@ -169,7 +169,7 @@ TEST(RequestLimits, HoldForTheBody) {
   EXPECT_EQ("refused 413", Read(strHead + "100001\r\n"));
   EXPECT_EQ("refused 413", Read(strHead + "1\r\na\r\n100000\r\n"));
   EXPECT_EQ("refused 413", Read(strHead + "FFFFFFFFFFFFFFFF\r\n"));
-  // With their frames, chunks may fill the same room as a body of one piece.
+  // Chunks with their framing have the same limit as a body in one piece.
   const std::string strChunk = "1\r\na\r\n";
   const std::string strLast = "0\r\n\r\n";
   const size_t nMost = (kMaxBodyBytes - strLast.size()) / strChunk.size();

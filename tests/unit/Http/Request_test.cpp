@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kChunked[] = "POST /a HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
 
-// How the description of a request begins that takes all of the bytes.
+// The beginning of the description of a request that consists of all the bytes.
 std::string AllOf(std::string_view bytes) { return std::to_string(bytes.size()) + ": "; }
 
 TEST(Request, TakesWholeRequestsOfEveryKind) {
@@ -154,7 +154,7 @@ TEST(EmptyLines, AreCountedInFrontOfARequest) {
   for (const auto& row : rows) EXPECT_EQ(row.nBytes, EmptyLines(row.pszBytes)) << row.pszBytes;
 }
 
-// Pieces that a request's reader takes apart, good ones and others.
+// Pieces that the request parser must handle, good and bad.
 constexpr const char* kPieces[] = {"GET ",
                                    "POST ",
                                    "FOO ",

@@ -1,4 +1,4 @@
-// Turns, places, memory: what the server decides between its clients.
+// Turns, connections, memory: how the server chooses between its clients.
 #include "CBB/Http/Server.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 using Clients = std::vector<std::unique_ptr<CTestClient>>;
 
 std::vector<std::string> g_served;                     // paths, in the order of their turns
-void (*g_pfnMeanwhile)(const std::string&) = nullptr;  // happens while a request is carried out
+void (*g_pfnMeanwhile)(const std::string&) = nullptr;  // runs while a request is executed
 
 // Answers with the path in angle brackets.
 void Answer(mg_connection* pConn, int nEvent, void* pData) {
@@ -41,7 +41,7 @@ class ServerTest : public testing::Test {
     TakeMemoryShortage();
   }
 
-  // Polls until so many requests have been carried out, and returns all that were.
+  // Polls until this many requests have been executed, and returns all of them.
   static std::vector<std::string> Served(CTestServer& server, size_t nRequests) {
     server.PollUntil([&] { return g_served.size() >= nRequests; });
     return g_served;
@@ -82,7 +82,7 @@ TEST_F(ServerTest, CarriesNothingOutForAClientThatHasReset) {
 
 CTestClient* g_pLeaving = nullptr;
 
-// A slow request, as one that waits for the device; another client gives up meanwhile.
+// A slow request, like one that waits for the device; another client gives up meanwhile.
 TEST_F(ServerTest, LooksForResetsBehindASlowRequest) {
   CTestServer server(&Answer);
   CTestClient a(server), b(server);

@@ -55,10 +55,10 @@ TEST(NextTurn, FollowsFromTheStateAlone) {
   }
 }
 
-// The places in the order in which they go, at the edges of what counts as a moment.
+// The connections in the order in which they are closed, at the limits of the times.
 TEST(GoesBefore, PutsThoseFirstThatNeedTheirPlaceLeast) {
   constexpr stPlace kOrder[] = {
-      {false, 1000, 1000, 3},  {false, 50000, 50000, 9},  // only hold a place
+      {false, 1000, 1000, 3},  {false, 50000, 50000, 9},  // only take up room
       {true, 90000, 10000, 1}, {true, 10000, 99999, 6},   // unused
       {false, 999, 999, 2},    {false, 0, 0, 8},          // newcomers
       {true, 90000, 9999, 4},  {true, 0, 0, 5},           // in use

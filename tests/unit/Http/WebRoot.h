@@ -1,4 +1,4 @@
-// A document root with a folder beside it, and a server's handler that serves files from it.
+// A document root with a folder beside it, and a handler that serves files from it.
 #pragma once
 
 #include <mongoose.h>
@@ -7,7 +7,7 @@
 
 class CWebRoot {
  public:
-  // Makes the folders "root", its lookalike "root2" and "outside" in a new folder. One at a time.
+  // Creates the folders "root", its lookalike "root2" and "outside" in a new folder. One at a time.
   CWebRoot();
   ~CWebRoot();
   CWebRoot(const CWebRoot&) = delete;
@@ -28,10 +28,10 @@ class CWebRoot {
   std::string m_strRoot;
 };
 
-// Returns once the clock shows another second than at the call: files are looked at again then.
+// Returns when the clock shows another second than at the call, so that files are checked again.
 void AwaitNextSecond();
 
-// Returns once a change of a file has another time stamp than one before the call.
+// Returns when a change of a file gets a later time stamp than one before the call.
 void AwaitNextTimeStamp();
 
 // How many descriptors are open.

@@ -1,5 +1,5 @@
-/* The HTTP library as its authors made it, but for our switches: files, memory and events are its
-   own. In a shared object of its own, so that it stands beside the one of CBB/Http. */
+/* The unmodified HTTP library with our switches: files, memory and events are its own. It is built
+   into a shared object, so that it can be used beside the one of CBB/Http. */
 #include "tests/unit/Http/bare_library.h"
 
 #include <mongoose.c> /* NOLINT: the library in a build of its own */

@@ -1,4 +1,4 @@
-/* A server that answers every request by mg_serve_http alone. One at a time, on one thread. */
+/* A server that answers every request with mg_serve_http alone. One at a time, on one thread. */
 #pragma once
 
 #ifdef __cplusplus

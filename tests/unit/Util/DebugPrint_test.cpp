@@ -30,7 +30,7 @@ std::string PrintingLevels() {
   });
 }
 
-// First in the file: sees the settings that the process starts with.
+// First in the file: sees the process's initial settings.
 TEST(DebugPrint, StartsEnabledAtThreshold1) {
   EXPECT_EQ(1, GetDebugLevel());
   EXPECT_EQ("1 2 3 4 5 6 ", PrintingLevels());

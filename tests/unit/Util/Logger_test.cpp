@@ -22,7 +22,7 @@ constexpr uint32_t kLinesPerFile = 120000;
 
 Logger& Log() { return Logger::Instance(); }
 
-// Every test works in a directory of its own, which is gone afterwards.
+// Every test works in its own directory, which is removed afterwards.
 class LoggerTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -33,7 +33,7 @@ class LoggerTest : public testing::Test {
     ASSERT_EQ(0, mkdir(m_strDir.c_str(), 0755));
   }
   void TearDown() override {
-    // Leaves the logger without a file, as the next test expects it.
+    // Leaves the logger without a file, as the next test expects.
     Printed([&] { Log().init("x", (m_strRoot + "/none/").c_str()); });
     ASSERT_EQ(0, system(("rm -rf " + m_strRoot).c_str()));
   }
@@ -74,7 +74,7 @@ std::string ErrorLine(const std::string& strCaller, const std::string& strMessag
          ", L[0-9]+>:" + strMessage + "\n\033\\[0m";
 }
 
-// First in the file: sees the logger as the process starts with it.
+// First in the file: sees the logger in its initial state.
 TEST(Logger, WithoutInitPrintsAnErrorAndCountsNothing) {
   EXPECT_THAT(Printed([] { Log().log("text %d\n", 1); }),
               MatchesRegex(ErrorLine("log", "CLogger not init\\.")));
@@ -172,8 +172,8 @@ TEST_F(LoggerTest, FirstLineOfAFileClearsOldFiles) {
   FillFile();
   TouchMany(31);
   Printed([] { Log().log("starts a file\n"); });
-  // 31 old ones and the one of init, less the two smallest names, and the new one, whose name is
-  // that of init's when no second has passed.
+  // 31 old ones and init's, minus the two smallest names, plus the new one, which has the same name
+  // as init's when no second has passed.
   const std::set<std::string> names = Names();
   EXPECT_EQ(0u, names.count("web_20200101_000000"));
   EXPECT_EQ(0u, names.count("web_20200101_000001"));
@@ -238,7 +238,7 @@ TEST_F(LoggerTest, ClearLogReportsADirectoryThatCannotBeCreated) {
   EXPECT_NE("", testing::internal::GetCapturedStderr()) << "mkdir says why it failed";
 }
 
-// Given without a slash at its end; the files are inside of it all the same.
+// Given without a slash at its end; the files are inside it all the same.
 TEST_F(LoggerTest, ClearLogShowsTheDirectoryAsItWasGiven) {
   const std::string strGiven = m_strDir.substr(0, m_strDir.size() - 1);
   ASSERT_EQ(0, Log().init("web", strGiven.c_str()));

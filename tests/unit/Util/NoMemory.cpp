@@ -14,7 +14,7 @@ CNoMemory::CNoMemory() { g_bNoMemory = true; }
 
 CNoMemory::~CNoMemory() { g_bNoMemory = false; }
 
-// These stand in for the library's.
+// These replace the library's.
 void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept {
   if (g_bNoMemory) return nullptr;
   try {

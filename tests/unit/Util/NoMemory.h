@@ -1,4 +1,4 @@
-// Takes the memory away from "new (std::nothrow)", for as long as an object lives. One at a time.
+// Makes "new (std::nothrow)" fail as long as an object lives. One at a time.
 #pragma once
 
 class CNoMemory {

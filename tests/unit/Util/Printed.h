@@ -1,4 +1,4 @@
-// What a piece of code writes to the standard output, buffered and unbuffered alike.
+// What a piece of code writes to standard output, buffered or unbuffered.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -16,7 +16,7 @@ struct CFreeDict {
 };
 using CDictPtr = std::unique_ptr<StrDict, CFreeDict>;
 
-// Two keys of one bucket: one more in the first byte is 16 more, which the second byte lacks.
+// Two keys of one bucket: 1 more in the first byte equals 16 more in the second.
 constexpr char kTwinA[] = "a@";
 constexpr char kTwinB[] = "b0";
 
@@ -37,7 +37,7 @@ TEST(StrDict, HashesByTheElfRule) {
   EXPECT_EQ(0u, StrDict::Bucket(""));
   EXPECT_EQ(0x61u, StrDict::Bucket("a"));
   EXPECT_EQ(0x783u, StrDict::Bucket("abc"));
-  // Long enough for the top four bits to fold back.
+  // Long enough for the top four bits to be folded back.
   EXPECT_EQ(0x7ABu, StrDict::Bucket("abcdefghijk"));
 }
 

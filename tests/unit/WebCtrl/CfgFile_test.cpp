@@ -61,8 +61,8 @@ TEST(ExportCfgFile, AnswersAFailedFetchWithAnEmptyText) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// The conversion wants room for the longest character before each, so the buffer is full earlier
-// than its last byte, and what is sent is always terminated.
+// The conversion requires room for the longest character each time, so the buffer counts as full
+// before its last byte, and the text sent is always terminated.
 TEST(ExportCfgFile, LeavesAFullBufferUnanswered) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     const std::string strHead = "<VariCfgSec Action=\"\">";
@@ -106,11 +106,11 @@ TEST(ImportCfgFile, SendsACompactGbkSet) {
        "<VariCfgSec Action=\"DEVICE_SET\"><a b=\"1\"><c /></a></VariCfgSec>"},
       {"<?xml version=\"1.0\"?>junk<x/><VariCfgSec/>", "<VariCfgSec Action=\"DEVICE_SET\" />"},
       {"<VariCfgSec a=\"\xE4\xB8\xAD\"/>", "<VariCfgSec a=\"\xD6\xD0\" Action=\"DEVICE_SET\" />"},
-      // Bytes of the longer UTF-8 text behind the GBK text are not parsed.
+      // Bytes of the longer UTF-8 text after the GBK text are not parsed.
       {"<VariCfgSec a=\"" + Repeat("\xE4\xB8\xAD", 40) + "\"/>",
        "<VariCfgSec a=\"" + Repeat("\xD6\xD0", 40) + "\" Action=\"DEVICE_SET\" />"},
       {"<VariCfgSec/><VariCfgSec/>", "<VariCfgSec Action=\"DEVICE_SET\" /><VariCfgSec />"},
-      // Cut by the form's reading; what is left parses as far as it goes.
+      // Cut by the form reader; the rest parses as far as it goes.
       {"<VariCfgSec/>" + std::string(31000, ' '), "<VariCfgSec Action=\"DEVICE_SET\" />"},
   };
   const bool bRan = RunInNetSpace(Eth0::kNone, [&] {

@@ -1,4 +1,4 @@
-// A device application on a loopback port of its own, played by a function from request to reply.
+// A device application on its own loopback port; a function turns each request into a reply.
 #pragma once
 
 #include <atomic>
@@ -11,7 +11,7 @@
 
 class CDevice {
  public:
-  // The function runs on the device's own thread; an empty reply leaves a request unanswered.
+  // The function runs on the device's own thread; an empty reply means no answer.
   explicit CDevice(std::function<std::string(const std::string& strRequest)> pfnAnswer);
   ~CDevice();
   CDevice(const CDevice&) = delete;

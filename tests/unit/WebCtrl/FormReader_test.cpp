@@ -66,7 +66,7 @@ TEST(CFormReader, TellsPresenceByEachRule) {
       {"a=" + str63, str63, str63, str63},
       {"a=" + str64, {}, str63, str63},
       {"a=" + str500 + "&b=1", {}, str63, str63},
-      // not to be decoded: what stands before is there, though not for the length
+      // not decodable: the text before it counts, except under the length rule
       {"a=%", {}, {}, ""},
       {"a=%4", {}, {}, ""},
       {"a=%zz", {}, {}, ""},

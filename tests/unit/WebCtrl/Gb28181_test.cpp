@@ -34,7 +34,7 @@ TEST(SplitIdList, CountsDownFromTheLastChannel) {
       {"****", 4, {{3, ""}, {2, ""}, {1, ""}}},
       {"*A**", 4, {{3, ""}, {2, "A"}}},
       {"**A*", 4, {{3, "A"}, {2, ""}}},
-      // not as the pages send it: the last character goes whatever it is, what stands before the
+      // not as the pages send it: the last character is dropped whatever it is, and text before the
       // first star belongs to no identifier
       {"*A*BC", 4, {{3, "B"}, {2, "A"}}},
       {"xyz*A*", 4, {{3, "A"}}},

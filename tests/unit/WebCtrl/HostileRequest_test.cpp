@@ -1,4 +1,4 @@
-// Requests that no browser sends, in pieces as a network may deliver them.
+// Requests that no browser sends, split as a network may deliver them.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -11,7 +11,7 @@
 
 namespace {
 
-// Pieces that a request's reader takes apart, good ones and others.
+// Pieces that the request parser must handle, good and bad.
 constexpr const char* kPieces[] = {"GET ",
                                    "POST ",
                                    "OPTIONS ",

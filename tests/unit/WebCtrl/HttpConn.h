@@ -1,4 +1,4 @@
-// An HTTP connection without a socket: what the client would receive stands in its send buffer.
+// An HTTP connection without a socket: its send buffer holds what the client would receive.
 #pragma once
 
 #include <mongoose.h>
@@ -24,8 +24,8 @@ class CHttpConn {
 // A POST request with a form as its body.
 std::string Post(const std::string& strUri, const std::string& strForm);
 
-// A chunked reply taken apart: the head with its blank line, the chunks without the closing one,
-// and what stands behind the reply. Records a failure when it is not one.
+// Splits a chunked reply: the head with its empty line, the chunks without the closing one, and the
+// bytes after the reply. Records a failure when it is not one.
 struct stReply {
   std::string strHead;
   std::vector<std::string> chunks;

@@ -15,7 +15,7 @@
 #include "tests/unit/WebCtrl/HttpConn.h"
 #include "tests/unit/control/NetSpace.h"
 
-// The loop's failure paths leave the manager as it is; nothing else may leak.
+// The loop's failure paths leave the manager behind; nothing else may leak.
 extern "C" const char* __lsan_default_suppressions() { return "leak:RunHttpLoop\n"; }
 
 namespace {

@@ -15,7 +15,7 @@ using Chunks = std::vector<std::string>;
 
 constexpr char kHead[] = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
 
-// The chunks that a piece of code writes behind the header.
+// The chunks that a piece of code writes after the header.
 template <class F>
 Chunks ChunksOf(F fn) {
   CHttpConn conn;
@@ -142,7 +142,7 @@ TEST(ReplyFields, WritesTheRowsInOrderAndTheResult) {
     ReplyFields(conn.Get(), kRows, rec, bOk);
     const stReply reply = TakeReply(conn.Sent());
     EXPECT_EQ(kHead, reply.strHead);
-    // Unsigned numbers from 2^31 on show negative.
+    // Unsigned numbers from 2^31 on appear negative.
     EXPECT_EQ((Chunks{"{ \"text\": \"seven..\"", ", \"uc\": \"200\"", ", \"ui\": \"-1\"",
                       ", \"ip\": \"1.2.3.4\"", bOk ? ", \"result\": 1 }" : ", \"result\": 0 }"}),
               reply.chunks);

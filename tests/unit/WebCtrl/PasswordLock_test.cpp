@@ -7,7 +7,7 @@
 namespace {
 
 constexpr uint32_t kLockTime = 1700000000;
-// The service's clock at the moment of the lock.
+// The service's clock at the time of the lock.
 constexpr uint32_t kLocked = kLockTime + 28800;
 
 TEST(EvaluateLock, TellsTheCountUntilFiveErrorsAreAnHourOld) {

@@ -74,7 +74,7 @@ std::string EntryLine(const std::string& strName) {
 
 TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
-    // Refuses every set, so that none of them restarts the service.
+    // Refuses every set, so that none restarts the service.
     CDevice device([](const std::string&) { return R"(<VariCfgSec Action="" Result="1"><s/>)"; });
     CWebCtrl webCtrl;
     webCtrl.SetDevice("127.0.0.1", device.Port());
@@ -92,7 +92,7 @@ TEST(DoHttpRequeset, RoutesEveryUriToItsHandler) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// The plain traces of what was printed, but for those whose line numbers are fixed.
+// The plain traces in the output, except those whose line numbers are fixed.
 std::vector<std::string> TraceLines(const std::string& strPrinted) {
   std::vector<std::string> lines;
   std::istringstream text(strPrinted);
@@ -123,7 +123,7 @@ TEST(DoHttpRequeset, TracesEveryEntryAndExitWithALineOfItsOwn) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// What a request for a file prints and sends: such a reply needs a server's connection.
+// What a request for a file prints and sends; such a reply needs a connection of a server.
 stOutcome RouteThroughServer(const std::string& strRequest) {
   CTestServer server(&HttpEvent);
   testing::internal::CaptureStdout();

@@ -1,4 +1,4 @@
-// What the sets send where a rule has an edge: lists of identifiers, over-long numbers, lock times.
+// What the sets send in edge cases: lists of identifiers, over-long numbers, lock times.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ std::string Set(const std::string& strSection) {
   return R"(<VariCfgSec Action="DEVICE_SET">)" + strSection + "</VariCfgSec>";
 }
 
-// The set of GB28181 that a form makes when the device has so many channels.
+// The GB28181 set for a form and this many channels.
 std::string Gb28181Set(const std::string& strForm, int nChannels) {
   const std::string strVersion = R"(<VariCfgSec Action="DEVICE_QUERY"><stVersion VideoCnt=")" +
                                  std::to_string(nChannels) + R"("/></VariCfgSec>)";
@@ -44,7 +44,7 @@ TEST(SetGb28181, LeavesNothingOfALensIdBehindAShorterAlarmId) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     const std::string strSent =
         Gb28181Set("strFD_LensId=*lens-0*lens-1*lens-2*lens-3*&strFD_AlarmInId=*a*bb*c**", 4);
-    // The alarm IDs 0 to 3 stand in the place of the lens IDs 2 to 5.
+    // The alarm IDs 0 to 3 are in the place of the lens IDs 2 to 5.
     EXPECT_THAT(strSent, HasSubstr(SubDevice(0, "lens-0", "a") + SubDevice(1, "lens-1", "bb") +
                                    SubDevice(2, "a", "c") + SubDevice(3, "bb", "") +
                                    SubDevice(4, "c", "") + SubDevice(5, "", "")));
@@ -63,8 +63,8 @@ TEST(SetGb28181, IgnoresTheChannelsBeyondTheEighth) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// A list of 511 characters is read whole; of a longer one the last that fits is dropped as the
-// closing star is.
+// A list of 511 characters is read whole; of a longer one, the last character that fits is dropped
+// like the closing star.
 TEST(SetGb28181, ReadsAListOfTheLongestLengthWhole) {
   const struct {
     size_t nLength;
@@ -83,7 +83,7 @@ TEST(SetGb28181, ReadsAListOfTheLongestLengthWhole) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// 63 characters are read; a longer number counts as missing, not as the start of one.
+// 63 characters are read; a longer number counts as missing and is not cut.
 TEST(SetStream, TakesAnOverLongNumberForMissing) {
   const std::string strLong(62, '0');
   const struct {
@@ -115,7 +115,7 @@ std::string LockSet(int nErrors, const std::string& strTime) {
              "\" uiFD_LockTime=\"" + strTime + "\" />");
 }
 
-// From 2^31 on a lock time is sent, and shown, as the negative number of its 32 bits.
+// From 2^31 on a lock time is sent and shown as the negative number with the same 32 bits.
 TEST(LockTime, KeepsItsBitsFrom2To31On) {
   const struct {
     const char* pszGiven;
@@ -162,7 +162,7 @@ TEST(LockTime, AheadOfTheClockCountsAsOver) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// With fewer errors the time since the lock is shown, which is before it: a number that wraps.
+// With fewer errors the time since the lock is shown, which is negative here: the number wraps.
 TEST(LockTime, AheadOfTheClockShowsANegativeTime) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     const time_t before = time(nullptr);

@@ -21,7 +21,7 @@ std::string StyleRequest(const std::string& strId, const char* pszSheet = "page.
 }
 
 int Check(CSessions& sessions, const std::string& strRequest, int32_t nNow = kNow) {
-  // A copy that ends with its last byte: a read beyond it shows under a sanitizer.
+  // An exact copy: a sanitizer detects a read past its end.
   const auto pCopy = std::make_unique<char[]>(strRequest.size());
   memcpy(pCopy.get(), strRequest.data(), strRequest.size());
   return sessions.CheckSession({pCopy.get(), strRequest.size()}, nNow);
@@ -42,7 +42,7 @@ TEST(CheckSession, LooksOnlyAtStyleSheetsWithATime) {
       {"GET /page.css?time=1 HTTP/1.1\r\n\r\n", kRefuse},
       {"GET /sets.css?time=1 HTTP/1.1\r\n\r\n", kRefuse},
       {"GET /page.css?time=1&sessionid=x HTTP/1.1\r\n\r\n", kRefuse},
-      // The words count wherever they stand.
+      // The words count wherever they are.
       {"GET /a HTTP/1.1\r\nReferer: /page.css\r\nX: time\r\n\r\n", kRefuse},
       {"POST /a HTTP/1.1\r\n\r\nsets.css time", kRefuse},
   };

@@ -1,5 +1,5 @@
-// How deep the HTTP server thread's stack gets on each request path, with the inputs that take it
-// furthest. Every path runs in a process and a network namespace of its own, over real sockets.
+// How deep the HTTP server thread's stack gets on each request path, with the inputs that need the
+// most stack. Every path runs in its own process and network namespace, over real sockets.
 #include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ namespace {
 constexpr size_t kStackSize = 128 * 1024;
 constexpr size_t kSpare = 32 * 1024;
 constexpr int kDeepest = 32;   // elements
-constexpr int kIncludes = 12;  // more than the HTTP library follows
+constexpr int kIncludes = 12;  // deeper than the HTTP library follows
 constexpr size_t kLarge = 200000;
 constexpr char kLast[] = "GET /get_cpu_usage HTTP/1.1\r\n\r\n";
 constexpr char kLastAnswered[] = "\"strFD_SSID\": \"new \"";
@@ -35,11 +35,11 @@ struct stPath {
   std::string strName;
   std::string strRequest;
   std::string strDeviceReply;
-  std::string strAnswer;  // what shows that the path was taken to its end
+  std::string strAnswer;  // what shows that the path was completed
 };
 
-// A message as deep as it may get. A short one fits the smallest reply, unclosed; a long one has
-// every kind of node at its deepest place.
+// A message with the deepest nesting allowed. A short one fits the smallest reply, unclosed; a long
+// one has every kind of node at its deepest place.
 std::string DeepMessage(const char* pszResult, size_t nPadding) {
   std::string strText = std::string("<VariCfgSec Action=\"\" Result=\"") + pszResult + "\">";
   for (int i = 1; i < kDeepest; ++i) strText += "<a>";
@@ -155,14 +155,14 @@ std::string Ask(const std::string& strRequest) {
   return strReply;
 }
 
-// What the child tells: how much of the stack was used, and whether the path was taken.
+// The child's report: how much of the stack was used, and whether the path was completed.
 struct stMeasured {
   size_t nUsed;
   size_t nSize;
   bool bAnswered;
 };
 
-// Runs in the child; standard output is as in the daemon, but goes nowhere.
+// Runs in the child; standard output works as in the daemon but is discarded.
 void Measure(const stPath& path, const std::string& strWebRoot, int nPipe) {
   if (freopen("/dev/null", "w", stdout) == nullptr) _exit(1);
   const bool bRan = RunInNetSpace(Eth0::kUp, [&] {

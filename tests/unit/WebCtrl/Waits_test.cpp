@@ -1,4 +1,5 @@
-// How long the service would wait for the device and in a restart. The waits are noted, not waited.
+// How long the service would wait for the device and in a restart. The waits are recorded but
+// skipped.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/select.h>
@@ -13,7 +14,7 @@ namespace {
 
 constexpr char kNeedsNetSpace[] = "no private network namespace";
 
-// Seconds, of this thread alone; null where waits are waited.
+// Seconds, for this thread only; null where waits are real.
 thread_local std::vector<long>* t_pWaits = nullptr;
 
 class CNotedWaits {
@@ -23,7 +24,7 @@ class CNotedWaits {
   std::vector<long> m_waits;
 };
 
-// The seconds that something waits for a device that never answers.
+// The seconds that a function waits for a device that never answers.
 template <class F>
 std::vector<long> Waits(F fn) {
   CNotedWaits noted;
@@ -64,7 +65,7 @@ TEST(Waits, AreTenSecondsForAnImport) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// Notes between which steps of a restart it waits.
+// Records between which steps of a restart it waits.
 class CNotingCtrl : public CWebCtrl {
  public:
   int Start(const char*) override {

@@ -17,7 +17,7 @@
 
 namespace {
 
-std::vector<std::string> g_commands;  // that the service gave to the shell
+std::vector<std::string> g_commands;  // that the service passed to the shell
 
 constexpr char kNeedsNetSpace[] = "no private network namespace";
 
@@ -28,7 +28,7 @@ std::string Printed(F fn) {
   return testing::internal::GetCapturedStdout();
 }
 
-// The device's address and port as a query's trace shows them.
+// The device's address and port in a query's trace.
 std::string QueriedDevice(CWebCtrl& webCtrl) {
   stDisplay rec{};
   const std::string strPrinted = Printed([&] { webCtrl.getLangInfoFromNet(rec); });
@@ -41,7 +41,7 @@ std::string Shown(const std::string& strIp, int nPort) {
   return "dst.ip:" + strIp + ", dst:port:" + std::to_string(nPort);
 }
 
-// Counts the slots that Restart goes through instead of running a server.
+// Counts the virtual calls of Restart instead of running a server.
 class CCountingCtrl : public CWebCtrl {
  public:
   int Start(const char* pszWebRoot) override {
@@ -55,7 +55,7 @@ class CCountingCtrl : public CWebCtrl {
   std::string m_calls;
 };
 
-// Whether somebody holds the port that the exchanges are bound to.
+// Whether the port of the exchanges is in use.
 bool IsExchangeOpen() {
   const int nSock = socket(AF_INET, SOCK_DGRAM, 0);
   sockaddr_in addr{};
@@ -66,7 +66,7 @@ bool IsExchangeOpen() {
   return bTaken;
 }
 
-// Looks at the exchange when a restart is asked for, instead of restarting.
+// Checks the exchange when a restart is requested, instead of restarting.
 class CWatchingCtrl : public CWebCtrl {
  public:
   int Restart() override {
@@ -91,7 +91,7 @@ TEST(CWebCtrl, IsOneObjectFor6000AtFirst) {
 TEST(CWebCtrl, InitPrintsAndKeeps31CharactersAnd16Bits) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     CWebCtrl webCtrl;
-    // Behind the blank the address is over, so that the device is reached.
+    // The address ends at the blank, so the device is reached.
     const std::string strIp = "127.0.0.1 " + std::string(40, 'x');
     CDevice device([](const std::string&) { return "<x/>"; });
     const int nPort = 0x30000 + device.Port();
@@ -111,7 +111,7 @@ TEST(CWebCtrl, RestartGoesThroughItsSlotsBackToTheAddressOfInit) {
     webCtrl.SetDevice("127.0.0.2", device.Port());
     EXPECT_EQ(0, webCtrl.Restart());
     EXPECT_EQ("Stop Start()", webCtrl.m_calls);
-    // Only the address goes back.
+    // Only the address is restored.
     EXPECT_EQ(Shown("127.0.0.1", device.Port()), QueriedDevice(webCtrl));
   });
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
@@ -150,7 +150,7 @@ const struct {
     {"Import", [](CWebCtrl& ctrl) { return ctrl.import_CfgFileFromNet("<x/>"); }},
 };
 
-// The device's answer in turn; the socket of the exchange closes behind all else that a set does.
+// The device's answers in turn; the socket of the exchange closes after everything else in a set.
 void ExpectClosedLast(const char* pszName, int (*pfnSet)(CWebCtrl&),
                       const std::vector<std::string>& results) {
   size_t nAnswered = 0;
@@ -175,7 +175,7 @@ TEST(CWebCtrl, EverySetKeepsItsSocketUntilTheServiceHasRestarted) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// A device that has moved is asked at its new place, and only there.
+// After the device's address has changed, only the new one is queried.
 TEST(CWebCtrl, LaterExchangesGoToALaterAddress) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     const auto chinese = [](const std::string&) {
@@ -216,7 +216,7 @@ TEST(CWebCtrl, SecondStartOnlySaysSo) {
   if (!bRan) GTEST_SKIP() << kNeedsNetSpace;
 }
 
-// The server thread ends by itself: there is no such folder, then the port is taken.
+// The server thread ends by itself: first there is no such folder, then the port is in use.
 TEST(CWebCtrl, KeepsTheFirst127CharactersOfTheWebRootAndStartsAgainAfterAFailure) {
   const bool bRan = RunInNetSpace(Eth0::kNone, [] {
     CWebCtrl webCtrl;
@@ -244,7 +244,7 @@ TEST(CWebCtrl, KeepsTheFirst127CharactersOfTheWebRootAndStartsAgainAfterAFailure
 
 }  // namespace
 
-// Linked in place of system (--wrap). What the tests' network runs, is run.
+// Linked in place of system (--wrap). The commands of the tests' network are really run.
 extern "C" int __real_system(const char* pszCommand);
 extern "C" int __wrap_system(const char* pszCommand);
 int __wrap_system(const char* pszCommand) {

@@ -1,4 +1,4 @@
-// The walk and the number conversions apart from any section.
+// The walk and the number conversions, independent of any section.
 #include "config/AttrTable.h"
 
 #include <gtest/gtest.h>
@@ -99,7 +99,7 @@ TEST(TextToFloat, StaysDefinedBeyondItsRange) {
   EXPECT_TRUE(std::isnan(TextToFloat("nan")));
 }
 
-// A little above the middle of two floats: by way of the nearest double it is the middle itself.
+// Slightly above the middle of two floats; rounded to a double first, it is exactly the middle.
 TEST(TextToFloat, RoundsByWayOfADouble) {
   EXPECT_EQ(TextToFloat("1.00000005960464477539062500001"), 1.0f);
   EXPECT_EQ(TextToFloat("1.0000001"), 1.0000001f);

@@ -24,7 +24,7 @@ class CSection {
   TiXmlDocument m_doc;
 };
 
-// Lets calloc fail as long as it lives.
+// Makes calloc fail as long as it lives.
 class CRefuseMemory {
  public:
   CRefuseMemory() { g_bRefuseMemory = true; }
@@ -32,14 +32,14 @@ class CRefuseMemory {
 };
 
 std::unique_ptr<CConfig_Task> NewTaskWithoutMemory() {
-  const CConfig_Task other;  // has the lists that an earlier task left behind
+  const CConfig_Task other;  // holds the lists left by an earlier task
   const CRefuseMemory refuse;
   return std::make_unique<CConfig_Task>();
 }
 
 }  // namespace
 
-// Linked in place of calloc (--wrap), so that a test can let it fail.
+// Linked in place of calloc (--wrap), so that a test can make it fail.
 extern "C" void* __real_calloc(size_t nCount, size_t nSize);
 extern "C" void* __wrap_calloc(size_t nCount, size_t nSize);
 void* __wrap_calloc(size_t nCount, size_t nSize) {
@@ -222,7 +222,7 @@ TEST(GSensor, AsksForRecalibrationAndReadsOn) {
   EXPECT_EQ(task.Import_stGSensor(CSection(R"(<s fFD_X="1"/>)")), 0);
 }
 
-// Two containers, one behind the other: what ends the first one's reading ends the import.
+// Two containers in sequence: what ends the first one ends the import.
 TEST(AlarmLinkage, LeavesLaterContainersUnreadBehindAnItemBeyondTheLast) {
   const struct {
     const char* pszItem;

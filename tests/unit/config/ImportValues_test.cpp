@@ -1,4 +1,4 @@
-// What every attribute of a kind makes of odd texts, over the list in SectionList.
+// How every attribute of a kind converts unusual texts, for the whole list in SectionList.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
@@ -9,11 +9,11 @@
 
 namespace {
 
-// A text and what it is worth.
+// A text and its value.
 using NumberRow = std::pair<const char*, uint32_t>;
 using FloatRow = std::pair<const char*, float>;
 
-// Imports one attribute alone over bytes that are not zero, so that a byte too many shows.
+// Imports a single attribute over non-zero bytes, so that an extra byte written is noticed.
 void ExpectStored(const stSection& section, const stGroup* pGroup, const stField& field,
                   const stValue& value) {
   SCOPED_TRACE(section.strName + " " + field.strName + "=\"" + value.strText.substr(0, 40) + "\"");

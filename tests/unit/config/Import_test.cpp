@@ -1,4 +1,4 @@
-// What holds for every section and its items, over the list in SectionList.
+// What holds for every section and its items, for the whole list in SectionList.
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -22,7 +22,7 @@ void Fill(TiXmlElement& elem, const std::vector<stField>& fields, size_t nBase, 
   }
 }
 
-// Every attribute of the section and of all its items, the names' letters in the given case.
+// Every attribute of the section and of all its items, with names in the given case.
 void ExpectAllImported(const stSection& section, int (*pfnCase)(int)) {
   SCOPED_TRACE(section.strName);
   TiXmlElement elem(section.strName);
@@ -84,13 +84,13 @@ TEST(Import, RejectsAMissingElement) {
   }
 }
 
-// What the names of the items under a container decide, for every container.
+// The effect of the item names under a container, for every container.
 TEST(Import, ReadsItemsByTheDigitInTheirNames) {
   const int kStored = 1, kEnds = 2;  // next to -1: rejected
   const struct {
     const char* pszName;
-    int nShort;  // where the name has to end behind the digit
-    int nLong;   // where it may go on
+    int nShort;  // where the name must end after the digit
+    int nLong;   // where it may continue
   } kRows[] = {{"ITEM_0", kStored, kStored},
                {"_0", kStored, kStored},
                {"ITEM_9", kEnds, kEnds},

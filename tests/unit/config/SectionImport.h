@@ -1,4 +1,4 @@
-// Good values for the listed attributes, and an import whose outcome is compared byte by byte.
+// Good values for the listed attributes, and an import whose result is compared byte by byte.
 #pragma once
 
 #include <string>
@@ -8,10 +8,10 @@
 
 using Bytes = std::vector<unsigned char>;
 
-// What a record is filled with where a byte too many has to show.
+// What a record is filled with so that an extra byte written is noticed.
 constexpr unsigned char kUntouched = 0x5A;
 
-// An attribute's text and the bytes of the whole field that it makes.
+// An attribute's text and the bytes of the whole field that result.
 struct stValue {
   std::string strText;
   Bytes bytes;
@@ -21,13 +21,13 @@ Bytes OfNumber(uint32_t uiValue, size_t nWidth);
 Bytes OfFloat(float fValue);
 Bytes OfText(const std::string& strText, size_t nWidth);
 
-// A good value for the field, another for every seed.
+// A good value for the field, different for every seed.
 stValue Sample(const stField& field, unsigned uiSeed);
 
-// A record as it should be, and as the importer makes it out of an element.
+// The expected record, and the one that the importer makes from an element.
 class CImport {
  public:
-  // Both start with every byte ucFill.
+  // Both start with every byte set to ucFill.
   CImport(const stSection& section, unsigned char ucFill);
 
   // nOffset counts from the section's record.
@@ -42,6 +42,6 @@ class CImport {
   Bytes m_should;
 };
 
-// Appends an item element under the section's container, which is made when it is missing.
+// Appends an item element under the section's container, which is created if missing.
 TiXmlElement* AddItem(TiXmlElement& section, const std::string& strContainer,
                       const std::string& strItem);

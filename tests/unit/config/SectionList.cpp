@@ -28,7 +28,7 @@ struct stSectionText {
          stConfig *                                                                               \
              pDst) { return task.Import_##section(p, pDst); }, offsetof(stConfig, section##Info), \
                                                             sizeof(stConfig::section##Info)
-// A section with copies: the walk is tested on copy 0, the choice of the copy elsewhere.
+// A section with copies: the walk is tested on copy 0, the selection of the copy elsewhere.
 #define SECTION_COPY(section)                                                                  \
 #section,                                                                                    \
       [](CConfig_Task & task, TiXmlElement * p,                                                \
@@ -207,7 +207,7 @@ const std::vector<stSectionText> kVehicleSections = {
 struct stKindText {
   const char* pszText;
   Kind eKind;
-  size_t nWidth;  // 0: written behind the kind
+  size_t nWidth;  // 0: written after the kind
 };
 
 constexpr stKindText kKinds[] = {
@@ -220,7 +220,7 @@ constexpr stKindText kKinds[] = {
 
 size_t AlignUp(size_t nOffset, size_t nAlign) { return (nOffset + nAlign - 1) / nAlign * nAlign; }
 
-// Bytes stand anywhere, numbers at multiples of their width.
+// Bytes may be anywhere, numbers are at multiples of their width.
 size_t AlignOf(const stField& field) {
   const bool bBytes = field.eKind == Kind::kText || field.eKind == Kind::kIdentifier ||
                       field.eKind == Kind::kHexBytes || field.eKind == Kind::kDeviceNo ||
@@ -228,7 +228,7 @@ size_t AlignOf(const stField& field) {
   return bBytes ? 1 : field.nWidth;
 }
 
-// "name:kind", where a kind without a width of its own has it behind the word.
+// "name:kind"; a kind without a fixed width has it after the word.
 stField ParseField(const std::string& strText) {
   const size_t nColon = strText.find(':');
   const std::string strKind = strText.substr(nColon + 1, strText.find('@') - nColon - 1);
@@ -241,7 +241,8 @@ stField ParseField(const std::string& strText) {
   abort();  // our own list is wrong
 }
 
-// Lays the fields out from nEnd on, which ends behind the last; nAlign becomes their strictest.
+// Lays the fields out from nEnd on, which ends after the last one; nAlign becomes the strictest
+// alignment.
 std::vector<stField> ParseFields(const char* pszFields, size_t& nEnd, size_t& nAlign) {
   std::vector<stField> fields;
   std::istringstream in(pszFields);

@@ -1,5 +1,5 @@
-// Every section, every attribute and its width, written out once more and apart from the product's
-// tables, so that a forgotten, misspelt or misplaced attribute shows. Immutable after first use.
+// Every section, every attribute and its width, written independently of the product's tables, so
+// that a forgotten, misspelt or misplaced attribute is noticed. Immutable after first use.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 #include "config/Config_Task.h"
 
-// How an attribute's text becomes its field.
+// How an attribute's text is stored in its field.
 enum class Kind {
   kNumber,
   kText,
@@ -37,7 +37,7 @@ struct stGroup {
   size_t nItems;
   size_t nOffset;  // of item 0, in the section's record
   size_t nItemSize;
-  bool bLongSuffix;  // a name may go on behind the digit
+  bool bLongSuffix;  // a name may continue after the digit
   std::vector<stField> fields;
 };
 
@@ -46,7 +46,7 @@ struct stSection {
   int (*pfnImport)(CConfig_Task& task, TiXmlElement* pElem, stConfig* pDst);
   size_t nOffset;  // of the record, in stConfig
   size_t nSize;
-  size_t nTiled;  // what the listed attributes add up to
+  size_t nTiled;  // the sum of the listed attributes
   std::vector<stField> fields;
   std::vector<stGroup> groups;
 };

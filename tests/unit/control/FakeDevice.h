@@ -1,6 +1,6 @@
-// A device application on a loopback address and a port of its own, for one exchange at a time.
+// A device application on a loopback address and its own port, for one exchange at a time.
 //
-// It answers from a thread of its own, so that the reply comes after the request, as in life.
+// It answers from its own thread, so that the reply comes after the request, as in reality.
 #pragma once
 
 #include <netinet/in.h>
@@ -29,9 +29,9 @@ class CFakeDevice {
   void Send(const std::string& strData) const;
   void SendFrom(const char* pszIp, uint16_t usPort, const std::string& strData) const;
 
-  // Lets a thread wait for one request and answer it with the datagrams given.
+  // Starts a thread that waits for one request and answers it with the given datagrams.
   void AnswerWith(std::vector<std::string> replies);
-  // Waits for that thread; returns the request that it got.
+  // Waits for that thread; returns the request that it received.
   std::string Request();
 
  private:
@@ -43,5 +43,5 @@ class CFakeDevice {
   std::string m_strRequest;
 };
 
-// The loopback (or other) address and port as the socket calls want it.
+// The loopback (or other) address and port in the form for socket calls.
 sockaddr_in SockAddr(const char* pszIp, uint16_t usPort);

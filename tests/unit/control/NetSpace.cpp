@@ -13,7 +13,7 @@ bool Shell(const std::string& strCommand) {
 }
 
 bool SetUp(Eth0 eth0) {
-  // Only the calling thread, and what it starts, moves into the new namespace.
+  // Only the calling thread and what it starts move into the new namespace.
   if (unshare(CLONE_NEWNET) != 0 || !Shell("ip link set lo up")) return false;
   return eth0 == Eth0::kNone ||
          Shell(std::string("ip link add eth0 type veth peer name peer0 && ip addr add ") + kEth0Ip +

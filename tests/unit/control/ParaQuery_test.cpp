@@ -1,4 +1,4 @@
-// The query transaction, which binds a fixed port: inside a namespace of its own.
+// The query transaction, which binds a fixed port, so it runs inside its own namespace.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@ struct stQueryOutcome {
   std::string strRequest;
 };
 
-// Runs one query whose request stands in the reply's own buffer, behind it a longer text.
+// Runs one query whose request is in the reply's own buffer, followed by a longer text.
 stQueryOutcome Query(CFakeDevice& device, int nCapacity, const std::vector<std::string>& replies) {
   stQueryOutcome outcome;
   outcome.nCapacity = nCapacity;

@@ -1,4 +1,4 @@
-// The set transaction over a socket of the caller's.
+// The set transaction over the caller's socket.
 #include <gtest/gtest.h>
 #include <malloc.h>
 
@@ -67,8 +67,8 @@ TEST(SetParaInfoByCmd, FailsWhenTheSendFails) {
   EXPECT_EQ(777, nResult);
 }
 
-// The heap is made to hand out quotation marks, one of which would end the value of a reply that is
-// cut in the middle of it.
+// The heap is filled with quotation marks: one of them would end the value in a reply that is cut
+// in the middle of it.
 TEST(SetParaInfoByCmd, SeesNothingBehindTheReply) {
   CFakeDevice device;
   CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");

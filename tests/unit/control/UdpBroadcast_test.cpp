@@ -1,4 +1,4 @@
-// Broadcasts and the fixed interface name, inside a namespace of their own.
+// Broadcasts and the fixed interface name, inside their own namespace.
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kLimited[] = "255.255.255.255";
 
-// Sends from eth0 to a device on any address; returns the address that the datagram carried.
+// Sends from eth0 to a device on any address; returns the datagram's destination address.
 std::string SentTo(const char* pszDstIp, uint8_t ucBroadcast, std::string& strPrinted) {
   CFakeDevice device(0, true);
   CUdpCtrlSocket sock(pszDstIp, device.Port(), 0, ucBroadcast, "eth0");

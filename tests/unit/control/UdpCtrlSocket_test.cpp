@@ -29,7 +29,7 @@ class UdpCtrlSocketTest : public testing::Test {
     ASSERT_EQ("request", m_device.Receive());
   }
 
-  // Receives with the given room; the buffer shows '#' where nothing was written.
+  // Receives with the given capacity; the buffer shows '#' where nothing was written.
   int Receive(int nRoom, int nTimeoutSec = 10) {
     m_strBuf.assign(70000, '#');
     m_nLen = nRoom;
@@ -222,14 +222,14 @@ TEST(CUdpCtrlSocket, BindsAnyAddressWhenTheInterfaceHasNone) {
 
 TEST(CUdpCtrlSocket, CutsTextsThatDoNotFit) {
   CFakeDevice device;
-  // The first 31 characters are an octal 127.0.0.1; with one more they are no address.
+  // The first 31 characters are an octal 127.0.0.1; with one more the text is not an address.
   const std::string strIp = "127.0.0." + std::string(22, '0') + "1" + "9";
   CUdpCtrlSocket sock(strIp.c_str(), device.Port(), 0, 1, "a name beyond eleven characters");
   ASSERT_EQ(0, sock.SendDataToHost("x", 1));
   EXPECT_EQ("x", device.Receive());
 }
 
-// Takes every descriptor below the limit of a set for select.
+// Uses up every descriptor below select's limit.
 class CDescriptorHoard {
  public:
   CDescriptorHoard() {

@@ -1,4 +1,4 @@
-// What the socket asks of the system, and what it does when that is refused.
+// The options that the socket sets, and what it does when they are refused.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -17,14 +17,14 @@ namespace {
 
 int g_nRefusedOption = -1;
 
-// Lets one option of the socket level fail as long as it lives.
+// Makes one socket-level option fail as long as it lives.
 class CRefuseOption {
  public:
   explicit CRefuseOption(int nOption) { g_nRefusedOption = nOption; }
   ~CRefuseOption() { g_nRefusedOption = -1; }
 };
 
-// The descriptor, which the socket tells when it is asked to open once more.
+// The descriptor, which the socket prints when it is opened again.
 int Descriptor(CUdpCtrlSocket& sock) {
   const std::string strSaid = Printed([&] { EXPECT_EQ(0, sock.OpenCtrlSocket()); });
   int nSock = -1;

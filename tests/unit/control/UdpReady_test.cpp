@@ -1,4 +1,4 @@
-// What the socket makes of datagrams that the system announces: many, or none after all.
+// How the socket handles announced datagrams: many, or none after all.
 #include <gtest/gtest.h>
 #include <sys/select.h>
 
@@ -11,10 +11,10 @@
 
 namespace {
 
-// Announcements of this thread's select that are made up; negative: all of them.
+// How many announcements of this thread's select are faked; negative: all of them.
 thread_local int t_nMadeUp = 0;
 
-// As of a datagram with a bad checksum: announced, and then not there.
+// Like a datagram with a bad checksum: announced, and then not there.
 TEST(UdpReady, NeverWaitsForADatagramThatIsNotThere) {
   CFakeDevice device;
   CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");
@@ -24,7 +24,7 @@ TEST(UdpReady, NeverWaitsForADatagramThatIsNotThere) {
   int nLen = sizeof(szBuf);
   t_nMadeUp = 1;
   EXPECT_EQ(-1, sock.RecvDataFromHost(szBuf, nLen, 10));
-  // The exchange is over, but the next one finds its reply.
+  // The exchange fails, but the next one finds its reply.
   t_nMadeUp = 2;
   ASSERT_EQ(0, sock.SendDataToHost("again", 5));
   EXPECT_EQ(0, t_nMadeUp);
@@ -43,7 +43,7 @@ TEST(UdpReady, SendsInTheEndWhateverIsAnnounced) {
   EXPECT_EQ("request", device.Receive());
 }
 
-// As many as a receive buffer takes.
+// As many as a receive buffer holds.
 TEST(UdpReady, DiscardsHundredsOfStaleDatagrams) {
   CFakeDevice device;
   CUdpCtrlSocket sock("127.0.0.1", device.Port(), 0, 1, "lo");

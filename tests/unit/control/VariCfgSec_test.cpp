@@ -85,7 +85,7 @@ TEST(CheckRoot, LooksNoDeeperThanTheRoot) {
   EXPECT_EQ(0, CheckRoot(Nested(300000).c_str()));
 }
 
-// Far too deep for the parser, above the root as well as below it.
+// Far too deep for the parser, before the root as well as below it.
 TEST(CheckRoot, LetsTheRootAloneDecide) {
   std::string strDeep;
   for (int i = 0; i < 100; ++i) strDeep += "<a b='>'>";
@@ -123,7 +123,7 @@ TEST(CheckRoot, JudgesRandomTextsAsTheWholeMessageIsJudged) {
       nGood += static_cast<int>(nRet == 0);
     }
   });
-  EXPECT_GT(nGood, 1000);  // the texts are worth the name
+  EXPECT_GT(nGood, 1000);  // enough of the texts are of either kind
 }
 
 TEST(GetParaSection, RefusesUnusableReplies) {
@@ -177,7 +177,7 @@ TEST(GetParaSection, DropsWhatTheDocumentHeld) {
   EXPECT_STREQ("stNew", pSection->Value());
 }
 
-// The value of an attribute read with the given room; "-1" when there is none.
+// The value of an attribute read with the given capacity; "-1" when there is none.
 std::string Attr(const std::string& strReply, const char* pszName, size_t nCapacity = 64) {
   std::string strBuf(nCapacity + 8, '#');
   if (GetParaAttr(strReply.c_str(), pszName, strBuf.data(), nCapacity)) {
@@ -215,7 +215,7 @@ TEST(GetParaAttr, RefusesUnusableReplies) {
 
 constexpr int kNoCode = 99;
 
-// The code of a message, kNoCode when it was refused; what was printed behind the message text.
+// The code of a message, kNoCode when it was refused; and what was printed after the message text.
 int Classify(const std::string& strText, std::string& strPrinted) {
   int nCode = kNoCode;
   int nRet = 0;

@@ -122,7 +122,7 @@ TEST(ParseXml, SurvivesTextsCutInsideACharacter) {
       }
 }
 
-// What the random texts are made of.
+// The parts of the random texts.
 const char* const kHeads[] = {
     "",
     "\xEF\xBB\xBF",
@@ -209,7 +209,7 @@ TEST(ParseXml, JudgesRandomTextsAsTheParserBuildsThem) {
       TiXmlDocument doc;
       const int nRet = ParseXml(doc, strText.c_str());
       ASSERT_LE(Depth(doc), kXmlDepthMax) << strText;
-      // What the parser would have built of it, on this thread's large stack.
+      // What the parser would have built from it, on this thread's large stack.
       TiXmlDocument free;
       free.Parse((strText + std::string(8, '\0')).c_str());
       if (nRet == 0) {
@@ -222,12 +222,12 @@ TEST(ParseXml, JudgesRandomTextsAsTheParserBuildsThem) {
       nErrorFree += static_cast<int>(!free.Error());
     }
   }
-  // The texts are worth the name: both kinds occur often.
+  // Both kinds of text occur often.
   EXPECT_GT(nDeep, 3000);
   EXPECT_GT(nErrorFree, 3000);
 }
 
-// What the parser makes of the outermost level: each node's kind and value, each tag's attributes.
+// The outermost level as parsed: each node's kind and value, each tag's attributes.
 std::string Outside(const TiXmlDocument& doc) {
   std::string strAll;
   for (const TiXmlNode* p = doc.FirstChild(); p != nullptr; p = p->NextSibling()) {
@@ -240,7 +240,7 @@ std::string Outside(const TiXmlDocument& doc) {
   return strAll;
 }
 
-// A mistake inside of an element stops the parser; what follows it is there without the inside.
+// An error inside an element stops the parser; without the inside, what follows is parsed.
 TEST(OutermostXml, KeepsWhatTheParserMakesOfTheOutermostLevel) {
   int nInside = 0;
   std::mt19937 random(5);

@@ -1,4 +1,4 @@
-// The C library's converter, the yardstick of these tests. One object converts one way.
+// The C library's converter, the reference for these tests. One object converts in one direction.
 #pragma once
 
 #include <iconv.h>

@@ -1,11 +1,11 @@
-// The allocations of the code under test, counted and made to fail. The linker turns every call of
-// calloc, malloc and realloc in this executable into one of Memory.cpp.
+// Counts the allocations of the code under test and makes them fail. The linker redirects every
+// call of calloc, malloc and realloc in this executable to Memory.cpp.
 #pragma once
 
 #include <stddef.h>
 
-// Bytes asked for since the start of the process.
+// Bytes requested since the start of the process.
 size_t AllocatedBytes();
 
-// The n-th allocation from now on (1: the next) returns null; 0 lets all succeed.
+// Makes the n-th allocation from now on (1: the next) return null; 0 lets all succeed.
 void FailAllocation(int n);

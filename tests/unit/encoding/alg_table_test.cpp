@@ -180,7 +180,7 @@ TEST(Table, FreeClearsTheCallersPointer) {
   EXPECT_EQ(nullptr, pTable);
 }
 
-// Few keys, so that puts, replacements and removes of every place of a chain happen all the time.
+// Few keys, so that puts, replacements and removals happen at every place of a chain.
 TEST(Table, BehavesLikeAMapUnderRandomOperations) {
   std::mt19937 random(4);
   for (const TableHash pfnHash : {TableHash(LowBits), TableHash(AllAlike)}) {

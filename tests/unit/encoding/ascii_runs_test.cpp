@@ -1,4 +1,4 @@
-// ASCII goes through the conversions in blocks: a long run ends right, and stops right, anywhere.
+// ASCII is converted in blocks: a long run must end and stop correctly anywhere.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ struct stForms {
   std::vector<uint32_t> codes;
 };
 
-// A run with one Chinese character in front of its character nAt.
+// A run with one Chinese character before its character nAt.
 stForms RunWithCharacterAt(size_t nAt) {
   std::string strRun;
   for (size_t i = 0; i < kRun; ++i) strRun += static_cast<char>(' ' + i % 95);
@@ -42,7 +42,7 @@ void ExpectCodes(ToCodes* pfnConvert, const std::string& strText,
   EXPECT_EQ(0xEEEEEEEEU, output.back());
 }
 
-// nMax: the bytes that must be left for any character to be written.
+// nMax: the bytes that must be left before any character is written.
 void ExpectText(FromCodes* pfnConvert, std::vector<uint32_t> codes, const std::string& strText,
                 size_t nMax, size_t nRoom) {
   codes.push_back(0);

@@ -1,5 +1,5 @@
-// The reverse table refuses a forward table with a value twice. This executable brings such a
-// forward table of its own, which takes the place of the library's.
+// The reverse table refuses a forward table with a value twice. This executable has such a forward
+// table, which replaces the library's.
 #include <gtest/gtest.h>
 
 #include "encoding/gbk_table.h"
@@ -11,7 +11,7 @@ extern const stGbkCode kGbkTable[kGbkCodes] = {
 TEST(ReverseTable, IsNotFilledPastADuplicate) {
   uint16_t usGbk = 0;
   EXPECT_EQ(0, enc_unicode_to_GBK_one(0x4E02, &usGbk));
-  // Deliberate: what was entered until then stays in use.
+  // Deliberate: what was entered before stays in use.
   EXPECT_EQ(2, enc_unicode_to_GBK_one(0x4E02, &usGbk));
   EXPECT_EQ(0x8142, usGbk);
   EXPECT_EQ(0, enc_unicode_to_GBK_one(0x4E05, &usGbk));

@@ -1,4 +1,4 @@
-// The committed forward table against the C library's code page 936.
+// Compares the committed forward table with the C library's code page 936.
 #include "encoding/gbk_table.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ TEST(GbkTable, HasNoValueTwice) {
 
 namespace {
 
-// The rights that the kernel gives the memory at an address, "r--p" and the like.
+// The kernel's access rights for the memory at an address, "r--p" and the like.
 std::string RightsOf(const void* pAddress) {
   std::ifstream maps("/proc/self/maps");
   std::string line;

@@ -16,7 +16,7 @@ struct stDecoded {
 
 namespace {
 
-// Through the string function; the code point behind the capacity must stay untouched.
+// Through the string function; the code point after the capacity must not change.
 stDecoded FromGbk(const std::string& text, int nCapacity = 100) {
   std::vector<uint32_t> output(static_cast<size_t>(nCapacity) + 1, 0xDEADBEEF);
   int nCodes = nCapacity;
@@ -44,7 +44,7 @@ TEST(GbkOne, ConvertsEveryTwoByteInputLikeIconv) {
       ASSERT_EQ(0xDEADBEEF, uiUcs) << std::hex << uiCode;
     } else {
       ASSERT_EQ(2, nRet) << std::hex << uiCode;
-      // Codes that iconv refuses are unassigned, which is no fault here.
+      // Codes that iconv refuses are unassigned, which is not an error here.
       const uint32_t uiExpected = toUcs4.Convert(bytes, ucs4) ? CodePoints(ucs4)[0] : 1;
       ASSERT_EQ(uiExpected, uiUcs) << std::hex << uiCode;
     }
@@ -113,7 +113,7 @@ TEST(GbkArray, ConvertsTheGivenLengthOnly) {
                {0, {}},
                {1, {'a'}},
                {2, {'a', 0}},
-               {3, {'a', 0, 0x4E2D}},  // half a character: paired with the byte behind the input
+               {3, {'a', 0, 0x4E2D}},  // half a character: paired with the byte after the input
                {4, {'a', 0, 0x4E2D}},
                {5, {'a', 0, 0x4E2D, 'z'}}};
   for (const auto& row : kRows) {

@@ -1,5 +1,5 @@
-// Building the reverse table: what it costs and what happens when it cannot be built. It is built
-// once a process, so each case runs in a process of its own.
+// Building the reverse table: its cost, and what happens when it cannot be built. It is built once
+// per process, so each case runs in its own process.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -11,7 +11,7 @@ class ReverseTableDeathTest : public testing::Test {
   void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
   void TearDown() override { GTEST_FLAG_SET(death_test_style, "fast"); }
 
-  // Ends this process: 0 when the condition holds.
+  // Ends this process, with 0 when the condition holds.
   [[noreturn]] static void Finish(bool bHolds) { _exit(bHolds ? 0 : 1); }
   static constexpr size_t kMost = 600 * 1024;
   static constexpr size_t kLeast = 100 * 1024;  // less would mean that nothing was counted

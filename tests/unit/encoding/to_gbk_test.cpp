@@ -23,8 +23,8 @@ std::string EncodedOne(uint32_t uiCode) {
   return "";
 }
 
-// iconv writes the euro sign as the single byte 0x80, which is no character here, and drops the
-// language tags without a fault.
+// iconv writes the euro sign as the single byte 0x80, which is not a character here, and drops the
+// language tags without an error.
 bool DiffersFromIconv(uint32_t uiCode) {
   return uiCode == 0x20AC || (uiCode >= 0xE0000 && uiCode <= 0xE007F);
 }
@@ -121,7 +121,7 @@ std::string RandomGbk(std::mt19937& random) {
     const stGbkCode& code = kGbkTable[random() % kGbkCodes];
     if (random() % 2 == 0) {
       text += static_cast<char>(1 + random() % 0x7F);
-    } else if (code.usUcs2 >= 0x800) {  // two-byte UTF-8 is refused for the most part
+    } else if (code.usUcs2 >= 0x800) {  // most two-byte UTF-8 is refused
       text += static_cast<char>(code.usGbk >> 8);
       text += static_cast<char>(code.usGbk & 0xFF);
     }

@@ -1,5 +1,5 @@
-// Where kinds of characters take turns, the conversions go through bursts of them without branches.
-// Whatever the turns, the outcome is that of one character after another.
+// Where kinds of characters alternate, the conversions handle bursts of them without branches. The
+// result is always that of converting one character after another.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,7 +32,7 @@ std::vector<uint32_t> RandomCodes(Random& random, unsigned uiOther) {
   return codes;
 }
 
-// What a conversion brought: its result and all that it counted.
+// The outcome of a conversion: its result and its counts.
 template <class T>
 struct stOutcome {
   int nRet;
@@ -59,7 +59,7 @@ stOutcome<T> Whole(int (*pfnConvert)(const In*, T*, int*), const In* pInput, int
   return {nRet, output};
 }
 
-// One code point after another; nMax bytes of room are wanted for each.
+// One code point after another; nMax bytes of room are required for each.
 template <class F>
 Bytes OneByOne(const std::vector<uint32_t>& codes, size_t nRoom, size_t nMax, F fnOne) {
   Bytes bytes{1, {}};
@@ -85,7 +85,7 @@ std::string OneGbk(uint32_t uiCode) {
   return {szOut + (2 - nLen), static_cast<size_t>(nLen)};
 }
 
-// fnOne gives the bytes that it took, 0 for none.
+// fnOne returns the bytes that it consumed, 0 for none.
 template <class F>
 Codes OneByOne(const std::string& strText, size_t nRoom, F fnOne) {
   Codes codes{1, {}};
@@ -106,7 +106,7 @@ int TakeGbk(const char* pText, uint32_t* pCode) {
   return enc_GBK_to_unicode_one(static_cast<uint16_t>(uiLead << 8 | uiTrail), pCode);
 }
 
-// Every second text as it is, the others with a byte changed.
+// Every second text unchanged, the others with one byte changed.
 std::string Spoilt(std::string strText, Random& random) {
   if (random() % 2 != 0 && !strText.empty()) {
     strText[random() % strText.size()] = static_cast<char>(1 + random() % 255);

@@ -19,7 +19,7 @@ const struct {
     {0x80, "\xC2\x80"},
     {0x7FF, "\xDF\xBF"},
     {0x800, "\xE0\xA0\x80"},
-    {0xD800, "\xED\xA0\x80"},  // surrogates are not held back
+    {0xD800, "\xED\xA0\x80"},  // surrogates are not refused
     {0xDFFF, "\xED\xBF\xBF"},
     {0xFFFF, "\xEF\xBF\xBF"},
     {0x10000, "\xF0\x90\x80\x80"},
@@ -36,7 +36,7 @@ bool Refused(uint32_t uiCode) {
   return uiCode >= 0x80 && uiCode < 0x800 && (uiCode & 0x3F) >= 0x20;
 }
 
-// What five bytes decode to: the lead byte's two bits stand at 30-31 instead of 24-25.
+// The value of five bytes: the lead byte's two bits are at 30-31 instead of 24-25.
 uint32_t FiveByteValue(uint32_t uiCode) { return (uiCode & 0xFFFFFF) | (uiCode >> 24) << 30; }
 
 std::string Encoded(uint32_t uiCode) {
@@ -148,7 +148,7 @@ TEST(Utf8One, JudgesEveryPairOfFirstBytes) {
   }
 }
 
-// A buffer of exactly the bytes that may be read, so that a memory checker sees one more.
+// A buffer of exactly the bytes that may be read, so that a memory checker detects a read past it.
 TEST(Utf8One, StopsReadingAtTheFirstByteThatDoesNotContinue) {
   for (const auto& row : kEnds) {
     const std::string whole = row.pszUtf8;
@@ -230,7 +230,7 @@ TEST(Utf8Array, ConvertsTheGivenLengthOnly) {
                {0, {}},
                {1, {'a'}},
                {2, {'a', 0}},
-               {3, {'a', 0, 0x4E2D}},  // a sequence may end behind the input
+               {3, {'a', 0, 0x4E2D}},  // a sequence may end after the input
                {5, {'a', 0, 0x4E2D}},
                {6, {'a', 0, 0x4E2D, 'z'}}};
   for (const auto& row : kRows) {
