@@ -95,8 +95,8 @@ void EmitKernelVersion(CJsonReply& reply, const char* pszKey, const stVersion& r
 constexpr stJsonField<stVersion> kVersionJson[] = {
     {"strFD_AppVersion", Emit<&stVersion::strAppVer>}, {"strFD_KnlVersion", EmitKernelVersion}};
 
-// A whole query endpoint: a failed query is still answered, with zero and empty values. The traces
-// carry the name of the handler that calls it.
+// A whole query endpoint: a failed query is still answered, with zero and empty values.
+// The traces carry the name of the handler that calls it.
 template <class R, size_t N>
 void Answer(mg_connection* pConn, CWebCtrl& self, int (CWebCtrl::*pfnQuery)(R& rec),
             const stJsonField<R> (&rows)[N], const char* pszHandler = __builtin_FUNCTION()) {

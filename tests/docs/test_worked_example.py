@@ -17,7 +17,7 @@ from recorder import Recorder
 PAGE = "docs/architecture.md"
 NOT_NEEDED = shutil.ignore_patterns(
     "build", ".*", "tests", "fuzz", "bench", "node_modules", "__pycache__")  # fmt: skip
-PUT = re.compile(r"<!-- put: (\S+), (?:(behind|before): (.+)|at the end) -->")
+PUT = re.compile(r"<!-- put: (\S+), (?:(after|before): (.+)|at the end) -->")
 
 
 def pieces():
@@ -33,7 +33,7 @@ def put(path, place, line, text):
     if place:
         found = [number for number, other in enumerate(lines) if other.strip() == line]
         assert len(found) == 1, f"{path} has {len(found)} lines {line}"
-        at = found[0] + (place == "behind")
+        at = found[0] + (place == "after")
     lines.insert(at, text)
     with open(path, "w", encoding="gbk" if path.endswith(".xml") else "utf-8") as file:
         file.writelines(lines)
