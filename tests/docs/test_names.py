@@ -24,6 +24,12 @@ PLACED = re.compile(rf"`([^`\n]+)`(?: in| of|,|;)? \(?`({FILE})`")
 # Headings of table columns that give the file of the names in the first column.
 FILE_COLUMNS = ("File", "Importer in")
 
+# Documents and their tests, pictures, and the fuzzers' inputs.
+NO_SOURCES = re.compile(r"docs/|tests/docs/.*\.py|fuzz/(corpus|published|site)|.*(\.md|\.png|-lock\.json)$")
+
+# Files that the build makes.
+MADE = re.compile(r"build/|webctrl[-_]\d")
+
 # Names that are not in our sources, each with the reason why it may be in a document.
 ALLOWED = {
     "UCLIBC_HAS_LFS": "a switch of uClibc",
@@ -63,8 +69,7 @@ def sources():
     found = {}
     for path in listing.stdout.split():
         full = os.path.join(ROOT, path)
-        inputs = path.startswith(("docs/", "tests/docs/", "fuzz/corpus", "fuzz/published", "fuzz/site"))
-        if inputs or path.endswith((".md", ".png", "-lock.json")) or not os.path.isfile(full):
+        if NO_SOURCES.match(path) or not os.path.isfile(full):
             continue
         with open(full, encoding="utf-8", errors="replace") as file:
             found[path] = without_comments(path, file.read())
@@ -83,12 +88,12 @@ def vocabulary():
 
 
 def is_known(name):
-    """True for a text of the code, a file or folder, or a phrase made of words of the code."""
+    """True for a text of the code, a file, punctuation, or a phrase made of words of the code."""
     code, words, names = vocabulary()
     if name in ALLOWED or name in code or os.path.exists(os.path.join(ROOT, name)):
         return True
-    if name.startswith("build/") or not any(letter.isalnum() for letter in name):
-        return True  # what the build makes; a mark
+    if MADE.match(name) or not any(letter.isalnum() for letter in name):
+        return True
     found = WORD.findall(re.sub(r"<[a-z]+>", " ", name).replace("-DWEBCTRL", "WEBCTRL"))
     return bool(found) and all(word in words or word in names for word in found)
 
