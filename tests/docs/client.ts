@@ -1,5 +1,5 @@
-// A client made from docs/openapi.yaml by a generator, against a recorder: every query, two sets.
-// Prints one JSON document, what each query brought and how the sets ended.
+// A client generated from docs/openapi.yaml, used against a recorder: every query, two sets. Prints
+// one JSON document with the result of each query and set.
 import createClient, {type Client} from 'openapi-fetch';
 import type {PathsWithMethod} from 'openapi-typescript-helpers';
 import type {paths} from './api.js';
@@ -15,7 +15,7 @@ const kQueries = [
   '/get_WifiInfo', '/get_GNetInfo', '/get_GB28181Info', '/get_cpu_usage', '/get_VersionInfo',
   '/get_SystemInfo', '/get_Login', '/get_LocalNetInfo', '/export_CfgFile',
 ] as const satisfies Query[];
-// Does not compile while a query is missing above.
+// Does not compile if a query is missing above.
 const complete: Exclude<Query, typeof kQueries[number]> extends never ? true : never = true;
 
 const kStream: Stream = {ucFD_FrameRate: '15', uiFD_BitRate: '1024'};
@@ -44,14 +44,14 @@ const percent = (text: string) =>
 const form = (values: Record<string, string> = {}) =>
   Object.entries(values).map(([name, value]) => `${name}=${percent(value)}`).join('&');
 
-// The two queries whose replies are no JSON, see "x-not-json".
+// The two queries whose replies are not JSON, see "x-not-json".
 const mended = (path: string, text: string) => {
   if (path === '/get_VersionInfo') return text.replace('" "', '", "');
   const file = /^({ "strFD_CfgPara": )"([^]*)"(, "result": \d })$/.exec(text);
   return path === '/export_CfgFile' && file ? file[1] + JSON.stringify(file[2]) + file[3] : text;
 };
 
-// Replies name no character set: the configuration file is UTF-8, all others are GBK.
+// Replies state no character set: the configuration file is UTF-8, all others are GBK.
 async function fetchText(request: Request) {
   const path = new URL(request.url).pathname;
   const reply = await fetch(request);

@@ -19,9 +19,9 @@ def _plain(match):
 
 
 class Terminal:
-    """A program that a document tells its reader to start, in a terminal of its own."""
+    """A program that a document tells its reader to start in a separate terminal."""
 
-    # What each says when it can be used.
+    # What each prints when it is ready.
     SIGNS = {"devsim": b"control on", "webctrl": b"Starting web server"}
 
     def __init__(self, folder, command):
@@ -47,7 +47,7 @@ class Recorder:
     """Everything runs in `folder`; the shell keeps its variables from command to command.
 
     `programs` may hold another daemon ("webctrl") and other settings ("devsim_default.xml");
-    `started` are the commands of a document that has its reader start both programs.
+    `started` are the commands of a document that tells its reader to start both programs.
     """
 
     def __init__(self, folder, programs=None, started=()):

@@ -1,4 +1,4 @@
-"""A client that a generator makes from docs/openapi.yaml drives the daemon."""
+"""A client generated from docs/openapi.yaml drives the daemon."""
 
 import json
 import os
@@ -44,7 +44,7 @@ def recorder(tmp_path_factory):
 
 @pytest.fixture(scope="module")
 def told(client, recorder):
-    """What the client says that it read and changed."""
+    """The client's report of what it read and changed."""
     return json.loads(recorder.run(f"node {client}/client.js"))
 
 

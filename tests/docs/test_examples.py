@@ -2,9 +2,9 @@
 
 Each fenced block marked "console run" is run against the daemon and the simulated recorder, one
 pair per document, and its output compared. A block marked "xml sent" shows the datagrams that the
-console block above it caused. A block marked "file NAME" behind its language is a file that the
-console blocks find in their folder. The commands of a block marked "console start" are started in
-the place of that pair, and go on running.
+console block above it caused. A block marked "file NAME" after its language is a file in the folder
+of the console blocks. The commands of a block marked "console start" are started instead of that
+pair, and keep running.
 """
 
 import pytest
@@ -28,7 +28,7 @@ def _examples():
 
 
 def _files(document):
-    """Name and content of each file that a document gives to its readers."""
+    """Name and content of each file in a document."""
     for block in blocks(document):
         words = block.kind.split(" ")
         if words[1:2] == ["file"]:

@@ -1,7 +1,7 @@
-"""The limits that the documents tell, against the constants of the sources.
+"""Compares the limits in the documents with the constants of the sources.
 
-A sentence names its constants where the document has their values; a constant that changes is
-missed in every document that tells it.
+A sentence names constants where the document has their values. When a constant changes, every
+document with the old value fails.
 """
 
 import glob
@@ -75,7 +75,7 @@ SENTENCES = {
         "| `kMessageSize` | {kMessageMost} bytes |",
     ],
 }
-PORTS = {"kLocalPort"}  # told without a comma
+PORTS = {"kLocalPort"}  # written without a comma
 ROWS = [(page, sentence) for page, sentences in SENTENCES.items() for sentence in sentences]
 
 
@@ -96,7 +96,7 @@ def constants():
 
 
 def capacities(of):
-    """What each query asks for, and how long a reply to it may be."""
+    """What each query requests, and how long a reply to it may be."""
     found = {}
     for text in sources():
         queries = re.findall(r'QUERY\("(<[^;]*?>)"\),\s*(?:IMPORT\(\w+\)|\w+)(?:,\s*(\w+))?', text)
@@ -108,7 +108,7 @@ def capacities(of):
 
 
 def told(of):
-    """The constants, and what the documents make of them."""
+    """The constants, and the values derived from them in the documents."""
     sizes = [f"{size:,}" for size in sorted(set(capacities(of).values()))]
     return {
         **of,

