@@ -30,7 +30,8 @@ inline int GbkPair(uint32_t uiGbk, uint32_t* pUcs) {
   return 2;
 }
 
-// The byte after a lead byte is read without checking the length: at the end it is the terminator.
+// The byte after a lead byte is read without checking the length: at the end of the text it is the
+// terminator.
 inline int GbkCharacter(const char* pInput, uint32_t* pUcs) {
   const uint32_t uiLead = ByteAt(pInput, 0);
   return GbkPair(uiLead << 8 | (uiLead < 0x80 ? 0 : ByteAt(pInput, 1)), pUcs);
@@ -155,8 +156,7 @@ inline int PutGbkCharacter(uint32_t uiUnic, char* pOutput) {
   return nLen;
 }
 
-// ASCII looks up some code point that is in the table and ignores the result. The byte after it
-// keeps its value.
+// For ASCII the result of a lookup is ignored. The byte after an ASCII character keeps its value.
 inline int PutEitherGbk(uint32_t uiUnic, char* pOutput) {
   constexpr uint32_t kThere = 0x4E00;
   if (tab_UCS2_to_GBK == nullptr) return 0;

@@ -96,8 +96,7 @@ int CWebCtrl::setUserSecurityToNet(stUserSec rec, uint8_t ucUser) {
                       "</stCustomUser></stUserSec>"),
                   rec.stCustomUser[0].strFD_UserPWD);
   } else {
-    // Deliberate: only the first user's password can be changed; for the others the message is
-    // empty.
+    // Deliberate: only the first user's password can be changed; the others' message is empty.
     exchange.SendText("", 0, kDeviceTimeoutSec);
   }
   if (exchange.IsAccepted()) return 0;

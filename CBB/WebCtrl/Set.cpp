@@ -20,8 +20,7 @@ int StoreSwitch(typename MemberOf<M>::Record& rec, const char* pszText) {
   return 0;
 }
 
-// An address: a placeholder is replaced by its platform's address; text that is not an address
-// becomes all ones.
+// A placeholder becomes its platform's address; text that is not an address becomes all ones.
 template <auto M>
 int StoreShownAddress(typename MemberOf<M>::Record& rec, const char* pszText) {
   char szReal[64] = {};
