@@ -13,6 +13,8 @@ import subprocess
 import pytest
 from documents import ROOT, documents, prose, read
 
+pytestmark = pytest.mark.offline
+
 CODE = re.compile(r"`([^`\n]+)`")
 WORD = re.compile(r"[A-Za-z_]\w+")
 MEMBER = re.compile(r"\b(C[A-Z]\w*)::(\w+)")
