@@ -11,6 +11,7 @@ import socket
 import time
 from collections import namedtuple
 
+import pytest
 from device import change
 from http_client import Client, get, post
 from sock_diag import bytes_on_the_way, bytes_waiting
@@ -19,6 +20,7 @@ STYLE = b"body { color: page }"
 LARGE = b"0123456789abcdef" * 16384
 NUMBER = change('<stBaseInfo strFD_DeviceNo="123456"/>')
 NUMBER_FORM = "strFD_DeviceNo=123456"
+LENGTH = f"Content-Length: {len(NUMBER_FORM)}"
 GOOD = post("/set_DeviceNo", "strFD_DeviceNo=654321")
 GOOD_NUMBER = change('<stBaseInfo strFD_DeviceNo="654321"/>')
 SET_DONE = b'{"result": 1 }'
@@ -208,3 +210,17 @@ def meet(rig, row, behind, places=()):
     asked = [NUMBER] * carried + ([] if closed else [GOOD_NUMBER])
     assert rig.device.requests == asked
     return reply
+
+
+ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
+
+
+def each_met(rows):
+    """The test of a table: each of its rows, alone and with a good request behind it."""
+
+    @ALONE_AND_NOT
+    @pytest.mark.parametrize("row", **by_sentence(rows))
+    def meets(rig, row, behind):
+        meet(rig, row, behind)
+
+    return meets

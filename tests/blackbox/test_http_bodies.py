@@ -7,11 +7,13 @@ from device import change
 from edge import (
     EITHER,
     GOOD,
+    LENGTH,
     NUMBER_FORM,
     EdgeClient,
     Row,
     by_sentence,
     carried_out,
+    each_met,
     get_page,
     head,
     meet,
@@ -24,7 +26,6 @@ from http_client import post
 
 MEBIBYTE = 1 << 20
 SIZE = len(NUMBER_FORM)
-LENGTH = f"Content-Length: {SIZE}"
 CHUNKED = "Transfer-Encoding: chunked"
 CHUNKS = f"{SIZE:x}\r\n{NUMBER_FORM}\r\n0\r\n\r\n"
 
@@ -164,43 +165,12 @@ TOO_MUCH = [
     refused("small chunks of too much", chunked(("400\r\n" + "a" * 1024 + "\r\n") * 1025), 413),
 ]
 
-ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(LENGTHS))
-def test_length(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(CODINGS))
-def test_coding(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(CHUNKS_SERVED))
-def test_chunks_that_are_served(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(BROKEN_CHUNKS))
-def test_chunks_that_are_refused(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(NO_LENGTH))
-def test_body_of_unknown_length_is_refused_at_once(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(TOO_MUCH))
-def test_body_above_the_limit_is_refused(rig, row, behind):
-    meet(rig, row, behind)
+test_length = each_met(LENGTHS)
+test_coding = each_met(CODINGS)
+test_chunks_that_are_served = each_met(CHUNKS_SERVED)
+test_chunks_that_are_refused = each_met(BROKEN_CHUNKS)
+test_body_of_unknown_length_is_refused_at_once = each_met(NO_LENGTH)
+test_body_above_the_limit_is_refused = each_met(TOO_MUCH)
 
 
 @pytest.mark.parametrize("row", **by_sentence(CHUNKS_SERVED + BROKEN_CHUNKS[: len(BROKEN)]))

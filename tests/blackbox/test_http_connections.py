@@ -2,18 +2,20 @@
 
 import pytest
 from edge import (
+    ALONE_AND_NOT,
     CLOSED,
     CONTINUE,
     EITHER,
     GOOD,
     KEPT,
+    LENGTH,
     NUMBER,
     NUMBER_FORM,
     SET_DONE,
     EdgeClient,
     Row,
-    by_sentence,
     carried_out,
+    each_met,
     get_page,
     head,
     meet,
@@ -23,8 +25,6 @@ from edge import (
 )
 from http_client import STANDARD_HEAD, get
 
-ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
-LENGTH = f"Content-Length: {len(NUMBER_FORM)}"
 
 # Version, header lines, and what happens to the connection: the same for pages and endpoints.
 LASTING = [
@@ -148,11 +148,7 @@ EXPECTATIONS = [
     Row("another version", head("GET /page.css HTTP/2.0", EXPECTS), 505, CLOSED),
 ]
 
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(EXPECTATIONS))
-def test_expectation(rig, row, behind):
-    meet(rig, row, behind)
+test_expectation = each_met(EXPECTATIONS)
 
 
 def test_older_client_expects_nothing(rig):

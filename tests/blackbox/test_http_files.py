@@ -5,6 +5,7 @@ import os
 
 import pytest
 from edge import (
+    ALONE_AND_NOT,
     CLOSED,
     EITHER,
     KEPT,
@@ -19,7 +20,6 @@ from edge import (
 )
 from http_client import get
 
-ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
 SIZE = len(STYLE)
 # When the page was changed, in HTTP's three forms of a date.
 CHANGED = 1700000001

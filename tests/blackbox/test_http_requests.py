@@ -2,15 +2,18 @@
 
 import pytest
 from edge import (
+    ALONE_AND_NOT,
     CLOSED,
     EITHER,
     KEPT,
     LARGE,
+    LENGTH,
     NUMBER_FORM,
     SET_DONE,
     Row,
     by_sentence,
     carried_out,
+    each_met,
     get_page,
     head,
     meet,
@@ -19,7 +22,6 @@ from edge import (
     set_number,
 )
 
-LENGTH = f"Content-Length: {len(NUMBER_FORM)}"
 
 
 def line(text):
@@ -163,31 +165,10 @@ SERVERS_CHOICE = [
     Row("a bare LF for an empty line", b"GET /page.css HTTP/1.1\r\nHost: recorder\r\n\n", (200, 400), EITHER),
 ]
 
-ALONE_AND_NOT = pytest.mark.parametrize("behind", [False, True], ids=["alone", "with one behind"])
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(REQUEST_LINES))
-def test_request_line(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(SERVED_HEADS))
-def test_head_that_is_served(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(REFUSED_HEADS))
-def test_head_that_is_refused(rig, row, behind):
-    meet(rig, row, behind)
-
-
-@ALONE_AND_NOT
-@pytest.mark.parametrize("row", **by_sentence(SERVERS_CHOICE))
-def test_what_a_server_may_take_or_not(rig, row, behind):
-    meet(rig, row, behind)
+test_request_line = each_met(REQUEST_LINES)
+test_head_that_is_served = each_met(SERVED_HEADS)
+test_head_that_is_refused = each_met(REFUSED_HEADS)
+test_what_a_server_may_take_or_not = each_met(SERVERS_CHOICE)
 
 
 METHODS = ["GET", "HEAD", "POST", "PUT", "DELETE", "OPTIONS", "PATCH", "TRACE"]
