@@ -10,6 +10,7 @@
 #include <string>
 
 #include "CBB/Http/LibraryFiles.h"
+#include "tests/unit/Http/Clock.h"
 #include "tests/unit/Http/WebRoot.h"
 
 namespace {
@@ -88,7 +89,7 @@ TEST_F(FileCacheTest, LooksAgainInTheNextSecond) {
     Add("a.css");
     AwaitNextTimeStamp();
     row.pfnChange(m_root.Path("root/a.css"));
-    AwaitNextSecond();
+    NextSecond();
     EXPECT_EQ("-", Kept("a.css")) << row.pszChange;
     EXPECT_EQ(0U, m_cache.Bytes()) << row.pszChange;
   }
@@ -98,7 +99,7 @@ TEST_F(FileCacheTest, GoesOnKeepingWhatHasNotChanged) {
   Write("a.css", "text");
   Write("a.css.gz", "gz");
   Add("a.css");
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_EQ("text", Kept("a.css"));
   EXPECT_EQ(6U, m_cache.Bytes());
 }
@@ -133,11 +134,11 @@ TEST_F(FileCacheTest, NoticesThatAPackedFormComesAndGoes) {
   Write("a.css", "text");
   Add("a.css");
   Write("a.css.gz", "gz");
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_EQ("-", Kept("a.css"));
   EXPECT_TRUE(Add("a.css")->bHasPacked);
   std::filesystem::remove(m_root.Path("root/a.css.gz"));
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_EQ("-", Kept("a.css"));
   EXPECT_FALSE(Add("a.css")->bHasPacked);
 }
@@ -202,7 +203,7 @@ TEST_F(FileCacheTest, LeavesNoDescriptorOpen) {
   Write("a.css.gz", "gz");
   const size_t nBefore = OpenDescriptors();
   Add("a.css");
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_EQ("text", Kept("a.css"));
   EXPECT_EQ(nBefore, OpenDescriptors());
 }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/unit/Http/Clock.h"
 #include "tests/unit/Http/Loopback.h"
 #include "tests/unit/Http/WebRoot.h"
 
@@ -31,7 +32,7 @@ class FilesTest : public testing::Test {
     Write("outside/index.html", kSecret);
   }
   // Files read for one test are of no use to the next.
-  ~FilesTest() override { AwaitNextSecond(); }
+  ~FilesTest() override { NextSecond(); }
   FilesTest(const FilesTest&) = delete;
   FilesTest& operator=(const FilesTest&) = delete;
 
@@ -121,10 +122,10 @@ TEST_F(FilesTest, LooksAtAFileAnewInEverySecond) {
   const std::string strKnown = "If-None-Match: " + Field(Fetch("/page.css"), "Etag") + "\r\n";
   EXPECT_THAT(Fetch("/page.css", strKnown), StartsWith("HTTP/1.1 304 Not Modified\r\n"));
   Write("root/page.css", "a longer page");
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_THAT(Fetch("/page.css", strKnown), EndsWith("\r\n\r\na longer page"));
   std::filesystem::remove(Path("root/page.css"));
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_THAT(Fetch("/page.css", strKnown), StartsWith("HTTP/1.1 404 Not Found\r\n"));
 }
 

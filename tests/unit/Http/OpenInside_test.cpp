@@ -11,6 +11,7 @@
 #include <fstream>
 #include <string>
 
+#include "tests/unit/Http/Clock.h"
 #include "tests/unit/Http/WebRoot.h"
 
 namespace {
@@ -108,7 +109,7 @@ TEST_F(OpenInsideTest, FollowsAFolderThatIsALink) {
   EXPECT_FALSE(isOpened("in2/file"));
   std::filesystem::remove(strLink);
   std::filesystem::create_symlink("in2", strLink);
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_TRUE(isOpened("link/file"));
   EXPECT_FALSE(isOpened("in/file"));
 }
@@ -134,7 +135,7 @@ TEST_F(OpenInsideTest, NoticesSoonThatAFileMovesOutWithItsFolder) {
   EXPECT_EQ("in/sub/file", Read("in/sub/file"));
   std::filesystem::rename(Path("in/sub"), Path("moved"));
   std::filesystem::create_symlink("../moved", Path("in/sub"));
-  AwaitNextSecond();
+  NextSecond();
   EXPECT_EQ(std::to_string(ENOENT), Read("in/sub/file"));
 }
 

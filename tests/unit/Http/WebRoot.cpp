@@ -53,10 +53,6 @@ void CWebRoot::Serve(mg_connection* pConn, int nEvent, void* pData) {
   if (nEvent == MG_EV_HTTP_REQUEST) ServeFile(pConn, static_cast<http_message*>(pData), g_opts);
 }
 
-void AwaitNextSecond() {
-  for (const time_t now = time(nullptr); now == time(nullptr);) usleep(1000);
-}
-
 void AwaitNextTimeStamp() {
   const int nFd = open("/tmp", O_TMPFILE | O_RDWR, 0600);
   const timespec before = StampOfChange(nFd);

@@ -28,9 +28,6 @@ class CWebRoot {
   std::string m_strRoot;
 };
 
-// Returns when the clock shows another second than at the call, so that files are checked again.
-void AwaitNextSecond();
-
 // Returns when a change of a file gets a later time stamp than one before the call.
 void AwaitNextTimeStamp();
 

@@ -1,6 +1,7 @@
 #include "CBB/Util/DebugPrint.h"
 
 #include <gtest/gtest.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <climits>
@@ -147,9 +148,16 @@ TEST(PrintDuration, BorrowsOnlyAfterTheSignTest) {
     EXPECT_EQ(row.pszExpected, Printed([&] { PrintDuration(row.start, row.end); }));
 }
 
+// Of the clock that the marks are read from.
+void AwaitNextSecond() {
+  timeval before{};
+  gettimeofday(&before, nullptr);
+  for (timeval now = before; now.tv_sec == before.tv_sec; gettimeofday(&now, nullptr)) usleep(1000);
+}
+
 TEST(PrintRunTime, TakesTheMarks) {
   MarkEnd();
-  sleep(1);
+  AwaitNextSecond();
   MarkStart();
   EXPECT_EQ("DEBUG::time error.\n", Printed(PrintRunTime));
   MarkEnd();
