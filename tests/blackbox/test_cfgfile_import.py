@@ -119,6 +119,8 @@ def test_text_that_cannot_be_sent_is_not_answered(rig, sentence, form, line):
     lines = text.splitlines()
     assert line in lines
     assert sum(other in lines for other in (INVALID_FORMAT, NO_ROOT, NO_GBK)) == 1
+    handler = trace("import_CfgFile")
+    rig.daemon.stdout.expect_in_order(START, handler, line, handler)
 
 
 def test_text_is_cut_at_30719_bytes(rig):

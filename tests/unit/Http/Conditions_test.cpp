@@ -42,6 +42,7 @@ TEST(Select, JudgesConditionsInTheOrderOfHttp) {
       {"If-None-Match: \"b,a\"\r\n", "200 0+20"},
       {"If-None-Match: a\r\n", "200 0+20"},
       {"If-None-Match: \"a\r\n", "200 0+20"},
+      {"If-None-Match: a\", \"a\"\r\n", "200 0+20"},
       {"If-None-Match: \"A\"\r\n", "200 0+20"},
       {"If-Modified-Since: Tue, 01 Mar 2016 00:00:00 GMT\r\n", "304"},
       {"If-Modified-Since: Tue, 01 Mar 2016 00:00:01 GMT\r\n", "304"},
@@ -170,6 +171,12 @@ TEST(HttpDate, IsReadInItsThreeForms) {
       {"Tue, 01 Mar 2016 00:00:00 GMT, and so on, and so on, and so on, and so on", -1},
   };
   for (const auto& row : rows) EXPECT_EQ(row.time, ParseHttpDate(row.pszDate)) << row.pszDate;
+}
+
+TEST(HttpDate, IsNotReadFromATextThatIsLongerThanAnyDate) {
+  const std::string strBlanks(1000, ' ');
+  EXPECT_EQ(-1, ParseHttpDate("Tue," + strBlanks + "01 Mar 2016 00:00:00 GMT"));
+  EXPECT_EQ(-1, ParseHttpDate(strBlanks));
 }
 
 TEST(HttpDate, IsWrittenInTheFirstForm) {

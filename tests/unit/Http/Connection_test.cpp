@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -102,6 +104,15 @@ TEST_F(ConnectionTest, StaysOpenBetweenRequests) {
   EXPECT_FALSE(client.IsOver());
 }
 
+// Else it would vanish from the middle of a request.
+TEST_F(ConnectionTest, ReadsAnUrgentByteAsAnyOther) {
+  CTestClient client(m_server);
+  client.Send("GET /");
+  client.SendUrgent('a');
+  client.Send(" HTTP/1.1\r\n\r\n");
+  EXPECT_EQ("</a >", client.Await(5));
+}
+
 TEST_F(ConnectionTest, RefusesBehindTheRepliesOfWhatWasGood) {
   const std::string strReceived = Exchange(m_server, Get("/a") + "BAD\r\n\r\n" + Get("/b"));
   EXPECT_THAT(strReceived, StartsWith("</a >HTTP/1.1 400 Bad Request\r\n"));
@@ -130,6 +141,19 @@ TEST_F(ConnectionTest, ClosesInTheEndOnAClientThatStays) {
   client.AwaitEnd();
   EXPECT_EQ(1U, m_server.Connections());
   m_server.PollUntil([&] { return m_server.Connections() == 0; });
+}
+
+// Whatever an earlier call has left behind as its error.
+TEST_F(ConnectionTest, DropsWhatComesBehindTheLastReply) {
+  CTestClient client(m_server);
+  client.Send(Get("/a", "Connection: close\r\n"));
+  client.AwaitEnd();
+  for (int i = 0; i < 3; ++i) {
+    client.Send("x");
+    errno = 0;
+    m_server.Poll();
+  }
+  EXPECT_EQ(1U, m_server.Connections());
 }
 
 TEST_F(ConnectionTest, AsksOnceForABodyThatAwaitsASign) {
@@ -167,6 +191,37 @@ TEST_F(ConnectionTest, SendsATextBehindTheHead) {
   EXPECT_EQ(kHead + strLong, Exchange(m_server, Get("/text")));
 }
 
+uint64_t NowMs() {
+  using std::chrono::milliseconds;
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return static_cast<uint64_t>(std::chrono::duration_cast<milliseconds>(now).count());
+}
+
+stPlace g_place;
+
+void NotePlace(mg_connection* pConn, int nEvent, void* /*pData*/) {
+  if (nEvent == MG_EV_HTTP_REQUEST) g_place = CConnection::Of(*pConn).Place(NowMs() + 60000);
+}
+
+// A minute from now on.
+TEST(ConnectionPlace, GrowsOldFromTheStartAndFromTheLastRequest) {
+  constexpr uint64_t kMostMs = 80000;
+  CTestServer server(&NotePlace);
+  CTestClient client(server);
+  uint64_t nLastUse = 0;
+  for (int i = 0; i < 2; ++i) {
+    for (const uint64_t nNow = NowMs(); NowMs() < nNow + 2;) continue;
+    client.Send(Get("/nothing"));
+    server.Poll();
+    EXPECT_TRUE(g_place.bServed);
+    EXPECT_LE(60000U, g_place.nUnusedMs);
+    EXPECT_LT(g_place.nUnusedMs, g_place.nAgeMs);
+    EXPECT_GT(kMostMs, g_place.nAgeMs);
+    EXPECT_LT(nLastUse, g_place.nLastUse);
+    nLastUse = g_place.nLastUse;
+  }
+}
+
 class FileBodyTest : public ConnectionTest {
  protected:
   FileBodyTest() {
@@ -184,6 +239,17 @@ class FileBodyTest : public ConnectionTest {
 
 TEST_F(FileBodyTest, IsSentBehindTheHead) {
   EXPECT_EQ(kHead + m_strText + "</a >", Exchange(m_server, Get("/file") + Get("/a")));
+}
+
+TEST_F(FileBodyTest, ReachesAClientThatSendsNoMoreMeanwhile) {
+  for (const char* pszFields : {"", "Connection: close\r\n"}) {
+    CTestClient client(m_server, 4096);
+    client.Send(Get("/file", pszFields));
+    client.Await(1);
+    client.End();
+    EXPECT_EQ(kHead + m_strText, client.AwaitEnd()) << pszFields;
+    EXPECT_FALSE(client.IsBroken());
+  }
 }
 
 TEST_F(FileBodyTest, EndsTheConnectionOnceTheFileHasChanged) {

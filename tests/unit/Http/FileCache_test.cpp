@@ -89,6 +89,7 @@ TEST_F(FileCacheTest, LooksAgainInTheNextSecond) {
     Add("a.css");
     AwaitNextTimeStamp();
     row.pfnChange(m_root.Path("root/a.css"));
+    EXPECT_EQ("text", Kept("a.css")) << row.pszChange;
     NextSecond();
     EXPECT_EQ("-", Kept("a.css")) << row.pszChange;
     EXPECT_EQ(0U, m_cache.Bytes()) << row.pszChange;
@@ -127,6 +128,15 @@ TEST_F(FileCacheTest, TakesThePackedFormBeside) {
     EXPECT_EQ(row.bHasPacked ? 6U : 4U, pFile->Bytes()) << row.pszCase;
     EXPECT_EQ("\"56d4db80.4.bde64e3e\"", pFile->plain.strTag);
     EXPECT_NE(pFile->plain.strTag, pFile->packed.strTag);
+  }
+}
+
+TEST_F(FileCacheTest, HoldsNothingOfAPackedFormThatIsOlder) {
+  Write("a.css", "text");
+  for (const size_t nSize : {kLentFrom - 1, kLentFrom}) {
+    Write("a.css.gz", std::string(nSize, 'z'));
+    SetTime("a.css.gz", 1);
+    EXPECT_EQ(4U, Add("a.css", false)->Bytes()) << nSize;
   }
 }
 

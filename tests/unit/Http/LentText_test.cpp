@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace {
 
@@ -55,6 +58,30 @@ TEST(LentText, StaysTheSameInTheSocket) {
   const auto pOther = CLentText::Make(std::string(8192, 'b'));
   ASSERT_NE(nullptr, pOther);
   EXPECT_EQ(std::string(8192, 'a'), pair.Receive(8192));
+}
+
+// What the file of all texts takes of memory: it is the one of its name that the process has open.
+blkcnt_t Blocks() {
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code none;
+    const std::string strTarget = std::filesystem::read_symlink(entry.path(), none).string();
+    struct stat st {};
+    if (strTarget.rfind("/memfd:webctrl", 0) == 0 && stat(entry.path().c_str(), &st) == 0)
+      return st.st_blocks;
+  }
+  return -1;
+}
+
+TEST(LentText, GivesItsMemoryBackWhenItGoes) {
+  CLentText::Prepare();
+  const blkcnt_t before = Blocks();
+  ASSERT_LE(0, before);
+  for (const size_t nSize : {size_t{1} << 20, size_t{4097}}) {
+    auto pText = CLentText::Make(std::string(nSize, 'a'));
+    EXPECT_LT(before, Blocks()) << nSize;
+    pText = nullptr;
+    EXPECT_EQ(before, Blocks()) << nSize;
+  }
 }
 
 TEST(LentText, TextsDoNotMeet) {

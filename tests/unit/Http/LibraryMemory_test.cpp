@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "tests/unit/Http/Loopback.h"
 #include "tests/unit/Http/NoHeap.h"
+#include "tests/unit/Http/WebRoot.h"
 
 namespace {
 
@@ -86,6 +88,26 @@ void Answer(mg_connection* pConn, int nEvent, void* /*pData*/) {
   if (nEvent != MG_EV_HTTP_REQUEST) return;
   mg_printf(pConn, "%s", kReply);
   mg_printf(pConn, "%s", std::string(600, 'x').c_str());
+}
+
+// Whichever allocation fails, a new client gets a whole connection or none, and the next one gets
+// in.
+TEST_F(LibraryMemoryTest, NewcomerIsAcceptedWholeOrNotAtAll) {
+  int nRefused = 0;
+  for (int nFailing = 1;; ++nFailing) {
+    CTestServer server(&Answer);
+    const size_t nBefore = OpenDescriptors();
+    std::optional<CTestClient> client;
+    const bool bMet = CNoHeap(nFailing).Meets([&] { client.emplace(server); });
+    EXPECT_EQ(bMet ? 0U : 1U, server.Connections()) << nFailing;
+    EXPECT_EQ(bMet, client->IsOver()) << nFailing;
+    EXPECT_EQ(nBefore + (bMet ? 1U : 2U), OpenDescriptors()) << nFailing;
+    const CTestClient next(server);
+    server.PollUntil([&] { return server.Connections() == (bMet ? 1U : 2U); });
+    if (!bMet) break;
+    ++nRefused;
+  }
+  EXPECT_GT(nRefused, 1);
 }
 
 // Whichever allocation fails, a complete reply or nothing is sent, and the server survives.

@@ -76,6 +76,11 @@ void CTestClient::Send(std::string_view bytes) {
   while (!HasArrived()) continue;
 }
 
+void CTestClient::SendUrgent(char cByte) {
+  EXPECT_EQ(1, send(m_nSock, &cByte, 1, MSG_NOSIGNAL | MSG_OOB));
+  while (!HasArrived()) continue;
+}
+
 void CTestClient::SendAll(std::string_view bytes) {
   m_server.PollUntil([&] {
     const ssize_t nSent = send(m_nSock, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);

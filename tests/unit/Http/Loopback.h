@@ -18,7 +18,7 @@ class CTestServer {
   CTestServer(const CTestServer&) = delete;
   CTestServer& operator=(const CTestServer&) = delete;
 
-  bool Poll() { return m_server.Poll(0); }
+  bool Poll(int nWaitMs = 0) { return m_server.Poll(nWaitMs); }
 
   // Polls until pfnDone returns true. Records a failure if that takes too long.
   void PollUntil(const std::function<bool()>& pfnDone);
@@ -43,6 +43,9 @@ class CTestClient {
 
   // Sends while the server reads. It may read less than everything and end the connection.
   void SendAll(std::string_view bytes);
+
+  // Sends one byte that the system marks as urgent.
+  void SendUrgent(char cByte);
 
   void End();    // ends the stream
   void Reset();  // resets the connection

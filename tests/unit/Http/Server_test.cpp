@@ -33,6 +33,11 @@ void Answer(mg_connection* pConn, int nEvent, void* pData) {
 
 std::string Get(const std::string& strPath) { return "GET " + strPath + " HTTP/1.1\r\n\r\n"; }
 
+void Spin(int nMs) {
+  const auto end = Clock::now() + std::chrono::milliseconds(nMs);
+  while (Clock::now() < end) continue;
+}
+
 class ServerTest : public testing::Test {
  protected:
   ServerTest() {
@@ -68,6 +73,31 @@ TEST_F(ServerTest, PutsNewcomersFirst) {
   EXPECT_EQ((std::vector<std::string>{"/a1", "/b1", "/a2", "/a3"}), Served(server, 4));
 }
 
+std::vector<CTestClient*> g_coming;
+
+// Each request is as slow as a round may be, and somebody new asks meanwhile.
+TEST_F(ServerTest, LetsNobodyWaitForAllNewcomers) {
+  CTestServer server(&Answer);
+  CTestClient a(server);
+  Clients newcomers;
+  g_coming.clear();
+  for (int i = 0; i < 8; ++i) {
+    newcomers.push_back(std::make_unique<CTestClient>(server));
+    g_coming.push_back(newcomers.back().get());
+  }
+  g_pfnMeanwhile = [](const std::string& /*strPath*/) {
+    if (!g_coming.empty()) {
+      g_coming.back()->Send(Get("/new"));
+      g_coming.pop_back();
+    }
+    Spin(5);
+  };
+  a.Send(Get("/a1") + Get("/a2") + Get("/a3"));
+  const std::vector<std::string> served = Served(server, 8);
+  EXPECT_EQ((std::vector<std::string>{"/a1", "/new", "/a2", "/new", "/new", "/a3"}),
+            std::vector<std::string>(served.begin(), served.begin() + 6));
+}
+
 TEST_F(ServerTest, CarriesNothingOutForAClientThatHasReset) {
   CTestServer server(&Answer);
   CTestClient a(server), b(server);
@@ -90,8 +120,7 @@ TEST_F(ServerTest, LooksForResetsBehindASlowRequest) {
   g_pfnMeanwhile = [](const std::string& strPath) {
     if (strPath != "/a1") return;
     g_pLeaving->Reset();
-    const auto end = Clock::now() + std::chrono::milliseconds(5);
-    while (Clock::now() < end) continue;
+    Spin(5);
   };
   a.Send(Get("/a1") + Get("/a2"));
   b.Send(Get("/b1"));
@@ -153,6 +182,30 @@ TEST_F(ServerTest, CountsRepliesThatAreNotRead) {
   second.Send(Get("/"));
   server.PollUntil([&] { return server.Connections() == 1; });
   EXPECT_NE(first.IsOver(), second.IsOver());
+}
+
+// Kept, the buffers of twenty clients would be more than all may hold.
+TEST_F(ServerTest, HoldsNothingOfARequestThatWasAnswered) {
+  const std::string strHead = "POST /a HTTP/1.1\r\nContent-Length: 1000000\r\n\r\n";
+  CTestServer server(&Answer);
+  Clients clients;
+  for (size_t i = 0; i < 20; ++i) {
+    clients.push_back(std::make_unique<CTestClient>(server));
+    clients.back()->SendAll(strHead + std::string(1000000, 'x'));
+    EXPECT_EQ("</a>", clients.back()->Await(4));
+  }
+  EXPECT_EQ(20U, server.Connections());
+}
+
+TEST_F(ServerTest, HoldsNothingOfAReplyThatWasRead) {
+  CTestServer server(&AnswerAtLength);
+  Clients clients;
+  for (size_t i = 0; i < 4; ++i) {
+    clients.push_back(std::make_unique<CTestClient>(server));
+    clients.back()->Send(Get("/"));
+    EXPECT_EQ(6U << 20, clients.back()->Await(6U << 20).size());
+  }
+  EXPECT_EQ(4U, server.Connections());
 }
 
 TEST_F(ServerTest, DisconnectsAllWhenMemoryIsShort) {

@@ -95,7 +95,8 @@ TEST(StrDict, PrintsEntriesBehindTheirBucket) {
   const CDictPtr pDict(StrDict::Create());
   pDict->Set("b", "two");
   pDict->Set("a", "one");
-  EXPECT_EQ("[97]:a=one\n[98]:b=two\n", Printed([&] { pDict->Print(); }));
+  pDict->Set("", "none");
+  EXPECT_EQ("[0]:=none\n[97]:a=one\n[98]:b=two\n", Printed([&] { pDict->Print(); }));
 }
 
 }  // namespace

@@ -86,8 +86,9 @@ TEST(ParseXml, IsNotFooledIntoMissingElements) {
 }
 
 TEST(ParseXml, IsNotFooledByTagsThatSeemEmpty) {
-  for (const char* pszTag : {"<a b='/>'>", "<a b=\"/>\">", "<a b='\"' c='/>' d='\"'>",
-                             "<a b='/>' c=\"\">", "<a b=\"'\" c='/>\"'>", "<a b=\"/\">"}) {
+  for (const char* pszTag :
+       {"<a b='/>'>", "<a b=\"/>\">", "<a b='\"' c='/>' d='\"'>", "<a b='/>' c=\"\">",
+        "<a b=\"'\" c='/>\"'>", "<a b=\"/\">", "<a b=\"</a\">"}) {
     EXPECT_EQ(0, Parse(Repeat(pszTag, 32))) << pszTag;
     EXPECT_EQ(-1, Parse(Repeat(pszTag, 33))) << pszTag;
   }

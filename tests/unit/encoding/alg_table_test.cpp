@@ -150,6 +150,22 @@ TEST(Table, UsesRemovedEntriesAgain) {
   EXPECT_EQ(4, Table_length(table.get()));
 }
 
+TEST(Table, UsesRemovedEntriesAgainAfterABucketWasEmptied) {
+  constexpr uint32_t kBuckets = 509;
+  const TablePtr table = NewTable();
+  Table_put(table.get(), 1, 1);
+  Table_put(table.get(), 1 + kBuckets, 1);
+  const size_t nBefore = AllocatedBytes();
+  for (int i = 0; i < 5000; ++i) {
+    Table_put(table.get(), 2, 1);
+    Table_remove(table.get(), 1 + kBuckets);  // chained
+    Table_remove(table.get(), 2);             // alone in its bucket
+    Table_put(table.get(), 1 + kBuckets, 1);
+  }
+  EXPECT_EQ(nBefore, AllocatedBytes());
+  EXPECT_EQ((std::map<uint32_t, uint32_t>{{1, 1}, {1 + kBuckets, 1}}), Contents(table.get()));
+}
+
 TEST(Table, MapVisitsEveryEntryAndMayChangeItsValue) {
   const TablePtr table = NewTable();
   for (uint32_t uiKey = 1; uiKey <= 2000; ++uiKey) Table_put(table.get(), uiKey, uiKey);
