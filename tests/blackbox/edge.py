@@ -12,6 +12,7 @@ import time
 from collections import namedtuple
 
 import pytest
+from daemon import wait_until
 from device import change
 from http_client import Client, get, post
 from sock_diag import bytes_on_the_way, bytes_waiting
@@ -133,7 +134,15 @@ class EdgeClient(Client):
 
     def _is_read(self):
         """Whether the server has read all that was sent, or no longer has the connection."""
-        return bytes_on_the_way(self._sock) == 0 == bytes_waiting(self._server, self._client)
+        return self.has_arrived() and bytes_waiting(self._server, self._client) == 0
+
+    def has_arrived(self):
+        """Whether the server's system has all that was sent."""
+        return bytes_on_the_way(self._sock) == 0
+
+    def await_start(self):
+        """Reads nothing until a reply has begun."""
+        wait_until(lambda: bytes_waiting(self._client, self._server) > 0, "the start of the reply")
 
     def read_head(self):
         return self._until(b"\r\n\r\n")

@@ -9,28 +9,23 @@ import time
 
 import pytest
 from daemon import wait_until
-from device import REFUSED, SILENCE, answer, change
+from device import REFUSED, SILENCE, answer
+from edge import LARGE, NUMBER, STYLE, EdgeClient, settle
 from http_client import Client, get, post
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
 SHOWS_CHINESE = b'{ "strLanguage": "CN", "result": 1 }'
-LARGE = b"0123456789abcdef" * 16384
-STYLE = b"body { color: page }"
 
 
 @pytest.fixture
 def client(rig):
     rig.device.play()
-    with Client() as client:
+    with EdgeClient() as client:
         yield client
 
 
 def nothing_was_asked(rig):
-    """When the daemon answers another client, it is done with everything before."""
-    with Client() as other:
-        for _ in range(2):
-            other.send(get("/page.css"))
-            assert other.read_reply().body == STYLE
+    settle()
     assert rig.device.requests == []
 
 
@@ -46,9 +41,9 @@ def test_request_that_arrives_while_a_file_is_sent_waits_for_its_end(rig, client
     with open(path, "wb") as file:
         file.write(LARGE * 64)  # more than an unread connection can hold
     client.send(get("/huge.bin"))
-    time.sleep(0.2)
+    client.await_start()
     client.send(get("/page.css"))
-    time.sleep(0.2)
+    wait_until(client.has_arrived, "the second request")
     assert [client.read_reply().body for _ in range(2)] == [LARGE * 64, STYLE]
     os.remove(path)
 
@@ -97,7 +92,7 @@ def test_finished_reply_does_not_wait_for_the_device_of_another_client(rig):
         first.send(get("/page.css"))
         second.send(get("/get_LangInfo"))
         rig.daemon.resume()
-        assert first.read_reply().body == b"body { color: page }"
+        assert first.read_reply().body == STYLE
         assert second.pending() == b"", "both replies left when the device's time was up"
         second.read_reply()
 
@@ -109,10 +104,7 @@ def test_requests_of_a_client_that_broke_off_are_forgotten(rig):
     wait_until(lambda: len(rig.device.requests) == 1, "the first request")
     sock.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
     sock.close()
-    with Client() as other:
-        for _ in range(2):
-            other.send(get("/page.css"))
-            assert other.read_reply().body == STYLE
+    settle()
     assert len(rig.device.requests) <= 2, "one more may have been begun"
 
 
@@ -121,7 +113,6 @@ BODIES = [
     ("in one chunk", b"15\r\nstrFD_DeviceNo=123456\r\n0\r\n\r\n"),
     ("in two chunks", b"f\r\nstrFD_DeviceNo=\r\n6\r\n123456\r\n0\r\n\r\n"),
 ]
-NUMBER = change('<stBaseInfo strFD_DeviceNo="123456"/>')
 
 
 @pytest.mark.parametrize("sentence, body", BODIES, ids=[row[0] for row in BODIES])
@@ -130,11 +121,7 @@ def test_body_in_chunks_ends_where_it_ends(rig, client, sentence, body, pieces):
     """Also when the network splits it anywhere; the request after it is separate."""
     rig.device.play(REFUSED)
     data = CHUNKED + body + get("/page.css")
-    size = max(1, len(data) // pieces)
-    for at in range(0, len(data), size):
-        client.send(data[at : at + size])
-        if pieces > 1:
-            time.sleep(0.0005)
+    client.send_cut(data, range(0, len(data), max(1, len(data) // pieces)))
     assert client.read_reply().body == b'{"result": 1 }'
     assert client.read_reply().body == STYLE
     assert rig.device.requests == [NUMBER]
@@ -143,7 +130,7 @@ def test_body_in_chunks_ends_where_it_ends(rig, client, sentence, body, pieces):
 def test_end_of_chunks_inside_a_chunk_is_data(rig, client):
     rig.device.play(REFUSED)
     client.send(CHUNKED + b"5\r\n0\r\n\r\n\r\n")
-    time.sleep(0.1)
+    settle()
     assert rig.device.requests == [], "half a body was carried out"
     client.send(b"10\r\nstrFD_DeviceNo=1\r\n0\r\n\r\n")
     assert client.read_reply().body == b'{"result": 1 }'
@@ -215,9 +202,9 @@ def test_file_that_is_cut_while_it_is_sent_closes_the_connection(rig):
     with open(path, "wb") as file:
         file.truncate(32 << 20)
     rig.device.play()
-    with Client() as client:
+    with EdgeClient() as client:
         client.send(get("/shrinking.bin"))
-        time.sleep(0.1)
+        client.await_start()
         os.truncate(path, 100000)
         head, _, body = client.read_to_end().partition(b"\r\n\r\n")
         assert head.startswith(b"HTTP/1.1 200 ") and len(body) < 32 << 20

@@ -89,8 +89,30 @@ class SpoiltDaemon(Daemon):
             os.close(self._kept)
 
 
-def cpu_ticks(daemon):
-    """The daemon's processor time so far, in hundredths of a second."""
-    with open(f"/proc/{daemon.process.pid}/stat", encoding="ascii") as file:
-        user, system = file.read().rpartition(")")[2].split()[11:13]
-    return int(user) + int(system)
+def _naps(daemon):
+    """How often the main thread and how often the others have gone to sleep by themselves."""
+    counts = {}
+    for thread in os.listdir(f"/proc/{daemon.process.pid}/task"):
+        with open(f"/proc/{daemon.process.pid}/task/{thread}/status", encoding="ascii") as file:
+            line = next(line for line in file if line.startswith("voluntary_ctxt_switches"))
+        counts[int(thread)] = int(line.split()[1])
+    return counts.pop(daemon.process.pid), sum(counts.values())
+
+
+def is_at_rest(daemon):
+    """Whether the service sleeps as it should while the main thread, which only sleeps, does so once.
+
+    Twice is right. A busy loop never goes to sleep, and a service that is woken for nothing does so
+    all the time.
+    """
+    seen = [_naps(daemon)]
+
+    def another():
+        naps = _naps(daemon)
+        if naps[0] != seen[-1][0]:
+            seen.append(naps)
+        return len(seen) == 3
+
+    wait_until(another, "two naps of the main thread")
+    (main_before, before), (main_after, after) = seen[1:]
+    return 1 <= (after - before) / (main_after - main_before) <= 10

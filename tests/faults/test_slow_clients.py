@@ -1,17 +1,14 @@
 """A thousand clients that send nothing, or only part of a request, do not block the others."""
 
 import contextlib
-import os
 import resource
 import socket
 import struct
 import time
 
 import pytest
-from daemon import wait_until
 from device import answer
 from http_client import Client, get
-from spoilt import cpu_ticks
 
 CLIENTS = 1000
 # The longest duration of an exchange with the device; the service handles one request at a time.
@@ -94,49 +91,3 @@ def test_client_that_is_just_being_served_is_not_the_one_to_go(rig):
             assert client.read_reply().body == b"0123456789abcdef" * 16384
         for sock in newcomers:
             sock.close()
-
-
-def test_service_sleeps_beside_a_thousand_heads_that_do_not_end(rig):
-    rig.device.play()
-    with crowd(b"GET "):
-        wait_until(lambda: rig.daemon.count("fd") > CLIENTS, "all of them")
-        begin = cpu_ticks(rig.daemon)
-        time.sleep(2)
-        assert cpu_ticks(rig.daemon) - begin < 50, "of 200 that a busy loop takes"
-
-
-def urgent(sock):
-    sock.send(b"x", socket.MSG_OOB)
-
-
-def ended(sock):
-    sock.shutdown(socket.SHUT_WR)
-
-
-def closed_behind_its_replies(sock):
-    with contextlib.suppress(BlockingIOError):
-        sock.setblocking(False)
-        for _ in range(30):
-            sock.send(b"G /get_cpu_usage 1\n\n" * 1000)
-            time.sleep(0.02)
-    sock.setblocking(True)
-    sock.settimeout(10)
-    sock.send(get("/nothing.css"))
-    ended(sock)
-
-
-@pytest.mark.parametrize("trick", [urgent, ended, closed_behind_its_replies])
-def test_service_sleeps_beside_a_client_that_does_not_read_and(rig, trick):
-    rig.device.play()
-    with open(os.path.join(rig.daemon.folder, "web_root", "huge.bin"), "wb") as file:
-        file.truncate(32 << 20)
-    with socket.create_connection(("127.0.0.1", 80)) as sock:
-        if trick is not closed_behind_its_replies:
-            sock.sendall(get("/huge.bin"))
-        time.sleep(0.5)
-        trick(sock)
-        time.sleep(0.5)
-        begin = cpu_ticks(rig.daemon)
-        time.sleep(2)
-        assert cpu_ticks(rig.daemon) - begin < 50, "of 200 that a busy loop takes"
-        served(rig)

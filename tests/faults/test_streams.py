@@ -7,7 +7,7 @@ import pytest
 from daemon import wait_until
 from device import answer
 from http_client import Client, get
-from spoilt import cpu_ticks, dead_pipe, full_pipe, full_socket
+from spoilt import dead_pipe, full_pipe, full_socket
 
 LANGUAGE = answer('<stDisplay strLanguage="CN"/>')
 GOOD = b'{ "strLanguage": "CN", "result": 1 }'
@@ -45,9 +45,7 @@ def test_service_works_with(spoilt, device, sentence, trouble):
     for number in range(3):
         assert os.path.exists(f"/proc/{daemon.process.pid}/fd/{number}")
         assert "socket" not in os.readlink(f"/proc/{daemon.process.pid}/fd/{number}") or "output" in trouble
-    ticks = cpu_ticks(daemon)
     work(device, 1)
-    assert cpu_ticks(daemon) - ticks < 50
 
 
 def test_pipe_that_is_emptied_again_is_written_again(spoilt, device):
