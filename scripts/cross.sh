@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
-# cross.sh [--quick]: builds for a recorder's processor, checks the result, and tests it here.
+# cross.sh: builds for a recorder's processor, checks the result, and tests it here.
 #
 # The executable is static and runs on any ARMv7-A with Linux 3.2 or later. Every black-box test of
-# the daemon runs against it under an emulator; --quick leaves out the two files that only wait for
-# a silent device. The result is the folder build/armhf/image.
+# the daemon runs against it under an emulator. The result is the folder build/armhf/image.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/common.sh"
 
@@ -14,11 +13,7 @@ runner=qemu-arm-static
 left_out=(devsim)
 
 build_all() {
-  # The simulated recorder, the other end of some tests, runs on this machine.
-  local tests=(-DWEBCTRL_BUILD_TESTS=OFF)
-  [ ! -f build/release/CMakeCache.txt ] || tests=()
-  cmake --preset release "${tests[@]}" && cmake --build --preset release --target devsim -j "$(nproc)" &&
-    cmake --preset armhf && cmake --build --preset armhf --target webctrl web_root -j "$(nproc)" &&
+  cmake --preset armhf && cmake --build --preset armhf --target webctrl web_root -j "$(nproc)" &&
     cmake --install build/armhf --strip --prefix "$build/image/opt/webctrl"
 }
 
@@ -73,16 +68,11 @@ test_all() {
   trap 'rm -rf "$scratch"' EXIT
   export -f test_file say
   export build self scratch WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
-  export DEVSIM_BIN=$root/build/release/bin/devsim
   # The longest ones come last in the alphabet and must start first.
   printf '%s\n' "${names[@]}" | sort -r | xargs -P "$((2 * $(nproc)))" -I {} bash -c 'test_file {}'
 }
 
-case ${1-} in
-  '') ;;
-  --quick) left_out+=(silent_queries silent_sets) ;;
-  *) fail "usage: cross.sh [--quick]" ;;
-esac
+[ $# = 0 ] || fail "usage: cross.sh"
 "$root/scripts/install-deps.sh" build cross test
 cd "$root"
 mkdir -p "$build"

@@ -55,8 +55,8 @@ stage_static() {
 # Half a minute for each target, beside the replay of their corpora in the other stages.
 stage_fuzz() { scripts/fuzz.sh 30; }
 
-# For a recorder's processor, and the black-box tests that do not wait for a silent device.
-stage_cross() { scripts/cross.sh --quick; }
+# For a recorder's processor, and the black-box tests under an emulator.
+stage_cross() { scripts/cross.sh; }
 stage_package() { tests/packaging/run.sh; }
 
 run_stage() {
