@@ -4,6 +4,7 @@ A sentence names constants where the document has their values. When a constant 
 document with the old value fails.
 """
 
+import functools
 import glob
 import os
 import re
@@ -35,6 +36,9 @@ SENTENCES = {
         "| Import, in UTF-8 | {kImportMost} bytes | cut |",
         "| `strFD_CfgPara` | always | {kImportMost} |",
         "an import | {kXmlDepthMax} elements; of an export any |",
+        "| Request line and field lines | {kMaxHeadBytes} bytes, {kMaxFieldLines} lines |",
+        "| Body | {kMaxBodyBytes:MiB} MiB",
+        "| Open connections | {kMaxConnections}",
     ],
     "docs/architecture.md": [
         "udp {kLocalPort}, eth0's address",
@@ -43,6 +47,14 @@ SENTENCES = {
         "takes the address of `Init` back, sleeps {kRestartPauseSec} seconds",
         "up to {kDeviceTimeoutSec} seconds (import: {kImportTimeoutSec}) for each exchange",
         "{kXmlDepthMax} nested elements (`kXmlDepthMax`)",
+        "{kRoundMs} ms (`kRoundMs`)",
+        "at most {kPartMs:s} seconds (`kPartMs`)",
+        "From {kLentFrom:KiB} KiB",
+        "above {kMaxCachedFile:KiB} KiB",
+        "{kMaxBodyBytes:MiB} MiB (`kMaxBodyBytes`)",
+        "{kMaxConnections} connections (`kMaxConnections`)",
+        "{kMaxHeldBytes:MiB} MiB for all",
+        "{kDefaultStackSize:KiB} KiB (`kDefaultStackSize`)",
     ],
     "docs/deployment.md": ["| {kLocalPort}/udp | that of `eth0`"],
     "docs/device-protocol.md": [
@@ -71,28 +83,60 @@ SENTENCES = {
         "| `kCfgSize` | {kImportMost} bytes; {kExportMost} in UTF-8 for certain |",
         "| `kMaxSessions` | {kMaxSessions} |",
         "| `kIdleLimitSec` | {kIdleLimitSec} s |",
-        "| `kDefaultStackSize` | {kStackKib} KiB |",
+        "| `kDefaultStackSize` | {kDefaultStackSize:KiB} KiB |",
+        "unused for {kUnusedMs:s} seconds",
+        ", {kMaxHeldBytes:MiB} MiB in all |",
+        "at most {kMaxHeldBytes:MiB} MiB for its clients (`kMaxHeldBytes`)",
+        "at most {kMaxCacheBytes:MiB} MiB of files in memory (`kMaxCacheBytes`)",
+        "what is left after {kOtherDescriptors} (after {kFirstClient} where",
+        "| `kMaxConnections` | {kMaxConnections}, or",
+        "| `kOtherDescriptors` | {kOtherDescriptors} |",
+        "| `kGraceMs` | {kGraceMs:s} s |",
+        "| `kUnusedMs` | {kUnusedMs:s} s |",
+        "| `kMaxHeldBytes` | {kMaxHeldBytes:MiB} MiB |",
+        "| Request line and field lines | `kMaxHeadBytes` | {kMaxHeadBytes} bytes |",
+        "| `kMaxFieldLines` | {kMaxFieldLines} |",
+        "| `kMaxBodyBytes` | {kMaxBodyBytes:MiB} MiB |",
+        "the last | `kMaxHeadBytes` | {kMaxHeadBytes} bytes |",
+        "| `kPartMs` | {kPartMs:s} s |",
+        "`kMaxCachedFile` | {kMaxCacheBytes:MiB} MiB, {kMaxCachedFile:KiB} KiB each |",
         "| `kMessageSize` | {kMessageMost} bytes |",
     ],
 }
 PORTS = {"kLocalPort"}  # written without a comma
+UNITS = {"": 1, "s": 1000, "KiB": 1 << 10, "MiB": 1 << 20}
 ROWS = [(page, sentence) for page, sentences in SENTENCES.items() for sentence in sentences]
+# How the sources write one: a number, or one shifted.
+VALUE = r"(0x[0-9A-F]+|\d+)U?(?: << (\d+))?;"
+
+
+class Figure(int):
+    """A limit as the documents write it: {limit:KiB} is its kibibytes, {limit:s} its seconds."""
+
+    def __format__(self, unit):
+        assert self % UNITS[unit] == 0, f"{int(self)} is no whole number of {unit}"
+        return f"{self // UNITS[unit]:,}"
 
 
 def sources():
-    """The text of every C++ file of the product outside the HTTP edge."""
-    for folder in ("CBB/Util", "CBB/WebCtrl", "config", "control"):
+    """The text of every C++ file of the product that may set a limit."""
+    for folder in ("CBB/Http", "CBB/Util", "CBB/WebCtrl", "config", "control"):
         for path in sorted(glob.glob(os.path.join(ROOT, folder, "*"))):
             if path.endswith((".cpp", ".h")):
                 yield read(path)
 
 
+@functools.cache
 def constants():
+    """Those whose name stands for one value in all of the product."""
     found = {}
     for text in sources():
-        for name, value in re.findall(r"constexpr \w+ (k\w+) = (0x[0-9A-F]+|\d+);", text):
-            assert found.setdefault(name, int(value, 0)) == int(value, 0), f"two values of {name}"
-    return found
+        for name, value, shift in re.findall(rf"constexpr \w+ (k\w+) = {VALUE}", text):
+            found.setdefault(name, set()).add(int(value, 0) << int(shift or 0))
+    # The library takes one line less than it has places for.
+    lines = re.search(r"MG_MAX_HTTP_HEADERS=(\d+)", read("cmake/Mongoose.cmake"))
+    found["kMaxFieldLines"] = {int(lines[1]) - 1}
+    return {name: values.pop() for name, values in found.items() if len(values) == 1}
 
 
 def capacities(of):
@@ -114,7 +158,6 @@ def told(of):
         **of,
         "kImportMost": of["kCfgSize"] - 1,
         "kExportMost": of["kCfgSize"] - 5,
-        "kStackKib": of["kDefaultStackSize"] // 1024,
         "kMessageMost": of["kMessageSize"] - 1,
         "capacities": f"{', '.join(sizes[:-1])} or {sizes[-1]}",
     }
@@ -122,7 +165,7 @@ def told(of):
 
 def filled(sentence, values):
     shown = {
-        name: f"{value:,}" if isinstance(value, int) and name not in PORTS else value
+        name: Figure(value) if isinstance(value, int) and name not in PORTS else value
         for name, value in values.items()
     }
     return sentence.format(**shown)
@@ -139,11 +182,11 @@ def test_limit_is_the_sources(page, sentence):
 
 @pytest.mark.parametrize("page, sentence", ROWS, ids=[row[1][:50] for row in ROWS])
 def test_another_limit_would_be_noticed(page, sentence):
-    names = [name for _, name, _, _ in string.Formatter().parse(sentence) if name]
-    assert names
-    for name in names:
+    fields = [(name, unit) for _, name, unit, _ in string.Formatter().parse(sentence) if name]
+    assert fields
+    for name, unit in fields:
         values = told(constants())
-        values[name] = values[name] + 1 if isinstance(values[name], int) else "4,096"
+        values[name] = values[name] + UNITS[unit] if isinstance(values[name], int) else "4,096"
         assert filled(sentence, values) not in plain(page)
 
 
