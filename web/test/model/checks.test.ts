@@ -1,7 +1,8 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
 import {check, isNetmask} from '../../src/model/checks';
-import {address, netmask, port, secret, text, type Field, type Values} from '../../src/model/fields';
+import {address, code, frameRate, netmask, port, secret, text, type Field, type Values}
+  from '../../src/model/fields';
 
 const path = 'a/b';
 const keyOf = (field: Field, value: string, held = 'something else') => {
@@ -33,6 +34,15 @@ test('a device number has 5 to 12 bytes', () => {
     ['', 'error.empty'], ['1234', 'error.short'], ['12345', null], ['123456789012', null],
     ['1234567890123', 'error.long'], ['车车车', null],
   ]);
+});
+
+test('a code is any number of a byte', () => {
+  checkRows(code(path, 'password'), [['0', null], ['255', null], ['256', 'error.range']]);
+});
+
+test('pictures come 1 to 60 times a second', () => {
+  checkRows(frameRate(path, 'password'),
+      [['0', 'error.range'], ['1', null], ['60', null], ['61', 'error.range']]);
 });
 
 test('numbers keep to their range, blanks around them do not matter', () => {
@@ -80,7 +90,8 @@ test('a gateway lies inside the network, is not the recorder, or is none', () =>
 
 test('a host is a name', () => {
   checkRows(of('host', {bytes: 63, least: 1}), [
-    ['a.example', null], ['10.0.0.1', null], ['', 'error.empty'], ['-a', 'error.host'],
+    ['a.example', null], ['10.0.0.1', null], ['cms-0123456789.example', null],
+    ['', 'error.empty'], ['-a', 'error.host'],
     ['a b', 'error.host'], ['a'.repeat(64), 'error.long'], ['a..b', 'error.host'],
   ]);
 });

@@ -31,6 +31,12 @@ test('a file that is no configuration, is cut or repeats something is refused wi
   for (const [text, error] of rows) assert.equal(errorOf(text), error, text.slice(0, 80));
 });
 
+test('of what is repeated across elements the name is told, and no line', () => {
+  const text = '<VariCfgSec><stWifi a="1"/><stWifi a="2"/></VariCfgSec>';
+  assert.deepEqual(openFile(new TextEncoder().encode(text)),
+      {error: 'repeated', name: 'stWifi/a', line: 0});
+});
+
 test('a file in GBK is read like one in UTF-8', () => {
   const gbk = Uint8Array.from([...bytes('<VariCfgSec><a b="'), 0xb3, 0xb5, ...bytes('"/></VariCfgSec>')]);
   const file = openFile(gbk);

@@ -14,5 +14,5 @@ test('five wrong entries within an hour lock for the rest of it', () => {
 });
 
 test('time left is minutes and seconds', () => {
-  assert.deepEqual([0, 9, 60, 3599].map(timeText), ['0:00', '0:09', '1:00', '59:59']);
+  assert.deepEqual([0, 9, 10, 60, 3599].map(timeText), ['0:00', '0:09', '0:10', '1:00', '59:59']);
 });

@@ -1,4 +1,4 @@
-import {answers, asked, bodies, local, session, signedIn} from './page';
+import {answers, asked, bodies, cookie, local, moves, session, signedIn} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById} from '../../src/model/sections';
@@ -57,4 +57,12 @@ test('what is wrong is told before anything is sent', async () => {
 test('no password reaches the browser’s memory', async () => {
   await change('admin123', 'geheim&1', 'geheim&1');
   assert.doesNotMatch(local.text() + session.text(), /admin123|geheim/);
+});
+
+test('nothing is sent once the session has ended', async () => {
+  cookie.value = '';
+  moves.length = 0;
+  await change('admin123', 'b', 'b');
+  assert.deepEqual(bodies, []);
+  assert.match(moves.join(), /^login\.html/);
 });

@@ -6,8 +6,8 @@ import {answerDialog} from '../../src/state/dialog';
 import {type} from '../../src/state/editing';
 import {dropAllDrafts} from '../../src/state/memory';
 import {readSection, take} from '../../src/state/reading';
-import {saveSection} from '../../src/state/saving';
-import {get, resetStore, sectionState} from '../../src/state/store';
+import {rowsOf, saveSection} from '../../src/state/saving';
+import {get, resetStore, sectionState, type SectionState} from '../../src/state/store';
 
 const kPath = 'stNetWorkMode/ucFD_NetType';
 const netMode = sectionById('netMode');
@@ -121,4 +121,16 @@ test('without a session nothing is sent and the sign-in follows', async () => {
   asked.length = 0;
   await save();
   assert.deepEqual([asked, moves], [[], ['login.html#status']]);
+});
+
+test('each change is a row, and the clock is one once it was typed', () => {
+  const fields = [{path: 'a', kind: 'text', label: 'password'},
+    {path: 'c', kind: 'clock', label: 'password', live: true}];
+  const held = {a: 'x', c: '10:00'};
+  const rows = (typed: Record<string, string>) =>
+    rowsOf({fields, held, typed} as unknown as SectionState)
+        .map(({field, from, to}) => [field.path, from, to]);
+  assert.deepEqual(rows({}), []);
+  assert.deepEqual(rows({a: 'y'}), [['a', 'x', 'y']]);
+  assert.deepEqual(rows({a: 'y', c: '10:01'}), [['a', 'x', 'y'], ['c', '10:00', '10:01']]);
 });
