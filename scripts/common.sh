@@ -15,3 +15,9 @@ fail() {
   printf '%s: %s\n' "$self" "$*" >&2
   exit 1
 }
+
+# record passed|failed|skipped <test> [reason [count]]: a line of results for the summary of test.sh.
+record() {
+  [ -z "${WEBCTRL_RESULTS-}" ] ||
+    printf '%s\t%s\t%s\t%s\n' "${4-1}" "$1" "$2" "${3-}" >>"$WEBCTRL_RESULTS"
+}

@@ -42,13 +42,15 @@ look_at_it() {
 
 # Each file of tests has its own process and its own network.
 test_file() {
-  local name=$1 status=0
-  timeout 900 /usr/bin/python3 -m pytest -q -p no:cacheprovider --basetemp "$scratch/$name" \
-    "tests/blackbox/test_$name.py" >"$build/blackbox/$name.log" 2>&1 || status=$?
+  local name=$1 status=0 log=$build/blackbox/$1.log
+  timeout 900 /usr/bin/python3 -m pytest -q -rs -p no:cacheprovider --basetemp "$scratch/$name" \
+    "tests/blackbox/test_$name.py" >"$log" 2>&1 || status=$?
+  [ -z "${WEBCTRL_RESULTS-}" ] ||
+    "$root/scripts/results/read.py" output "blackbox.$name" $status "$log" >>"$WEBCTRL_RESULTS"
   case $status in
-    0) say "$name: $(tail -n 1 "$build/blackbox/$name.log")" ;;
+    0) say "$name: $(tail -n 1 "$log")" ;;
     77) say "$name: skipped, the machine allows no network namespace" ;;
-    *) say "$name: FAILED, see $build/blackbox/$name.log" && tail -n 30 "$build/blackbox/$name.log" ;;
+    *) say "$name: FAILED, see $log" && tail -n 30 "$log" ;;
   esac
   [ $status = 0 ] || [ $status = 77 ]
 }
@@ -67,7 +69,7 @@ test_all() {
   scratch=$(mktemp -d)
   trap 'rm -rf "$scratch"' EXIT
   export -f test_file say
-  export build self scratch WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
+  export build root self scratch WEBCTRL_BIN=$program WEBCTRL_RUNNER=$runner
   # The longest ones come last in the alphabet and must start first.
   printf '%s\n' "${names[@]}" | sort -r | xargs -P "$((2 * $(nproc)))" -I {} bash -c 'test_file {}'
 }
@@ -78,4 +80,5 @@ cd "$root"
 mkdir -p "$build"
 build_all >"$build/build.log" 2>&1 || fail "the build failed: $(tail -n 20 "$build/build.log")"
 look_at_it
+record passed executable
 test_all || fail "the tests above failed"

@@ -34,7 +34,9 @@ run_target() {
     -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$build/findings/$name-" \
     "$found" "$root/fuzz/corpus/$name" >"$log" 2>&1; then
     say "$name: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") runs, nothing found"
+    record passed "$name"
   else
+    record failed "$name"
     say "$name: FOUND SOMETHING, see $log: $(grep -m 1 -E 'ERROR|SUMMARY' "$log" || true)" >&2
     return 1
   fi

@@ -1,16 +1,19 @@
 #!/usr/bin/env bash
 # shellcheck disable=SC2317  # the stages are called by their names
 #
-# test.sh [stage]...: installs what is missing, builds, and runs every test and check. Works on a
-# bare Debian 12 and from any folder. Without arguments all stages run in order; a stage that fails
+# test.sh [--may-skip <file>] [stage]...: installs what is missing, builds, and runs every test and
+# check. Works on a bare Debian 12 and from any folder. Without a stage all run in order; one that fails
 # does not stop the later ones, except that nothing runs without the packages and the build.
+#
+# The summary counts what passed, failed and was skipped, with every reason. With --may-skip a test that
+# was skipped and is not in the file is a failure.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 stages="deps build test format asan tsan static fuzz cross package"
 jobs=$(nproc)
-results=()
-failed=0
+results=$root/build/results
+allowed=
 
 # configure_and_build <preset> [target]...: all targets by default.
 configure_and_build() {
@@ -20,12 +23,10 @@ configure_and_build() {
     cmake --build --preset "$preset" -j "$jobs" --target "${@:-all}"
 }
 
-# No test at all is a failure, not a success.
 run_ctest() {
   local preset=$1
   shift
-  "${runner[@]}" ctest --test-dir "build/$preset" -j "$jobs" --output-on-failure \
-    --no-tests=error "$@"
+  "${runner[@]}" scripts/results/ctest.sh "build/$preset" -j "$jobs" "$@"
 }
 
 stage_deps() { scripts/install-deps.sh build run test ui check; }
@@ -47,7 +48,12 @@ stage_tsan() {
 stage_static() {
   local check status=0
   for check in shellcheck cppcheck clang-tidy; do
-    "scripts/checks/$check.sh" || status=1
+    if "scripts/checks/$check.sh"; then
+      record passed "$check"
+    else
+      record failed "$check"
+      status=1
+    fi
   done
   return "$status"
 }
@@ -59,30 +65,36 @@ stage_fuzz() { scripts/fuzz.sh 30; }
 stage_cross() { scripts/cross.sh; }
 stage_package() { tests/packaging/run.sh; }
 
+# A stage that tells of no tests is one itself, and so is one that fails without a failed test.
 run_stage() {
   local start=$SECONDS outcome=passed
-  printf '\n=== %s\n' "$1"
-  "stage_$1" || outcome=FAILED
-  [ $outcome = passed ] || failed=1
-  results+=("$(printf '%-8s %-7s %4d s' "$1" $outcome $((SECONDS - start)))")
+  export WEBCTRL_RESULTS=$results/$stage.tsv
+  : >"$WEBCTRL_RESULTS"
+  printf '\n=== %s\n' "$stage"
+  "stage_$stage" || outcome=FAILED
+  case $outcome in
+    passed) [ -s "$WEBCTRL_RESULTS" ] || record passed "$stage" ;;
+    *) grep -q $'\tfailed\t' "$WEBCTRL_RESULTS" || record failed "$stage" ;;
+  esac
+  echo "$stage $outcome $((SECONDS - start))" >>"$results/stages"
   [ $outcome = passed ]
 }
 
-summary() {
-  printf '\n=== Stages\n'
-  printf '%s\n' "${results[@]}"
-  printf '%-8s %-7s %4d s\n' all "$([ $failed = 0 ] && echo passed || echo FAILED)" $SECONDS
-  exit $failed
-}
-
-cd "$root"
 runner=()
+if [ "${1-}" = --may-skip ]; then
+  [ -r "${2-}" ] || fail "--may-skip takes a file"
+  allowed=$(readlink -f -- "$2")
+  shift 2
+fi
 # shellcheck disable=SC2086  # a list of words
 [ $# -gt 0 ] || set -- $stages
 for stage in "$@"; do
   grep -qw -- "$stage" <<<"$stages" || fail "no stage \"$stage\"; there are: $stages"
 done
+cd "$root"
+rm -rf "$results"
+mkdir -p "$results"
 for stage in "$@"; do
-  run_stage "$stage" || case $stage in deps | build) summary ;; esac
+  run_stage || case $stage in deps | build) break ;; esac
 done
-summary
+scripts/results/summary.sh "$results" "$allowed"

@@ -36,10 +36,11 @@ def pytest_cmdline_main(config):
     for session in sessions:
         print(session.communicate()[0].decode(errors="replace"), end="", flush=True)
     codes = {session.returncode for session in sessions}
-    return 1 if codes - {pytest.ExitCode.OK, _EXIT_SKIPPED} else max(codes)
+    return 1 if codes - {pytest.ExitCode.OK, _EXIT_SKIPPED} else min(codes)
 
 
 def pytest_configure(config):
+    config.addinivalue_line("markers", "offline: needs no namespace, so it runs everywhere")
     try:
         _state["folder"] = netns.enter()
     except netns.NotAllowed as error:
@@ -59,11 +60,16 @@ def pytest_collection_modifyitems(config, items):
         items[:] = items[config.option.shard :: config.option.shards]
     if _state["reason"]:
         for item in items:
-            item.add_marker(pytest.mark.skip(reason=_state["reason"]))
+            if not item.get_closest_marker("offline"):
+                item.add_marker(pytest.mark.skip(reason=_state["reason"]))
 
 
 def pytest_sessionfinish(session):
-    if _state["reason"] and session.exitstatus == pytest.ExitCode.OK:
+    if (
+        _state["reason"]
+        and session.exitstatus == pytest.ExitCode.OK
+        and not any(item.get_closest_marker("offline") for item in session.items)
+    ):
         session.exitstatus = _EXIT_SKIPPED
 
 

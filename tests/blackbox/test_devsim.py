@@ -15,6 +15,8 @@ import xml.etree.ElementTree as ElementTree
 
 import pytest
 
+pytestmark = pytest.mark.offline
+
 BINARY = os.environ.get("DEVSIM_BIN", "build/release/bin/devsim")
 WAIT = 10  # seconds; only a broken simulator needs them
 DISPLAY = b'<VariCfgSec Action="DEVICE_QUERY"><stDisplay></VariCfgSec>'

@@ -8,6 +8,8 @@ import pytest
 from documents import ROOT, blocks, documents, sections
 from endpoints import routes
 
+pytestmark = pytest.mark.offline
+
 API = "docs/api.md"
 
 # The presence rules by their names on the page.

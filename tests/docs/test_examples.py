@@ -80,5 +80,6 @@ def test_example_does_what_it_shows(recorder_of, block, sent):
         assert recorder.received()[before:] == sent
 
 
+@pytest.mark.offline
 def test_there_are_examples():
     assert {"docs/api.md", "docs/architecture.md"} <= {block.document for block, _ in EXAMPLES}

@@ -14,6 +14,8 @@ import pytest
 from documents import ROOT, read
 from test_api import endpoint_sections
 
+pytestmark = pytest.mark.offline
+
 SENTENCES = {
     "README.md": [
         "udp {kLocalPort}",

@@ -6,6 +6,8 @@ import re
 import pytest
 from documents import ROOT, anchors, blocks, documents, prose, read
 
+pytestmark = pytest.mark.offline
+
 LINK = re.compile(r"\]\(([^)\s]+)\)")
 CODE = re.compile(r"`([^`\n]+)`")
 PATH = re.compile(r"[\w.-]+(?:/[\w.*-]+)+/?")

@@ -82,6 +82,7 @@ def schema_of_reply(operation):
     return described_reply(operation)["schema"]
 
 
+@pytest.mark.offline
 def test_page_is_valid():
     with open(SCHEMA, encoding="utf-8") as file:
         schema = json.load(file)
@@ -89,6 +90,7 @@ def test_page_is_valid():
     assert [error.message for error in errors] == []
 
 
+@pytest.mark.offline
 def test_the_validator_refuses_a_wrong_page():
     with open(SCHEMA, encoding="utf-8") as file:
         validator = jsonschema.Draft4Validator(json.load(file))
@@ -105,6 +107,7 @@ def complaints(page):
     return {problem["ruleId"] for problem in json.loads(done.stdout)["problems"]}
 
 
+@pytest.mark.offline
 def test_page_keeps_every_recommended_rule(tmp_path):
     assert complaints(os.path.join(ROOT, "docs/openapi.yaml")) == set()
     worse = tmp_path / "openapi.yaml"
@@ -112,6 +115,7 @@ def test_page_keeps_every_recommended_rule(tmp_path):
     assert complaints(worse) == {"security-defined"}
 
 
+@pytest.mark.offline
 def test_references_lead_somewhere():
     found = list(references(PAGE))
     assert found
@@ -119,6 +123,7 @@ def test_references_lead_somewhere():
         resolved({"$ref": reference})
 
 
+@pytest.mark.offline
 def test_schemas_are_valid():
     schemas = [schema_of_reply(operation) for _, _, operation in operations()]
     schemas += PAGE["components"]["schemas"].values()
@@ -126,6 +131,7 @@ def test_schemas_are_valid():
         jsonschema.Draft4Validator.check_schema(schema)
 
 
+@pytest.mark.offline
 def test_paths_are_the_routes_in_their_order():
     assert list(PAGE["paths"]) == routes()
     assert [operation["operationId"] for _, _, operation in operations()] == [
@@ -133,12 +139,14 @@ def test_paths_are_the_routes_in_their_order():
     ]
 
 
+@pytest.mark.offline
 def test_form_variables_are_those_of_the_page_for_readers():
     ours = {(uri, name) for uri, _, operation in operations() for name in form_of(operation)}
     told = {(heading.split("`")[1], name) for heading, name, _ in told_variables()}
     assert ours == told
 
 
+@pytest.mark.offline
 def test_a_form_requires_all_that_its_message_is_made_of():
     for uri, _, operation in operations():
         form = form_of(operation)

@@ -75,6 +75,7 @@ def test_example_builds_and_does_what_it_shows(recorder):
         assert as_pattern(expected).fullmatch(recorder.run(command)), command
 
 
+@pytest.mark.offline
 def test_example_is_laid_out_like_the_rest(tree):
     changed = sorted({path for (path, _, _), _ in pieces() if not path.endswith(".xml")})
     assert len(changed) == 8
@@ -82,11 +83,13 @@ def test_example_is_laid_out_like_the_rest(tree):
     subprocess.run(["clang-format", "--dry-run", "-Werror", *changed], cwd=tree, check=True)
 
 
+@pytest.mark.offline
 def test_example_keeps_the_rules_of_the_tree(tree):
     rules = os.path.join(ROOT, "tests/checks/tree_rules.py")
     subprocess.run(["/usr/bin/python3", rules, tree], check=True)
 
 
+@pytest.mark.offline
 def test_every_piece_of_code_is_part_of_the_example():
     code = [block for block in blocks(PAGE) if block.kind in ("cpp", "xml")]
     assert len(code) == len(list(pieces())) == 11

@@ -180,6 +180,7 @@ def test_fault(folder, recorder, daemon, fault, family, reply, line, fate):
     assert b'"uiFD_SBitRate": "%d", "result": 1 }' % rate in next_answer.body
 
 
+@pytest.mark.offline
 def test_every_fault_of_the_recorder_has_a_row():
     """The kinds listed in the program's help."""
     text = subprocess.run([DEVSIM, "--help"], capture_output=True, text=True, check=True).stdout

@@ -58,7 +58,15 @@ run_case() {
   unshare --net --mount --pid --fork --kill-child --mount-proc \
     "$root/tests/packaging/case.sh" "$1" "$work/$1" || status=$?
   rm -rf --one-file-system "${work:?}/$1"
-  [ $status = 0 ] || [ $status = 77 ] || { tail -n 20 "$work/$1.log" 2>/dev/null && return 1; }
+  case $status in
+    0) record passed "$1" ;;
+    77) record skipped "$1" "this machine cannot run it" ;;
+    *)
+      record failed "$1"
+      tail -n 20 "$work/$1.log" 2>/dev/null
+      return 1
+      ;;
+  esac
 }
 
 [ "$(id -u)" = 0 ] || fail "making a root takes root"

@@ -114,5 +114,6 @@ def test_daemon_carries_out_what_the_proxy_sent(rig, relay, proxy, case, cut):
     check(rig, relay.end_passages())
 
 
+@pytest.mark.offline
 def test_enough_is_tried():
     assert len(CASES) >= 60

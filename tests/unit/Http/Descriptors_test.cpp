@@ -94,7 +94,7 @@ TEST(GuardStdStreams, LosesTextInAFullPipe) {
 
 // Another user's pipe cannot be reopened.
 TEST(GuardStdStreams, LosesTextInAFullPipeThatItMayNotOpen) {
-  if (geteuid() != 0) GTEST_SKIP() << "needs another user";
+  if (InChild([] { return setuid(65534); }) != 0) GTEST_SKIP() << "may not become another user";
   int fds[2];
   ASSERT_EQ(0, pipe(fds));
   EXPECT_EQ(EAGAIN, InChild([&fds] {
