@@ -4,7 +4,7 @@
 # servers, then instructions per request. Builds what it measures. The machine should be idle
 # otherwise. Exits with 1 when a conversion misses its target or a reply was not the expected one.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 build() {
   cmake -S . -B build/bench -G Ninja -DCMAKE_BUILD_TYPE=Release -DWEBCTRL_BUILD_BENCH=ON \

@@ -2,8 +2,8 @@
 # shellcheck shell=bash disable=SC2034
 set -euo pipefail
 
-root=$(CDPATH='' cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
-self=$(basename -- "$0" .sh)
+root=$(CDPATH='' cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")/.." && pwd -P)
+self=$(basename -- "$(readlink -f -- "$0")" .sh)
 # ifconfig, ss and friends live in sbin, which a plain user's PATH lacks.
 PATH=$PATH:/usr/local/sbin:/usr/sbin:/sbin
 
@@ -16,8 +16,15 @@ fail() {
   exit 1
 }
 
-# record passed|failed|skipped <test> [reason [count]]: a line of results for the summary of test.sh.
+# The text at the head of the calling script.
+usage() {
+  awk 'NR > 1 && !/^#/ { exit } NR > 1 && !/shellcheck/ && (begun = begun || /[a-z]/) {
+    sub(/^# ?/, ""); print
+  }' "$0"
+}
+
+# record passed|failed|skipped <test> [reason]: a line of results for the summary of test.sh.
 record() {
   [ -z "${WEBCTRL_RESULTS-}" ] ||
-    printf '%s\t%s\t%s\t%s\n' "${4-1}" "$1" "$2" "${3-}" >>"$WEBCTRL_RESULTS"
+    printf '1\t%s\t%s\t%s\n' "$1" "$2" "${3-}" >>"$WEBCTRL_RESULTS"
 }

@@ -6,7 +6,7 @@
 # of lines. build/coverage/coverage.txt lists every line that no test reaches;
 # build/coverage/html/index.html shows the sources with their counts.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 least=95
 build=$root/build/coverage

@@ -4,7 +4,7 @@
 # The executable is static and runs on any ARMv7-A with Linux 3.2 or later. Every black-box test of
 # the daemon runs against it under an emulator. The result is the folder build/armhf/image.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 build=$root/build/armhf
 program=$build/image/opt/webctrl/bin/webctrl

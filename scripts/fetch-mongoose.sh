@@ -1,23 +1,20 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # Puts the HTTP library's two source files into a folder (default: .deps/mongoose).
 #
 # Debian 12 has no binary package of the library's 6 series, but carries its sources inside a
 # source package. They are fetched with the ordinary package client and a private configuration: the
 # machine's own sources plus the deb-src type, for this one call. The machine's configuration and
 # package lists stay as they are. Does nothing when the right files are already there.
-set -eu
+# shellcheck source=scripts/common.sh
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
+# shellcheck source=scripts/watched.sh
+. "$root/scripts/watched.sh"
 
-root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
-dest=${1:-$root/.deps/mongoose}
+dest=$(realpath -m -- "${1:-$root/.deps/mongoose}")
 package=rtl-433
 version=22.11-1
 sums="4229f2f7a67c03aa6bd991841c0e2961673b8af9cea61cfb887f8866d93fa25a  mongoose.c
 a5ab1598fef30106aba85e55c900a29176d8a42d2dbfb24f6d10775926ecc9ad  mongoose.h"
-
-fail() {
-  echo "fetch-mongoose: $*" >&2
-  exit 1
-}
 
 sums_match() {
   (cd "$1" 2>/dev/null && echo "$sums" | sha256sum --check --status 2>/dev/null)
@@ -47,11 +44,12 @@ private_apt() {
     -o Dir::State::Lists="$work/lists" -o Dir::Cache="$work/cache" -o APT::Sandbox::User=root "$@"
 }
 
-# A third-party source without deb-src only causes a warning here; the download below is what
-# counts.
-private_apt update >"$work/log" 2>&1 || true
-(cd "$work" && private_apt source --download-only "$package=$version" >>"$work/log" 2>&1) ||
-  fail "cannot download the source package $package $version (no network?): $(tail -n 1 "$work/log")"
+# A third-party source without deb-src only causes a warning; the download below is what counts.
+say "downloading the sources of the HTTP library"
+cd "$work"
+watched update.log private_apt update || true
+watched source.log private_apt source --download-only "$package=$version" ||
+  fail "cannot download the source package $package $version: $(cause_in update.log source.log)"
 
 mkdir "$work/out"
 tar -xf "$work"/*.orig.tar.* -C "$work/out" --strip-components=2 --wildcards \

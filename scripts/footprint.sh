@@ -2,7 +2,7 @@
 # footprint.sh [--requests N] [--objects N]: how much disk, memory, stack and heap the daemon uses
 # on a recorder, as tables. Builds what it measures.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 out=$root/build/footprint
 jobs=$(nproc)

@@ -3,7 +3,7 @@
 # behaviour sanitizers and runs each for the given time (30 s) from its corpus, two at a time. Any
 # finding is a failure; its input is kept in build/fuzz/findings. Targets: fuzz/<name>_fuzz.cpp.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 build=$root/build/fuzz
 seconds=${1:-30}

@@ -5,7 +5,9 @@
 # needs neither root nor a network. Debian 12's packages by apt-get, the HTTP library's sources by
 # fetch-mongoose.sh, the node modules of web, tests/docs and tests/ui by npm from their lock files.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
+# shellcheck source=scripts/watched.sh
+. "$root/scripts/watched.sh"
 
 purposes="build run test ui check bench fuzz coverage cross package"
 
@@ -14,11 +16,13 @@ packages_for() {
     # node-llhttp: the request parser's sources. ca-certificates: package sources may be https ones.
     build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev node-llhttp ca-certificates \
       "$(node_packages)" ;;
-    # The daemon calls ifconfig when it starts; run.sh looks at the ports with ss.
-    run) echo net-tools iproute2 ;;
+    # The daemon calls ifconfig when it starts; run.sh looks at ports and addresses with ss and ip; with
+    # curl a newcomer takes the first look.
+    run) echo net-tools iproute2 curl ;;
     # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; yaml, jsonschema and
     # the node modules of tests/docs hold docs/openapi.yaml to its rules; the last three are the proxies
-    # that the daemon is tried behind, and openssl makes what the first one needs for TLS.
+    # that the daemon is tried behind; openssl makes what the first one needs for TLS, and a certificate
+    # that nobody accepts.
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
       libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema openssl nginx-light \
       haproxy lighttpd "$(node_packages)" ;;
@@ -64,18 +68,19 @@ require_debian_12() {
     fail "this is ${system:-an unknown system }and not Debian 12; install by hand: $*"
 }
 
-# The update's own result says little (a foreign source may fail); the install is what counts.
+# Everything is downloaded before anything is unpacked, so that Ctrl-C ends the long part at once. The
+# update's own result says little (a foreign source may fail); the installation is what counts.
 apt_install() {
-  local log
-  log=$(mktemp)
-  # shellcheck disable=SC2064  # the file's name now
-  trap "rm -f '$log'" EXIT
+  local logs=$root/build/apt install=(install -y --no-install-recommends "$@")
+  rm -rf "$logs"
+  mkdir -p "$logs"
   export DEBIAN_FRONTEND=noninteractive
   [[ "$*" != *:armhf* ]] || dpkg --add-architecture armhf
   say "installing $*"
-  apt-get -q update >"$log" 2>&1 || true
-  apt-get -q install -y --no-install-recommends "$@" >>"$log" 2>&1 ||
-    fail "apt-get cannot install them (no network?): $(grep '^E:' "$log" | head -n 1)"
+  watched "$logs/1-update" apt-get -q update || true
+  { watched "$logs/2-download" apt-get -q "${install[@]}" --download-only &&
+    whole "$logs/3-install" apt-get -q "${install[@]}"; } ||
+    fail "apt-get cannot install them: $(cause_in "$logs"/*)"
 }
 
 install_packages() {
@@ -101,8 +106,8 @@ install_node_modules() {
   rm -rf "$new"
   mkdir -p "$new"
   cp "$dir/package.json" "$dir/package-lock.json" "$new"
-  (cd "$new" && npm ci --ignore-scripts --no-audit --no-fund --fetch-retries=1 >npm.log 2>&1) ||
-    fail "npm cannot install the modules of $1 (no network?), see $new/npm.log"
+  watched "$new/npm.log" npm --prefix "$new" ci --ignore-scripts --no-audit --no-fund --fetch-retries=1 ||
+    fail "npm cannot install the modules of $1: $(cause_in "$new/npm.log")"
   echo "$sum" >"$new/node_modules/.installed"
   rm -rf "$dir/node_modules"
   mv "$new/node_modules" "$dir"

@@ -2,7 +2,7 @@
 # package.sh [preset]...: builds the packages of these presets (release and armhf without arguments)
 # into build/<preset>/packages: a .deb and an archive for a recorder's file system.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 package() {
   local preset=$1 out=build/$1/packages

@@ -1,11 +1,18 @@
 #!/usr/bin/env bash
-# run.sh: the whole product on a desk. Installs what is missing, builds, starts the simulated
-# recorder and the daemon, prints the address to open, and stops both on Ctrl-C.
+# run.sh: the whole product on a desk. Installs what is missing, builds, starts the simulated recorder
+# and the daemon, prints the addresses to open, and stops both on Ctrl-C.
+#
+# It needs Debian 12, root, and the ports 80/tcp, 4999/udp, 6000/udp and 6001/udp. The first run takes a
+# network and about two minutes, a later one neither. The simulated recorder keeps its settings in
+# build/run; without that folder they are as delivered.
 # shellcheck source=scripts/common.sh
-. "$(dirname -- "$0")/common.sh"
+. "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
+# shellcheck source=scripts/watched.sh
+. "$root/scripts/watched.sh"
 
 bin=$root/build/release/bin
 state=$root/build/run
+control=6001
 declare -A pids=()
 
 # port_owner <ss flags> <port>: "name (pid 12)" of who has the port; nothing when it is free.
@@ -39,19 +46,25 @@ check_ports() {
   require_free -lt 80 tcp "web pages"
   require_free -au 4999 udp "the daemon's own socket"
   require_free -au 6000 udp "the device application"
+  require_free -au $control udp "the simulated recorder's control"
   require_port_80
+}
+
+configure_and_build() {
+  cd "$root"
+  # A folder that test.sh has configured keeps its tests, else the next test.sh builds them anew.
+  [ -f build/release/CMakeCache.txt ] || set -- -DWEBCTRL_BUILD_TESTS=OFF
+  cmake --preset release "$@" &&
+    cmake --build --preset release --target webctrl devsim web_root -j "$(nproc)"
 }
 
 build() {
   local log=$state/build.log
   say "building"
-  # A folder that test.sh has configured keeps its tests, else the next test.sh builds them anew.
-  [ -f "$root/build/release/CMakeCache.txt" ] || set -- -DWEBCTRL_BUILD_TESTS=OFF
-  if ! (cd "$root" && cmake --preset release "$@" &&
-    cmake --build --preset release --target webctrl devsim web_root -j "$(nproc)") >"$log" 2>&1; then
+  watched "$log" configure_and_build || {
     tail -n 20 "$log" >&2
     fail "the build failed, see $log"
-  fi
+  }
 }
 
 # start <name> <command>...: in the background, its output in a log of its own. It ends with this
@@ -100,6 +113,35 @@ require_alive() {
   done
 }
 
+# Every address that a browser may use, the machine's own name for itself first.
+addresses() {
+  echo localhost
+  ip -4 -o address show up scope global | awk '{ sub("/.*", "", $4); print $4 }'
+}
+
+tell_what_to_do() {
+  local address
+  say "ready; open one of these and sign in with the password admin123:"
+  for address in $(addresses); do
+    echo "    http://$address/login.html"
+  done
+  say "to try next:"
+  cat <<END
+    curl -s http://localhost/get_LangInfo             # ask as a script does
+    echo fault silent >/dev/udp/127.0.0.1/$control        # bash: the recorder falls silent
+    echo clear >/dev/udp/127.0.0.1/$control               # and answers again; more: devsim --help
+    tail -f $state/devsim.log
+END
+  say "the daemon's traces are in $state/webctrl.log; Ctrl-C stops both"
+}
+
+case ${1-} in
+  '') ;;
+  -h | --help) usage && exit ;;
+  *) fail "takes no arguments but --help" ;;
+esac
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
 "$root/scripts/install-deps.sh" build run
 check_ports
 mkdir -p "$state"
@@ -107,10 +149,9 @@ build
 trap stop_all EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
-start devsim "$bin/devsim" --state "$state/recorder.xml" --log -
+start devsim "$bin/devsim" --state "$state/recorder.xml" --log - --control $control
 start webctrl "$bin/webctrl"
 wait_until_ready
-say "open http://localhost/login.html"
-say "traces: $state/webctrl.log and $state/devsim.log; stop with Ctrl-C"
+tell_what_to_do
 wait -n "${pids[@]}" || true
 require_alive

@@ -81,6 +81,7 @@ run_stage() {
 }
 
 runner=()
+case ${1-} in -h | --help) usage && exit ;; esac
 if [ "${1-}" = --may-skip ]; then
   [ -r "${2-}" ] || fail "--may-skip takes a file"
   allowed=$(readlink -f -- "$2")
