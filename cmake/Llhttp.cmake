@@ -20,3 +20,4 @@ target_include_directories(llhttp SYSTEM PUBLIC ${LLHTTP_INCLUDE_DIR}
 # Strict mode: no blank in a name, no line that ends in CR or LF alone.
 target_compile_definitions(llhttp PUBLIC LLHTTP_STRICT_MODE=1)
 target_compile_options(llhttp PRIVATE -w)
+webctrl_packaged(llhttp)

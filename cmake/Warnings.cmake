@@ -7,6 +7,7 @@ target_compile_options(webctrl_warnings INTERFACE -Wall -Wextra -Wpedantic -Wsha
 # its headers are included by paths from the project's root ("control/UdpCtrlSocket.h").
 function(webctrl_library name)
   add_library(${name} STATIC ${ARGN})
+  webctrl_packaged(${name})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR})
   target_link_libraries(${name} PRIVATE webctrl_warnings)
 endfunction()

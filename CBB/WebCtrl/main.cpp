@@ -1,4 +1,5 @@
 // The process: starts the service on the web_root beside its executable and then sleeps forever.
+// With --version or --help it prints that and ends.
 #include <unistd.h>
 
 #include <cstdio>
@@ -29,9 +30,28 @@ int OwnFolder(char* pszFolder) {
   return 0;
 }
 
+constexpr const char* kHelp =
+    "Usage: webctrl [--version | --help]\n"
+    "Serves the pages of the folder web_root beside this program on port 80/tcp, and passes\n"
+    "what a browser reads and changes to the device application at 127.0.0.1, port 6000/udp.\n"
+    "It stays in the foreground, needs no configuration, and runs until a signal ends it.\n"
+    "\n"
+    "  --version  print the version and end\n"
+    "  --help     print this text and end\n";
+
+// What to print instead of a start; null for a start. Deliberate: any other argument is ignored.
+const char* TextAskedFor(int nArgs, char** ppszArgs) {
+  if (nArgs != 2) return nullptr;
+  if (strcmp(ppszArgs[1], "--version") == 0) return "webctrl " WEBCTRL_VERSION "\n";
+  return strcmp(ppszArgs[1], "--help") == 0 ? kHelp : nullptr;
+}
+
 }  // namespace
 
-int main() {
+int main(int nArgs, char** ppszArgs) {
+  if (const char* pszText = TextAskedFor(nArgs, ppszArgs)) {
+    return fputs(pszText, stdout) < 0 || fflush(stdout) != 0 ? 1 : 0;
+  }
   GuardStdStreams();
   RaiseDescriptorLimit(kWantedDescriptors);
   PrepareMemory();

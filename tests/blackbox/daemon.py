@@ -127,13 +127,18 @@ class Output:
         self.mark()
 
 
+def command(*arguments, program=PROGRAM):
+    return [*_RUNNER, program, *arguments]
+
+
 class Daemon:
     """One process. start() returns when it serves; spawn() returns at once, for starts that fail.
 
     env changes its environment; None removes a variable.
     """
 
-    def __init__(self, folder, name="webctrl", web_root="web_root", env=None):
+    def __init__(self, folder, name="webctrl", web_root="web_root", env=None, arguments=()):
+        self._arguments = arguments
         self.folder = str(folder)
         os.makedirs(self.folder, exist_ok=True)
         self.program = os.path.join(self.folder, name)
@@ -149,7 +154,7 @@ class Daemon:
         self.stdout = Output(os.path.join(self.folder, "stdout.txt"))
         self.stderr = Output(os.path.join(self.folder, "stderr.txt"))
         self.process = subprocess.Popen(
-            [*_RUNNER, self.program],
+            command(*self._arguments, program=self.program),
             stdin=subprocess.DEVNULL,
             stdout=self.stdout.file,
             stderr=self.stderr.file,

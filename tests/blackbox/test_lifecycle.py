@@ -4,6 +4,7 @@ set."""
 import ctypes
 import os
 import socket
+import subprocess
 
 import pytest
 from daemon import (
@@ -14,6 +15,7 @@ from daemon import (
     SERVER_THREAD,
     START,
     Daemon,
+    command,
     fill_web_root,
     wait_until,
 )
@@ -178,5 +180,27 @@ def test_five_restarts_in_a_row_leave_threads_and_descriptors_as_they_were(start
     daemon.stdout.wait_for(FILES)
 
 
+@pytest.mark.offline
+@pytest.mark.parametrize("option, begin", [("--version", "webctrl "), ("--help", "Usage: webctrl")])
+def test_program_prints_what_it_is_asked_for_and_ends(option, begin):
+    done = subprocess.run(command(option), capture_output=True, text=True, timeout=60)
+    assert (done.returncode, done.stderr) == (0, "")
+    assert done.stdout.startswith(begin)
+
+
+@pytest.mark.offline
+def test_version_that_cannot_be_printed_is_a_failure():
+    with open("/dev/full", "w", encoding="ascii") as full:
+        assert subprocess.run(command("--version"), stdout=full, timeout=60).returncode == 1
+
+
+@pytest.mark.parametrize("arguments", [["--verbose"], ["--version", "--help"], ["-h"], [""]])
+def test_other_arguments_change_nothing_of_a_start(start, arguments):
+    daemon = start(arguments=arguments).start()
+    assert daemon.stdout.text().startswith(f"{INIT}\n{ROOT}{daemon.folder}/web_root\n")
+    assert page() == b"<html>index</html>"
+
+
+@pytest.mark.offline
 def test_program_is_there():
     assert os.access(PROGRAM, os.X_OK), "set WEBCTRL_BIN to the built daemon"
