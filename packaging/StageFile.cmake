@@ -1,23 +1,26 @@
-# stage_file(<file here> <path there>) and stage_compressed: put a file into the tree that cpack is
-# making a package of. Its root is DESTDIR for some generators, and the head of the prefix for others.
+# stage(<file> <path there> <mode>) and stage_compressed: put a file into the tree that cpack is making a
+# package of. Its root is DESTDIR for some generators, and the head of the prefix for others.
 if(DEFINED ENV{DESTDIR} AND NOT "$ENV{DESTDIR}" STREQUAL "")
   set(stage $ENV{DESTDIR})
 else()
   get_filename_component(stage ${CMAKE_INSTALL_PREFIX}/../.. ABSOLUTE)
 endif()
+set(readable OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+set(plain FILE_PERMISSIONS ${readable})
+set(script FILE_PERMISSIONS ${readable} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
 
-function(stage_folder path)
+# The modes are told, as those of a checkout depend on who made it.
+function(stage from path mode)
   get_filename_component(folder ${path} DIRECTORY)
-  file(MAKE_DIRECTORY ${stage}${folder})
-endfunction()
-
-function(stage_file from path)
-  stage_folder(${path})
-  file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/${from} ${stage}${path})
+  get_filename_component(name ${from} NAME)
+  file(COPY ${from} DESTINATION ${stage}${folder} ${${mode}})
+  file(RENAME ${stage}${folder}/${name} ${stage}${path})
 endfunction()
 
 function(stage_compressed from path)
-  stage_folder(${path})
-  execute_process(COMMAND gzip -9nc ${CMAKE_CURRENT_LIST_DIR}/${from} OUTPUT_FILE ${stage}${path}
+  execute_process(COMMAND gzip -9nc ${from} OUTPUT_FILE ${CPACK_WEBCTRL_FILES}/compressed
                   COMMAND_ERROR_IS_FATAL ANY)
+  stage(${CPACK_WEBCTRL_FILES}/compressed ${path} plain)
 endfunction()
+
+set(here ${CMAKE_CURRENT_LIST_DIR})

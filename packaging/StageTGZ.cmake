@@ -1,4 +1,5 @@
-# Puts into a recorder's archive what lies outside /opt/webctrl.
+# Puts into a recorder's archive what lies outside /opt/webctrl/bin.
 include(${CMAKE_CURRENT_LIST_DIR}/StageFile.cmake)
 
-stage_file(init/S90webctrl /etc/init.d/S90webctrl)
+stage(${here}/init/S90webctrl /etc/init.d/S90webctrl script)
+stage_compressed(${CPACK_WEBCTRL_FILES}/copyright.all /opt/webctrl/share/copyright.gz)

@@ -37,7 +37,7 @@ packages_for() {
     cross) echo g++-arm-linux-gnueabihf libtinyxml-dev:armhf libmd-dev:armhf qemu-user-static file ;;
     # cpack asks dpkg-shlibdeps and file; debootstrap makes the system that packages are tried in,
     # and a busybox stands for a recorder's; groff-base reads the manual page.
-    package) echo dpkg-dev file debootstrap busybox groff-base iproute2 curl ;;
+    package) echo dpkg-dev file debootstrap busybox groff-base iproute2 curl binutils lintian ;;
     *) fail "no purpose \"$1\"; there are: $purposes" ;;
   esac
 }

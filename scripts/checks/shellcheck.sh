@@ -6,5 +6,6 @@
 cd "$root"
 mapfile -t files < <(git grep -lIE '^#!/(usr/)?bin/(env )?(ba)?sh' -- . | sort)
 [ ${#files[@]} -gt 0 ] || fail "found no script to look at"
-shellcheck --external-sources "${files[@]}" scripts/common.sh
+shellcheck --external-sources "${files[@]}" scripts/common.sh scripts/watched.sh \
+  tests/packaging/truth.sh
 say "${#files[@]} scripts without a finding"

@@ -3,6 +3,8 @@
 # with 77 when the machine cannot do it.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../../scripts/common.sh"
+# shellcheck source=tests/packaging/truth.sh
+. "$root/tests/packaging/truth.sh"
 
 name=$1 top=$2
 self=packaging/$name
@@ -63,17 +65,20 @@ make_devices() {
 files() {
   (cd "$top" && find . -xdev -path ./opt -prune -o -path ./var/lib/dpkg -prune -o \
     -path ./var/log -prune -o -path ./var/lib/systemd -prune -o -path ./root -prune -o \
+    -path ./var/cache/apt -prune -o -path ./var/lib/apt -prune -o \
     -path ./tmp -prune -o -path ./var/tmp -prune -o -print | sort)
 }
 
+# lifecycle <command>...: what the commands check stands between the installation and the upgrade.
 lifecycle() {
   cp "$root"/build/release/packages/webctrl_*_*.deb "$top/root/first.deb"
   cp "$work"/upgrade/webctrl_99.0.0_*.deb "$top/root/later.deb"
   files >"$work/$name.before"
-  inside dpkg -i /root/first.deb >"$work/$name.log" 2>&1
+  inside apt-get install -y /root/first.deb >"$work/$name.log" 2>&1
   expect_new_service "after the installation"
   expect_revival
-  inside dpkg -i /root/later.deb >>"$work/$name.log" 2>&1
+  "$@"
+  inside apt-get install -y /root/later.deb >>"$work/$name.log" 2>&1
   expect_new_service "after the upgrade"
   # shellcheck disable=SC2016  # dpkg-query's own variable
   [ "$(inside dpkg-query -W -f '${Version}' webctrl)" = 99.0.0 ] || fail "not the later version"
@@ -103,7 +108,12 @@ case_sysvinit() {
   chmod 755 "$top/usr/sbin/policy-rc.d"
   make_devices
   inside=(env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin chroot "$top")
-  lifecycle
+  lifecycle check_sysvinit
+}
+
+check_sysvinit() {
+  check_script /etc/init.d/webctrl '^/opt/webctrl/bin/webctrl'
+  check_stranger /etc/init.d/webctrl
 }
 
 # systemd wants a control group of its own, which is removed in the end.
@@ -150,7 +160,7 @@ case_systemd() {
   (wait_until "a running systemd" has_booted) 2>/dev/null ||
     { say "skipped: systemd does not run here" && exit 77; }
   has_booted
-  lifecycle
+  lifecycle check_unit
 }
 
 # A busybox with its libraries, and the emulator for the recorder's executable.
@@ -216,6 +226,9 @@ case_recorder() {
   expect_bounded_log
   inside /etc/init.d/S90webctrl restart
   expect_new_service "after a restart"
+  check_script /etc/init.d/S90webctrl webctrl.arm
+  inside /etc/init.d/S90webctrl start
+  expect_new_service "after a start"
   expect_stop
   unpack_archive
   mv "$top/var/log" "$top/var/no-log"

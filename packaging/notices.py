@@ -1,0 +1,62 @@
+#!/usr/bin/python3
+"""Prints our licence and the licences and notices of everything that a package contains of others.
+
+usage: notices.py <source folder> <folder of the HTTP library> shared|static [--texts]
+
+They are taken from what was built with: the sources, the npm modules, Debian's packages. A static
+executable contains the libraries, too. --texts adds the licences that Debian's packages only refer to,
+for systems that lack /usr/share/common-licenses.
+"""
+
+import os
+import re
+import sys
+
+PACKAGES = {
+    "shared": [("llhttp, the parser of requests", "node-llhttp")],
+    "static": [
+        ("llhttp, the parser of requests", "node-llhttp"),
+        ("TinyXML, the XML library", "libtinyxml-dev"),
+        ("libmd, the MD5 library", "libmd-dev"),
+        ("The GNU C library", "libc6-dev-armhf-cross"),
+        ("The C++ runtime of GCC", "libstdc++-12-dev-armhf-cross"),
+    ],
+}
+TEXTS = ["GPL-2", "GPL-3", "LGPL-2.1", "Apache-2.0"]
+
+
+def read(*path):
+    with open(os.path.join(*path), encoding="utf-8", errors="replace") as file:
+        return file.read().strip()
+
+
+def notices_in(source):
+    """Each comment of a source that names a holder of rights, once."""
+    comments = re.findall(r"/\*.*?\*/", source, re.S)
+    found = [text for text in comments if re.search(r"Copyright ?\(c\)", text)]
+    plain = [re.sub(r"^[ /]*\*+ ?/?|\*/$", "", text, flags=re.M).strip() for text in found]
+    return "\n\n".join(dict.fromkeys(plain))
+
+
+def parts(top, mongoose, kind, *options):
+    yield "webctrl", read(top, "LICENSE")
+    notices = notices_in(read(mongoose, "mongoose.c"))
+    if not notices:
+        sys.exit(f"notices: {mongoose}/mongoose.c names no holder of rights")
+    yield "Mongoose, the HTTP library", notices
+    yield "Preact, in the pages", read(top, "web/node_modules/preact/LICENSE")
+    for what, package in PACKAGES[kind]:
+        yield what, read("/usr/share/doc", package, "copyright")
+    for name in TEXTS if options else []:
+        yield name, read("/usr/share/common-licenses", name)
+
+
+def main():
+    if len(sys.argv) < 4 or sys.argv[3] not in PACKAGES or sys.argv[4:] not in ([], ["--texts"]):
+        sys.exit(__doc__)
+    for heading, text in parts(*sys.argv[1:]):
+        print(f"{heading}\n{'=' * len(heading)}\n\n{text}\n")
+
+
+if __name__ == "__main__":
+    main()
