@@ -68,6 +68,6 @@ run_watched() {
 on_signal() {
   case $1 in
     end) kill -TERM -- "-$2" 2>/dev/null || true ;;
-    wait) say "ends as soon as what is being installed is whole" ;;
+    wait) say "stopping as soon as the packages are completely installed" ;;
   esac
 }

@@ -80,7 +80,7 @@ def test_interrupt_lets_an_installation_end_and_nothing_follow(newcomer, tmp_pat
     process = newcomer("install")
     os.killpg(process.pid, signal.SIGINT)
     assert "installing" in process.stdout.readline()
-    assert "ends as soon as" in process.stdout.readline()
+    assert "stopping as soon as" in process.stdout.readline()
     assert process.poll() is None
     (tmp_path / "go").touch()
     text = process.communicate(timeout=20)[0]

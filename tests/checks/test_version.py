@@ -1,4 +1,4 @@
-"""The version stands in the file VERSION; whoever tells it tells this one."""
+"""The version stands in the file VERSION; everything else that names a version names this one."""
 
 import datetime
 import os

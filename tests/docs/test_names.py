@@ -44,6 +44,8 @@ ALLOWED = {
     "-d ''": "an option of curl",
     "ulimit -v": "a command of the shell",
     "LimitAS=": "a setting of systemd",
+    "ss -ltnp 'sport = :80'": "a command of iproute2",
+    "SIOCSIFADDR: Operation not permitted": "a message of ifconfig",
     "SUBDEVID_k": "k stands for a number",
     "stBuzzer": "the section of the worked example",
     "2026-01-31 08:05:09": "an example of a time",
