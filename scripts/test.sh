@@ -3,7 +3,8 @@
 #
 # test.sh [--may-skip <file>] [stage]...: installs what is missing, builds, and runs every test and
 # check. Works on a bare Debian 12 and from any folder. Without a stage all run in order; one that fails
-# does not stop the later ones, except that nothing runs without the packages and the build.
+# does not stop the later ones, except that nothing runs without the packages and the build. The stage
+# quick is by hand only: what a minute can tell of a change, after the stage build.
 #
 # The summary counts what passed, failed and was skipped, with every reason. With --may-skip a test that
 # was skipped and is not in the file is a failure.
@@ -11,6 +12,7 @@
 . "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 stages="deps build test format asan tsan static fuzz cross package"
+by_hand="quick"
 jobs=$(nproc)
 results=$root/build/results
 allowed=
@@ -26,12 +28,13 @@ configure_and_build() {
 run_ctest() {
   local preset=$1
   shift
-  "${runner[@]}" scripts/results/ctest.sh "build/$preset" -j "$jobs" "$@"
+  "${runner[@]}" scripts/results/ctest.sh "build/$preset" -j $((4 * jobs)) "$@"
 }
 
 stage_deps() { scripts/install-deps.sh build run test ui check; }
 stage_build() { configure_and_build release; }
 stage_test() { run_ctest release; }
+stage_quick() { run_ctest release -R '^(unit|fuzz|blackbox)\.' -LE waits; }
 stage_format() { scripts/checks/format.sh; }
 
 # The instrumented builds repeat what drives our C++ and leaves its memory and threads alone.
@@ -58,8 +61,8 @@ stage_static() {
   return "$status"
 }
 
-# Half a minute for each target, beside the replay of their corpora in the other stages.
-stage_fuzz() { scripts/fuzz.sh 30; }
+# A quarter of a minute for each target, beside the replay of their corpora in the other stages.
+stage_fuzz() { scripts/fuzz.sh 15; }
 
 # For a recorder's processor, and the black-box tests under an emulator.
 stage_cross() { scripts/cross.sh; }
@@ -90,7 +93,8 @@ fi
 # shellcheck disable=SC2086  # a list of words
 [ $# -gt 0 ] || set -- $stages
 for stage in "$@"; do
-  grep -qw -- "$stage" <<<"$stages" || fail "no stage \"$stage\"; there are: $stages"
+  grep -qw -- "$stage" <<<"$stages $by_hand" ||
+    fail "no stage \"$stage\"; there are: $stages $by_hand"
 done
 cd "$root"
 rm -rf "$results"
