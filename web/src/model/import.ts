@@ -16,6 +16,8 @@ const kIdentity = new RegExp('/(?:strFD_(?:DeviceNo|DeviceNum|LicensePlate|Phone
     'uiFD_(?:LocalIp|IP|NetMask|GateWay|DNS))$');
 
 export const identifies = (path: string) => kIdentity.test(path);
+export const isStatus = (path: string) => kNoSetting.test(path);
+export const isLive = (path: string) => kLive.test(path);
 
 // The file's device number when it is not this recorder's.
 export function foreignNumber(now: Settings, file: Settings): string | null {
@@ -30,8 +32,8 @@ export function compareFile(now: Settings, file: Settings): ImportRow[] {
   for (const [path, to] of file) {
     const held = now.get(path);
     const from = held === undefined ? null : held;
-    if (kNoSetting.test(path) || from === to) continue;
-    rows.push({path, from, to, chosen: !kLive.test(path) && !(foreign && identifies(path))});
+    if (isStatus(path) || from === to) continue;
+    rows.push({path, from, to, chosen: !isLive(path) && !(foreign && identifies(path))});
   }
   return rows;
 }

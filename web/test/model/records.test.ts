@@ -1,43 +1,10 @@
 // Widths and ranges of the pages against the daemon's own records, so that neither side can change
 // alone. A text field of a record keeps one byte for its end.
 import assert from 'node:assert/strict';
-import {readdirSync, readFileSync} from 'node:fs';
-import {join} from 'node:path';
 import test from 'node:test';
 import {kSections, type Read} from '../../src/model/sections';
 import {kReplies} from '../../src/recorder/replies';
-
-declare const PROJECT: string;
-
-const kRecords = join(PROJECT, 'config');
-
-interface Member { text: boolean; most: number }  // bytes of a text, else the largest number
-type Members = Map<string, Member>;
-
-const kNumbers: Record<string, number> = {
-  uint8_t: 0xff, uint16_t: 0xffff, uint32_t: 0xffffffff,
-};
-
-// The members of every record, by the record's name.
-function readRecords(): Map<string, Members> {
-  const records = new Map<string, Members>();
-  for (const file of readdirSync(kRecords).filter((name) => /^Records\w*\.h$/.test(name))) {
-    const source = readFileSync(join(kRecords, file), 'utf8').replace(/\/\/.*/g, '');
-    for (const [, name = '', body = ''] of source.matchAll(/struct (\w+) \{([^]*?)\n\};/g)) {
-      const members: Members = new Map();
-      for (const [, type = '', list = ''] of body.matchAll(/^\s*(char|uint\d+_t) ([^;(]+);/gm)) {
-        for (const declared of list.split(',')) {
-          const [, member = '', sizes = ''] = /^\s*(\w+)((?:\[\d+\])*)\s*$/.exec(declared) || [];
-          const last = /\[(\d+)\]$/.exec(sizes);
-          members.set(member, type === 'char' ? {text: true, most: Number(last && last[1]) - 1}
-            : {text: false, most: kNumbers[type] || 0});
-        }
-      }
-      records.set(name, members);
-    }
-  }
-  return records;
-}
+import {readRecords, type Member} from './daemon';
 
 const records = readRecords();
 
