@@ -23,9 +23,9 @@ export interface Attribute {
   status?: boolean;  // told by the recorder, no setting
 }
 
-// A number's width and a decimal show in the name's prefix. Behind ":" stands what does not: a text's
-// width, "c" or "i" a number of 8 or 32 bits, "a" an address, "t" a time of day, "x128" digits for
-// 128 bytes, "-" no value that is kept. "!" marks identity.
+// A number's width and a decimal show in the name's prefix. Behind ":" stands what does not: the
+// width of a text, "c" or "i" a number of 8 or 32 bits, "a" an address, "t" a time of day, "x128"
+// digits for 128 bytes, "-" no value that is kept. "!" marks identity.
 const kSections: Record<string, string> = {
   stBaseInfo: 'strFD_DeviceNo:15! ucFD_TimeZone ucFD_TZAdjust ucFD_DstEnable ucFD_DstFromMon ' +
       'ucFD_DstFromDay ucFD_DstToMon ucFD_DstToDay ucFD_NowIsDst ucFD_DateStyle ucFD_GpsMode ' +
@@ -102,8 +102,8 @@ const kBits: Record<string, number> = {c: 8, s: 16, i: 32};
 const kKinds: Record<string, Kind> = {a: 'address', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
 const kRow = /^(\w+?)(?::([a-z-]?)(\d*))?(!?)$/;
 const kPrefix = /^(?:u([csi])|(f))(?=FD_|[A-Z])/;
-const kOnOff = new RegExp('(?:Enable|EnableFlag|Enable(?:HR808|JSIASS|ROI)|Disable(?:Audio|Video)|' +
-    'HaveAudio|LeftRight|UpDown|NowIsDst|GpsSTFlag)$');
+const kOnOff = new RegExp('(?:Enable|EnableFlag|Enable(?:HR808|JSIASS|ROI)|' +
+    'Disable(?:Audio|Video)|HaveAudio|LeftRight|UpDown|NowIsDst|GpsSTFlag)$');
 const kFlags = 'stGB28181/ucFD_Enable';  // more than one switch in a byte
 const kDeviceNo = 'stBaseInfo/strFD_DeviceNo';
 

@@ -5,7 +5,7 @@ import type {FileError} from '../recorder/config';
 import {chooseFile, chooseRows, importRows, restoreImported} from '../state/transfer';
 import {get} from '../state/store';
 import {t, type WordKey} from '../words';
-import {itemWord, sectionWord, settingWord} from '../words/settings';
+import {attributeWords, itemWords, sectionWords} from '../words/settings';
 import {Icon} from './parts/Icon';
 import {Notice} from './parts/Notice';
 import {NoteLine, StepNote} from './parts/SectionNote';
@@ -14,7 +14,7 @@ const shown = (path: string, value: string | null) =>
   value === null ? t('value.absent') : !value ? t('value.none')
     : isSecret(path) ? t('value.hidden') : value;
 
-const nameOf = (path: string) => [itemWord(path), settingWord(path)].filter(Boolean).join(' · ');
+const nameOf = (path: string) => [itemWords(path), attributeWords(path)].filter(Boolean).join(' · ');
 
 // What the recorder took otherwise than it was sent.
 const Held = ({rows}: {rows: ImportRow[]}) => <table class="changes">
@@ -23,7 +23,7 @@ const Held = ({rows}: {rows: ImportRow[]}) => <table class="changes">
     <th scope="col">{t('import.file')}</th><th scope="col">{t('import.now')}</th>
   </tr></thead>
   <tbody>{rows.map(({path, from, to}) => <tr key={path} data-change={path}>
-    <th scope="row" title={path}>{sectionWord(sectionOf(path))} · {nameOf(path)}</th>
+    <th scope="row" title={path}>{sectionWords(sectionOf(path))} · {nameOf(path)}</th>
     <td>{shown(path, from)}</td><td>{shown(path, to)}</td>
   </tr>)}</tbody>
 </table>;
@@ -48,7 +48,7 @@ function Group({name, rows}: {name: string; rows: ImportRow[]}) {
     <tr class="group">
       <td><input type="checkbox" id={id} class="tick" checked={all}
         onClick={() => chooseRows(rows.map(({path}) => path), !all)} /></td>
-      <th scope="rowgroup" colSpan={3}><label for={id}>{sectionWord(name)}</label></th>
+      <th scope="rowgroup" colSpan={3}><label for={id}>{sectionWords(name)}</label></th>
     </tr>
     {rows.map((row) => <Row key={row.path} row={row} />)}
   </tbody>;

@@ -23,7 +23,8 @@ export function readRecords(): Map<string, Members> {
   for (const source of sources(/^Records\w*\.h$/)) {
     for (const [, name = '', body = ''] of source.matchAll(/struct (\w+) \{([^]*?)\n\};/g)) {
       const members: Members = new Map();
-      for (const [, type = '', list = ''] of body.matchAll(/^\s*(char|float|uint\d+_t) ([^;(]+);/gm)) {
+      const declarations = body.matchAll(/^\s*(char|float|uint\d+_t) ([^;(]+);/gm);
+      for (const [, type = '', list = ''] of declarations) {
         for (const declared of list.split(',')) {
           const [, member = '', sizes = ''] = /^\s*(\w+)((?:\[\d+\])*)\s*$/.exec(declared) || [];
           const last = /\[(\d+)\]$/.exec(sizes);
@@ -60,6 +61,7 @@ export function readTables(): Row[] {
 
 // How long a device number must be and may be.
 export function deviceNoLength(): number[] {
-  const [, least, most] = /nLen < (\d+) \|\| nLen > (\d+)/.exec(sources(/^ImportDevice/).join()) || [];
+  const source = sources(/^ImportDevice/).join();
+  const [, least, most] = /nLen < (\d+) \|\| nLen > (\d+)/.exec(source) || [];
   return [Number(least), Number(most)];
 }
