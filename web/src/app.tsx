@@ -6,6 +6,7 @@ import {passGate, sessionId, sheetUrl} from './recorder/gate';
 import type {PageId} from './model/sections';
 import {waiting} from './state/editing';
 import {watchHealth, whenRecovered} from './state/health';
+import {loadLabels} from './state/labels';
 import {loadPreferences} from './state/preferences';
 import {read, startRoute} from './state/route';
 import {expire, setBuild, takeNewPages} from './state/session';
@@ -76,6 +77,7 @@ function openApp(root: HTMLElement) {
   root.textContent = '';
   render(<App />, root);
   read();
+  void loadLabels();
 }
 
 async function start() {

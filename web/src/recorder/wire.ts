@@ -106,6 +106,12 @@ export async function readClock(): Promise<number> {
 }
 export const serviceTime = () => queue.add(readClock, 'send', true);
 
+// A file of the deployment's own beside the pages; null where there is none.
+export async function readFile(name: string): Promise<Uint8Array | null> {
+  const {reply, bytes} = await request(name, {}, kWaitMs);
+  return reply.ok ? bytes : null;
+}
+
 // Whether anything answers at another address of the recorder.
 export async function answers(origin: string): Promise<boolean> {
   try {

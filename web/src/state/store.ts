@@ -4,6 +4,7 @@ import type {Problems} from '../model/checks';
 import type {SaveEnd} from '../model/save';
 import type {PageId, SectionId} from '../model/sections';
 import type {ImportRow} from '../model/import';
+import type {Labels, LabelsError} from '../model/labels';
 import type {FileError, Settings} from '../recorder/config';
 import type {FaultKind} from '../recorder/fault';
 import type {Lock} from '../recorder/lock';
@@ -80,6 +81,7 @@ export interface State {
   dialog: Dialog | null;
   lock: LockState;
   transfer: Transfer;
+  labels: {names: Labels; error: LabelsError | null};  // of code numbers
   expired: boolean;  // the session has ended; the sign-in follows
 }
 
@@ -89,6 +91,7 @@ const kStart: State = {
   lock: {lock: null, at: 0, loading: {state: 'waiting'}, busy: false, end: null},
   transfer: {exporting: false, exported: null, name: null, error: null, rows: [], foreign: null,
     step: null, end: null, moving: null, former: null},
+  labels: {names: new Map(), error: null},
 };
 
 let state = kStart;

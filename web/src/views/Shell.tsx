@@ -7,6 +7,7 @@ import {get} from '../state/store';
 import {t} from '../words';
 import {Banner} from './parts/Banner';
 import {Icon} from './parts/Icon';
+import {LabelsNotice} from './parts/LabelsNotice';
 import {LanguageSwitch, ThemeSwitch} from './parts/Switches';
 
 const Header = () => <header class="bar">
@@ -53,6 +54,7 @@ export function Shell({children}: {children: ComponentChildren}) {
     <main id="main" tabIndex={-1} class={known ? '' : 'stale'} data-page={page}>
       <h1>{t(`page.${page}`)}</h1>
       <Banner />
+      {page !== 'status' && <LabelsNotice />}
       {children}
     </main>
   </>;

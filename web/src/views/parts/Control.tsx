@@ -2,6 +2,7 @@
 import {useState} from 'preact/hooks';
 import {isOn, type Field} from '../../model/fields';
 import {clockText} from '../../model/clock';
+import {namesOf, sameCode} from '../../state/labels';
 import {t} from '../../words';
 
 export interface ControlProps {
@@ -54,16 +55,26 @@ const SwitchControl = (props: ControlProps) => <input {...common(props)} type="c
     else props.onValue(checked ? '1' : '0');
   }} />;
 
-// A value that is none of the options is shown as it is.
-function ChoiceControl(props: ControlProps) {
-  const {field: {options = []}, value = ''} = props;
-  const known = options.some(([option]) => option === value);
-  return <select {...common(props)} value={value} disabled={false}
+// The deployment's names go before the field's own. The recorder's value and the one that is chosen
+// can be chosen in any case, as they are where nothing names them.
+function optionsOf({field, value = '', held}: ControlProps & {held: string}) {
+  const options = namesOf(field.path);
+  const add = (option: string, text: string) => {
+    if (!options.some(([known]) => sameCode(known, option))) options.push([option, text]);
+  };
+  for (const [option, label] of field.options || []) add(option, t(label));
+  for (const other of held ? [held, value] : [value])
+    add(other, other ? t('choice.other', {value: other}) : t('value.none'));
+  return options;
+}
+
+function ChoiceControl(props: ControlProps & {held: string}) {
+  const {value = ''} = props;
+  const options = optionsOf(props);
+  const [chosen = value] = options.find(([option]) => sameCode(option, value)) || [];
+  return <select {...common(props)} value={chosen} disabled={false}
     onChange={(event) => props.onValue(event.currentTarget.value)}>
-    {!known && <option value={value}>
-      {value ? t('choice.other', {value}) : t('value.none')}
-    </option>}
-    {options.map(([option, label]) => <option key={option} value={option}>{t(label)}</option>)}
+    {options.map(([option, text]) => <option key={option} value={option}>{text}</option>)}
   </select>;
 }
 
@@ -93,7 +104,9 @@ function ClockControl(props: ControlProps & {held: string}) {
 }
 
 export function Control(props: ControlProps & {held: string}) {
-  switch (props.field.kind) {
+  const {kind, path} = props.field;
+  if (kind === 'number' && namesOf(path).length) return <ChoiceControl {...props} />;
+  switch (kind) {
     case 'secret': return <SecretControl {...props} />;
     case 'switch': return <SwitchControl {...props} />;
     case 'choice': return <ChoiceControl {...props} />;

@@ -3,6 +3,7 @@ import {storedLength, wireLength} from '../../recorder/gbk';
 import type {Field} from '../../model/fields';
 import type {SectionId} from '../../model/sections';
 import {resolveConflict, type} from '../../state/editing';
+import {namesOf} from '../../state/labels';
 import {sectionState, shownValues} from '../../state/store';
 import {t} from '../../words';
 import {Control} from './Control';
@@ -11,7 +12,8 @@ import {display, idOf, labelOf} from './words';
 const kNearlyFull = 0.8;
 
 function limitText(field: Field): string {
-  const {kind, min, max, least = 0} = field;
+  const {kind, path, min, max, least = 0} = field;
+  if (namesOf(path).length) return '';
   if (kind === 'number' && min !== undefined && max !== undefined)
     return t('limit.range', {min, max});
   const most = field.most || field.bytes;

@@ -1,5 +1,6 @@
 // Values and fields as the user knows them.
 import {isOn, type Field} from '../../model/fields';
+import {nameOf} from '../../state/labels';
 import {t} from '../../words';
 
 export function labelOf(field: Field): string {
@@ -14,7 +15,8 @@ export function display(field: Field, value: string | undefined): string {
   if (field.kind === 'switch') return t(isOn(value) ? 'on' : 'off');
   if (field.kind === 'clock') return value === 'now' ? t('clock.now') : value;
   const option = (field.options || []).find(([known]) => known === value);
-  return option ? t(option[1]) : value;
+  const named = nameOf(field.path, value);
+  return named === value && option ? t(option[1]) : named;
 }
 
 export const idOf = (path: string) => path.replace(/\W/g, '-');
