@@ -1,7 +1,11 @@
 import assert from 'node:assert/strict';
+import {readFileSync} from 'node:fs';
+import {join} from 'node:path';
 import test from 'node:test';
 import {codePaths, largestCode, readLabels} from '../../src/model/labels';
 import {attributeOf} from '../../src/model/schema';
+
+declare const PROJECT: string;
 
 const read = (text: string) => readLabels(new TextEncoder().encode(text));
 const auth = (body: string) => `{"stWifi/ucFD_AuthMode": ${body}}`;
@@ -65,4 +69,16 @@ test('every code is a number of the records and has their range', () => {
     assert.ok(attribute && !attribute.onOff, path);
     assert.deepEqual([attribute.kind, attribute.max], ['number', largestCode(path)], path);
   }
+});
+
+const kDeployment = readFileSync(join(PROJECT, 'docs/deployment.md'), 'utf8');
+
+test('the example of the manual is a good file, and its table names every code', () => {
+  const [, example = ''] = /^```json\n([^]*?)^```/m.exec(kDeployment) || [];
+  const file = read(example);
+  assert.ok('labels' in file && file.labels.size === 2);
+  const rows = [...kDeployment.matchAll(/^\| `(st\w+)` \| (.+) \|$/gm)];
+  const told = rows.flatMap(([, section, names = '']) =>
+    names.split(', ').map((name) => `${section}/${name.replace(/`/g, '')}`));
+  assert.deepEqual(told, codePaths());
 });
