@@ -7,7 +7,8 @@ import {mkdirSync, readFileSync, readdirSync, renameSync, rmSync, utimesSync, wr
 import {join, resolve} from 'node:path';
 import {fileURLToPath} from 'node:url';
 import {gzipSync} from 'node:zlib';
-import {build, transform} from 'esbuild';
+import {transform} from 'esbuild';
+import {scripts} from './split.mjs';
 
 const kHere = fileURLToPath(new URL('.', import.meta.url));
 const kTarget = ['chrome70', 'firefox65', 'safari12.1'];
@@ -19,18 +20,6 @@ const kIsText = /\.(?:html|css|js|svg)$/;
 
 const read = (...path) => readFileSync(join(kHere, ...path), 'utf8');
 const hash = (text) => createHash('sha256').update(text).digest('hex').slice(0, 10);
-
-async function script(name) {
-  const result = await build({
-    entryPoints: [join(kHere, 'src', `${name}.tsx`)],
-    bundle: true, minify: true, write: false, format: 'iife', target: kTarget, charset: 'utf8',
-    jsx: 'automatic', jsxImportSource: 'preact', legalComments: 'none',
-    logLevel: 'warning',
-    // Safari 12 has it but for a rare form of assignment that is not used here.
-    supported: {destructuring: true},
-  });
-  return result.outputFiles[0].text;
-}
 
 async function sheet(name) {
   const {code} = await transform(read('styles', `${name}.css`),
@@ -48,11 +37,13 @@ async function make() {
     files.set(path, text);
     return path;
   };
-  const [login, app, base, page, sets] = await Promise.all(
-      [script('login'), script('app'), sheet('base'), sheet('page'), sheet('sets')]);
+  const [{login, app, later}, base, page, sets] =
+      await Promise.all([scripts(kHere), sheet('base'), sheet('page'), sheet('sets')]);
+  const comeLater = [...later]
+      .map(([name, text]) => `data-${name}="${asset(name, 'js', text)}"`).join(' ');
   const words = {
     BASE: asset('base', 'css', base), LOGIN: asset('login', 'js', login),
-    APP: asset('app', 'js', app),
+    APP: asset('app', 'js', app), LATER: comeLater,
     // A browser looks at the icon again at each change of page, and keeps what has a hash.
     ICON: asset('icon', 'svg', read('documents', 'icon.svg')),
   };

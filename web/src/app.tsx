@@ -9,6 +9,7 @@ import {watchHealth, whenRecovered} from './state/health';
 import {loadLabels} from './state/labels';
 import {loadPreferences} from './state/preferences';
 import {read, startRoute} from './state/route';
+import {setScripts} from './state/scripts';
 import {expire, setBuild, takeNewPages} from './state/session';
 import {watchVisibility} from './state/status';
 import {get} from './state/store';
@@ -18,10 +19,10 @@ import {login as enLogin} from './words/en-login';
 import {zh} from './words/zh';
 import {login as zhLogin} from './words/zh-login';
 import {Device} from './views/Device';
-import {Maintenance} from './views/Maintenance';
 import {Network} from './views/Network';
 import {Dialogs} from './views/Dialogs';
 import {Platforms} from './views/Platforms';
+import {Later} from './views/Later';
 import {Security} from './views/Security';
 import {Shell} from './views/Shell';
 import {Status} from './views/Status';
@@ -31,7 +32,7 @@ import {saveHere} from './views/parts/saveHere';
 
 const kViews: Record<PageId, () => preact.JSX.Element> = {
   status: Status, device: Device, video: Video, network: Network, platforms: Platforms,
-  security: Security, maintenance: Maintenance,
+  security: Security, maintenance: Later, settings: Later, fleet: Later,
 };
 
 function App() {
@@ -82,7 +83,9 @@ function openApp(root: HTMLElement) {
 
 async function start() {
   const root = document.getElementById('app')!;
-  setBuild((document.currentScript && document.currentScript.getAttribute('data-build')) || '');
+  const own = document.currentScript ? document.currentScript.dataset : {};
+  setBuild(own.build || '');
+  setScripts(own);
   addWords('en', {...enLogin, ...en});
   addWords('zh', {...zhLogin, ...zh});
   loadPreferences();

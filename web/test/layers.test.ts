@@ -11,6 +11,7 @@ const kMostLines = 300;
 // What a layer may import besides itself. Types of the words may go everywhere.
 const kMay: Record<string, string[]> = {
   recorder: [], words: [], model: ['recorder'], state: ['recorder', 'model', 'words'],
+  later: ['state', 'words', 'views'],
   views: ['recorder', 'model', 'state', 'words', 'preact'],
   '': ['recorder', 'model', 'state', 'words', 'views', 'preact'],
 };

@@ -12,6 +12,9 @@ const kIpv4 = /^(?:(?:25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)(?:\.(?!$)|$)){4}$/;
 const kHost = /^(?!-)[a-z0-9-]{1,63}(?:\.[a-z0-9-]{1,63})*$/i;
 const kMac = /^[0-9a-f]{2}(?:([:-])[0-9a-f]{2})(?:\1[0-9a-f]{2}){4}$|^[0-9a-f]{12}$/i;
 const kClock = /^(?:now|\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)?$/;
+const kDecimal = /^-?\d{1,9}(?:\.\d{1,6})?$/;
+const kTime = /^(?:[01]?\d|2[0-3]):[0-5]?\d(?::[0-5]?\d)?$/;
+const kHex = /^(?:0x)?((?:[0-9a-f]{2})*)$/i;
 const kNone = '0.0.0.0';
 
 export const isAddress = (text: string) => kIpv4.test(text);
@@ -65,6 +68,12 @@ function checkAddress(field: Field, value: string, values: Values): Problem | nu
 const matches = (pattern: RegExp, key: WordKey) => (_: Field, value: string) =>
   pattern.test(value) ? null : problem(key);
 
+function checkHex({bytes = Infinity}: Field, value: string): Problem | null {
+  const digits = kHex.exec(value);
+  const most = 2 * bytes;
+  return digits && (digits[1] || '').length <= most ? null : problem('error.hex', {most});
+}
+
 type Check = (field: Field, value: string, values: Values) => Problem | null;
 const kChecks: Record<Field['kind'], Check> = {
   text: checkText,
@@ -78,6 +87,9 @@ const kChecks: Record<Field['kind'], Check> = {
     checkText(field, value) || matches(kHost, 'error.host')(field, value),
   mac: (_, value) => value === '' || kMac.test(value) ? null : problem('error.mac'),
   clock: matches(kClock, 'error.clock'),
+  decimal: matches(kDecimal, 'error.decimal'),
+  time: matches(kTime, 'error.time'),
+  hex: checkHex,
 };
 
 // What is wrong with a field, or null.

@@ -4,15 +4,18 @@ import type {WordKey} from '../words';
 // Texts by path, as the recorder has them. A path that is missing is not known.
 export type Values = Record<string, string>;
 
+// A word of the pages, or one that is made from the setting's name.
+export type Label = WordKey | (() => string);
+
 export interface Field {
   path: string;  // in the configuration, and its name everywhere in the pages
   wire?: string;  // its variable in the section's own endpoints
   kind: 'text' | 'secret' | 'number' | 'switch' | 'choice' | 'address' | 'mask' | 'host' | 'mac'
-    | 'clock';
-  label: WordKey;
+    | 'clock' | 'decimal' | 'time' | 'hex';
+  label: Label;
+  group?: () => string;  // what a label that is made belongs to
   labelValues?: Record<string, string | number>;
   help?: WordKey;
-  unit?: WordKey;
   bytes?: number;  // what the recorder's record holds
   least?: number;  // bytes
   most?: number;  // bytes, where less than the record holds is right
@@ -23,6 +26,8 @@ export interface Field {
   live?: boolean;  // changes by itself, so it is never compared
   inside?: readonly [string, string];  // paths of the address and mask of its network
   needed?: boolean;  // must be known before it is sent
+  fixed?: boolean;  // told by the recorder, no setting
+  apart?: boolean;  // identifies this recorder: nothing for another one
   entities?: boolean;  // the value travels with entities, which must fit too
 }
 
@@ -43,7 +48,7 @@ export const onOff: Make = (path, label, more) => ({path, kind: 'switch', label,
 export const address: Make = (path, label, more) => ({path, kind: 'address', label, ...more});
 export const netmask: Make = (path, label, more) => ({path, kind: 'mask', label, ...more});
 
-const kTrimmed = new Set(['number', 'address', 'mask', 'host', 'mac']);
+const kTrimmed = new Set(['number', 'address', 'mask', 'host', 'mac', 'decimal', 'time', 'hex']);
 
 // What is meant by what was typed.
 export const meant = (field: Field, value: string) =>

@@ -2,6 +2,7 @@
 // endpoint writes the IDs of eight channels and knows those of one, so that changes are imported.
 import {code, isOn, onOff, port, secret, text, type Field, type Values} from './fields';
 import type {Read} from './sections';
+import type {WordKey} from '../words';
 
 const kSection = 'stGB28181/';
 const kFlags = `${kSection}ucFD_Enable`;
@@ -31,7 +32,7 @@ const idFields = (k: number): Field[] => [
 ];
 
 export function gbFields(read: Read): Field[] {
-  const plain = (name: string, label: Field['label']) =>
+  const plain = (name: string, label: WordKey) =>
     text(kSection + name, label, 31, {wire: name});
   const ids: Field[] = [];
   for (let k = 0; k < channels(read); k++) ids.push(...idFields(k));

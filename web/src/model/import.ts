@@ -38,6 +38,26 @@ export function compareFile(now: Settings, file: Settings): ImportRow[] {
   return rows;
 }
 
+// What became of a setting of a file: the recorder held it already, took it, kept its own value
+// instead, was not asked, or did not tell.
+export type Took = 'same' | 'taken' | 'kept' | 'left' | 'unknown';
+export interface Line { path: string; from: string | null; to: string; took: Took }
+
+// Every setting of a file after its import; `after` is null when it could not be read back.
+export function linesOf(file: Settings, rows: ImportRow[], after: Settings | null): Line[] {
+  const compared = new Map(rows.map((row) => [row.path, row]));
+  const took = (row: ImportRow | undefined, path: string, to: string): Took =>
+    !row ? 'same' : !row.chosen ? 'left' : !after ? 'unknown'
+      : after.get(path) === to ? 'taken' : 'kept';
+  const lines: Line[] = [];
+  for (const [path, to] of file) {
+    if (isStatus(path)) continue;
+    const row = compared.get(path);
+    lines.push({path, to, from: row ? row.from : to, took: took(row, path, to)});
+  }
+  return lines;
+}
+
 export const sectionOf = (path: string) => path.split('/')[0] || '';
 
 export const chosenOf = (rows: ImportRow[]): [string, string][] =>

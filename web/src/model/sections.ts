@@ -8,9 +8,10 @@ import type {Query} from '../recorder/replies';
 import type {WordKey} from '../words';
 
 export type PageId =
-    'status' | 'device' | 'video' | 'network' | 'platforms' | 'security' | 'maintenance';
+    'status' | 'device' | 'video' | 'network' | 'platforms' | 'security' | 'maintenance'
+    | 'settings' | 'fleet';
 export type SectionId = 'base' | 'language' | 'cameras' | 'subStream' | 'wifi' | 'mobile'
-    | 'localEth0' | 'netMode' | 'server' | 'gb28181' | 'password';
+    | 'localEth0' | 'netMode' | 'server' | 'gb28181' | 'password' | 'all';
 
 // What was read for a section: the endpoint's values, the whole configuration where it needs it.
 export interface Read { reply: Values; settings: Settings | null }
@@ -18,6 +19,7 @@ export interface Read { reply: Values; settings: Settings | null }
 export interface Section {
   id: SectionId;
   page: PageId;
+  also?: PageId;  // shows it, too, and changes nothing
   title: WordKey;
   get?: Query;  // asked always, or, with `whole`, where the configuration cannot be had
   whole?: boolean;
@@ -89,6 +91,10 @@ function wifiFields({reply}: Read): Field[] {
 }
 
 const entities = {entities: true};
+
+// Every setting has a field once the script of the pages that show them has come.
+let every: Section['fields'] = () => [];
+export const giveFields = (fields: Section['fields']) => { every = fields; };
 
 export const kSections: readonly Section[] = [
   {
@@ -174,9 +180,15 @@ export const kSections: readonly Section[] = [
         secret('repeat', 'repeatPassword', 127, {least: 1, ...entities})),
     values: () => ({current: '', fresh: '', repeat: ''}),
   },
+  {
+    id: 'all', page: 'settings', also: 'fleet', title: 'section.all', whole: true,
+    fields: (read) => every(read),
+  },
 ];
 
 export const sectionById = (id: SectionId) => kSections.find((section) => section.id === id)!;
+export const readOn = (page: PageId) =>
+  kSections.filter((section) => section.page === page || section.also === page);
 export const sectionsOf = (page: PageId) => kSections.filter((section) => section.page === page);
 
 // The values of a section's fields.

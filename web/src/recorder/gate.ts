@@ -22,10 +22,13 @@ export const endSession = () => {
 
 export const sheetUrl = (name: string) => `${name}?time=${Date.now()}&SessionID=${sessionId()}`;
 
-// Waits for what was asked for, or throws 'refused' when a file asked for behind it came alone.
-export async function passGate<T>(arrival: Promise<T>): Promise<T> {
+// Something that is asked for behind a sheet, and comes when the service answers at all.
+export type Witness = () => Promise<unknown>;
+
+// Waits for what was asked for, or throws 'refused' when what was asked for behind it came alone.
+export async function passGate<T>(arrival: Promise<T>, witness: Witness = readClock): Promise<T> {
   const begin = Date.now();
-  const refusal = readClock().then(() => new Promise<never>((_, fail) => {
+  const refusal = witness().then(() => new Promise<never>((_, fail) => {
     const grace = Math.max(kGraceMs, kGraceTimes * (Date.now() - begin));
     setTimeout(() => fail(new Fault('refused')), grace);
   }));
@@ -35,9 +38,9 @@ export async function passGate<T>(arrival: Promise<T>): Promise<T> {
 }
 
 // Renews the session. Gives the guarded sheet's text, or throws 'refused'.
-export async function renewSession(): Promise<string> {
+export async function renewSession(witness?: Witness): Promise<string> {
   if (!sessionId()) throw new Fault('refused');
   const sheet = request(sheetUrl('page.css'), {}, kWaitMs)
       .then(({bytes}) => new TextDecoder().decode(bytes));
-  return passGate(sheet);
+  return passGate(sheet, witness);
 }

@@ -33,7 +33,12 @@ function open(values: Values, fields: Field[]): Values {
 export function keepDraft(id: SectionId, fields: Field[], draft: Draft) {
   const typed = open(draft.typed, fields);
   if (!Object.keys(typed).length) return dropDraft(id);
-  const kept: Draft = {base: open(draft.base, fields), typed, sent: draft.sent};
+  const base: Values = {};
+  for (const path of Object.keys(typed)) {
+    const began = draft.base[path];
+    if (began !== undefined) base[path] = began;
+  }
+  const kept: Draft = {base, typed, sent: draft.sent};
   attempt(() => sessionStorage.setItem(kDraft + id, JSON.stringify(kept)), undefined);
 }
 
@@ -44,10 +49,22 @@ const isTexts = (value: unknown): value is Values =>
   typeof value === 'object' && value !== null &&
   Object.values(value).every((text) => typeof text === 'string');
 
-export function loadDraft(id: SectionId): Draft | null {
-  const draft: unknown = attempt(() => JSON.parse(sessionStorage.getItem(kDraft + id) || ''), null);
+function openDraft(text: string | null): Draft | null {
+  const draft: unknown = text && attempt(() => JSON.parse(text), null);
   const {base, typed, sent} = (draft || {}) as Partial<Draft>;
   return isTexts(base) && isTexts(typed) ? {base, typed, sent: sent === true} : null;
+}
+
+// The menu counts drafts each time it is drawn: what is the same text is opened once.
+const opened: Partial<Record<SectionId, {text: string | null; draft: Draft | null}>> = {};
+
+export function loadDraft(id: SectionId): Draft | null {
+  const text = attempt(() => sessionStorage.getItem(kDraft + id), null);
+  const known = opened[id];
+  if (known && known.text === text) return known.draft;
+  const draft = openDraft(text);
+  opened[id] = {text, draft};
+  return draft;
 }
 
 export const dropAllDrafts = () => attempt(() => {

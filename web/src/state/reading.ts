@@ -1,7 +1,7 @@
 // Reads the sections of a page. Sections that need the whole configuration share one reading of it.
 import {applies, type Values} from '../model/fields';
 import {merge} from '../model/merge';
-import {sectionsOf, valuesOf, type PageId, type Read, type Section} from '../model/sections';
+import {readOn, valuesOf, type PageId, type Read, type Section} from '../model/sections';
 import {fetchConfig, type Settings} from '../recorder/config';
 import {Fault, kindOf} from '../recorder/fault';
 import {query, type Turn} from '../recorder/wire';
@@ -43,6 +43,10 @@ export async function readSection(section: Section, turn: Turn = {},
     const {result, values, ms} = await query(section.get, turn);
     if (!result) throw new Fault(ms < kSilenceMs ? 'unreadable' : 'deviceSilent');
     read.reply = values;
+  }
+  if (section.whole && !section.get && !settings) {
+    requireHealth();
+    throw new Fault('unreadable');
   }
   const fields = section.fields(read);
   return {fields, values: valuesOf(section, read, fields)};
@@ -99,7 +103,7 @@ async function load(section: Section, whole: Whole) {
 
 // Reads what a page shows, in the order in which it shows it.
 export async function loadPage(page: PageId) {
-  const sections = sectionsOf(page);
+  const sections = readOn(page);
   let config: Promise<Settings | null> | null = null;
   const whole = () => config || (config = wholeConfig({group: 'page'}));
   for (const section of sections) {

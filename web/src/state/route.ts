@@ -1,14 +1,20 @@
 // Which page is shown: the address decides, so that back, reload and bookmarks work.
 import {sectionsOf, type PageId} from '../model/sections';
-import {queue} from '../recorder/wire';
+import {queue, readClock} from '../recorder/wire';
 import {loadLock} from './passwordLock';
 import {loadPage} from './reading';
+import {bring} from './scripts';
 import {renewBehind} from './session';
-import {get, patchSection, sectionState, set} from './store';
+import {get, patchSection, sectionState, set, type ScriptName} from './store';
 import {pollStatus} from './status';
 
 export const kPages: readonly PageId[] =
-    ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance'];
+    ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance', 'settings',
+      'fleet'];
+
+// Pages whose views come with a script of their own.
+const kScripts: Partial<Record<PageId, ScriptName>> =
+    {maintenance: 'settings', settings: 'settings', fleet: 'settings'};
 
 export function pageOf(hash: string): PageId {
   const name = hash.replace(/^#\/?/, '');
@@ -17,12 +23,26 @@ export function pageOf(hash: string): PageId {
 
 export const addressOf = (page: PageId) => `#/${page}`;
 
+// A page without its script says so.
+async function readWith(script: ScriptName, page: PageId) {
+  const arrived = await bring(script).then(() => true, () => false);
+  if (arrived && get().page === page) await loadPage(page);
+}
+
+// A script that is yet to come tells as well whether the service answers, and spares a request.
+function witnessOf(page: PageId) {
+  const script = kScripts[page];
+  return script && !get().scripts[script] ? () => bring(script).catch(readClock) : undefined;
+}
+
 // Reads what the page shows; again after a silence.
 export function read() {
   const {page} = get();
   for (const group of ['page', 'poll']) queue.drop(group);
   if (page === 'status' || page === 'maintenance') void pollStatus();
-  if (page !== 'status') void loadPage(page);
+  const script = kScripts[page];
+  if (script) void readWith(script, page);
+  else if (page !== 'status') void loadPage(page);
   if (page === 'security') void loadLock();
 }
 
@@ -39,7 +59,7 @@ export function follow() {
   if (page === get().page) return;
   set({page});
   forgetNotes(page);
-  renewBehind();
+  renewBehind(witnessOf(page));
   read();
 }
 

@@ -1,6 +1,6 @@
 // The session: asked about at each change of page and before each save. What was typed survives its
 // end as drafts, without secrets.
-import {endSession, renewSession} from '../recorder/gate';
+import {endSession, renewSession, type Witness} from '../recorder/gate';
 import {kindOf} from '../recorder/fault';
 import {request} from '../recorder/wire';
 import {askUser} from './dialog';
@@ -35,14 +35,14 @@ export function expire() {
 }
 
 // Throws 'refused' when the session has ended.
-export async function renew() {
-  const match = kBuild.exec(await renewSession());
+export async function renew(witness?: Witness) {
+  const match = kBuild.exec(await renewSession(witness));
   await takeNewPages(match && match[1] || '');
 }
 
 // At a change of page; holds nothing up.
-export function renewBehind() {
-  renew().catch((caught) => {
+export function renewBehind(witness?: Witness) {
+  renew(witness).catch((caught) => {
     if (kindOf(caught) === 'refused') expire();
   });
 }

@@ -3,8 +3,9 @@ import type {Change, Field, Values} from '../model/fields';
 import type {Problems} from '../model/checks';
 import type {SaveEnd} from '../model/save';
 import type {PageId, SectionId} from '../model/sections';
-import type {ImportRow} from '../model/import';
 import type {Labels, LabelsError} from '../model/labels';
+import type {ImportRow, Line} from '../model/import';
+import type {Run} from '../model/runs';
 import type {FileError, Settings} from '../recorder/config';
 import type {FaultKind} from '../recorder/fault';
 import type {Lock} from '../recorder/lock';
@@ -15,6 +16,10 @@ export type Health =
     | {state: 'answers'}
     | {state: 'deviceSilent' | 'serviceSilent'; since: number; retryAt: number}
     | {state: 'restarting'; since: number};
+
+// Scripts that come when a page needs them, and how far they are.
+export type ScriptName = 'settings';
+export type ScriptState = 'coming' | 'there' | 'failed';
 
 export type Theme = 'auto' | 'light' | 'dark';
 
@@ -58,6 +63,9 @@ export interface LockState {
   end: SaveEnd | null;
 }
 
+// Which page a file was chosen on.
+export type Purpose = 'file' | 'template';
+
 export interface Transfer {
   exporting: boolean;
   exported: {name: string} | {why: FaultKind} | null;
@@ -65,10 +73,21 @@ export interface Transfer {
   error: FileError | {error: 'read'; why: FaultKind} | null;
   rows: ImportRow[];
   foreign: string | null;  // the file's device number, when it is another recorder's
+  purpose: Purpose;
+  file: Settings | null;  // all that it holds
+  lines: Line[];  // what the recorder took of it
   step: SectionState['step'];
   end: {end: SaveEnd; rows: ImportRow[]; known: Known} | null;
   moving: {where: string; silent: boolean} | null;
   former: Settings | null;
+}
+
+// The template in the making, and what was applied where.
+export interface Fleet {
+  chosen: ReadonlySet<string>;  // paths
+  name: string;
+  saved: {name: string} | {used: number} | null;  // the file, or its bytes when it is too long
+  runs: readonly Run[];
 }
 
 export interface State {
@@ -82,6 +101,8 @@ export interface State {
   lock: LockState;
   transfer: Transfer;
   labels: {names: Labels; error: LabelsError | null};  // of code numbers
+  fleet: Fleet;
+  scripts: Partial<Record<ScriptName, ScriptState>>;
   expired: boolean;  // the session has ended; the sign-in follows
 }
 
@@ -90,8 +111,9 @@ const kStart: State = {
   sections: {}, status: null, dialog: null, expired: false,
   lock: {lock: null, at: 0, loading: {state: 'waiting'}, busy: false, end: null},
   transfer: {exporting: false, exported: null, name: null, error: null, rows: [], foreign: null,
-    step: null, end: null, moving: null, former: null},
+    purpose: 'file', file: null, lines: [], step: null, end: null, moving: null, former: null},
   labels: {names: new Map(), error: null},
+  fleet: {chosen: new Set(), name: '', saved: null, runs: []}, scripts: {},
 };
 
 let state = kStart;

@@ -1,6 +1,6 @@
 // The configuration to a file and back. An import sends the chosen settings and nothing else.
 import {clockText} from '../model/clock';
-import {chosenOf, compareFile, foreignNumber, kDeviceNo, type ImportRow} from '../model/import';
+import {chosenOf, compareFile, foreignNumber, kDeviceNo, linesOf, type ImportRow} from '../model/import';
 import {save, type SaveEnd} from '../model/save';
 import {configOf, fetchConfig, openFile, printFile, printMessage, type Settings}
   from '../recorder/config';
@@ -11,7 +11,7 @@ import {throughRestart} from './health';
 import {followTo, kLocalIp, newOrigin, sendMove} from './move';
 import {endOf} from './saving';
 import {expire, renew} from './session';
-import {get, set, type Step, type Transfer} from './store';
+import {get, set, type Purpose, type Step, type Transfer} from './store';
 
 const kTurn = {group: 'send', urgent: true};
 
@@ -41,16 +41,19 @@ export async function exportFile(offer: (name: string, text: string) => void) {
   }
 }
 
-export async function chooseFile(name: string, bytes: Uint8Array) {
-  patch({name, error: null, rows: [], foreign: null, end: null, moving: null});
+export async function chooseFile(name: string, bytes: Uint8Array, purpose: Purpose = 'file') {
+  if (get().transfer.step) return;
+  patch({name, purpose, error: null, rows: [], foreign: null, end: null, moving: null,
+    file: null, lines: []});
   const file = openFile(bytes);
   if ('error' in file) return patch({error: file});
   step('compare');
   try {
     const {settings} = await config();
     const rows = compareFile(settings, file.settings);
-    patch({rows, foreign: foreignNumber(settings, file.settings),
-      end: rows.length ? null : {end: 'unchanged', rows: [], known: 'read'}});
+    patch({rows, file: file.settings, foreign: foreignNumber(settings, file.settings),
+      ...(rows.length ? {} : {end: {end: 'unchanged', rows: [], known: 'read'},
+        lines: linesOf(file.settings, [], settings)})});
   } catch (caught) {
     patch({error: {error: 'read', why: kindOf(caught)}});
   } finally {
@@ -70,7 +73,9 @@ function settle(wanted: ImportRow[], end: SaveEnd, after: Settings | null) {
   const former: [string, string][] = [];
   for (const {path, from} of wanted) if (from !== null) former.push([path, from]);
   const taken = end === 'applied' || end === 'partly';
+  const {file, rows} = get().transfer;
   patch({
+    lines: file ? linesOf(file, rows, after) : [],
     end: {end, rows: end === 'partly' ? left : [], known: after ? 'read' : 'unknown'},
     ...(taken ? {rows: [], foreign: null, former: new Map(former)} : {}),
   });
@@ -107,7 +112,7 @@ export async function importRows() {
   const from = rows.find(({path}) => path === kLocalIp);
   const move = newOrigin((from && from.from) || undefined, new Map(chosen).get(kLocalIp));
   if (!await askUser({kind: 'import', count: chosen.length, move})) return;
-  patch({end: null});
+  patch({end: null, lines: []});
   try {
     step('session');
     await renew();
@@ -129,7 +134,7 @@ export async function restoreImported() {
   step('compare');
   try {
     const rows = compareFile((await config()).settings, former);
-    patch({rows: rows.map((row) => ({...row, chosen: true})), end: null, former: null});
+    patch({rows: rows.map((row) => ({...row, chosen: true})), file: former, end: null, former: null});
   } catch (caught) {
     patch({error: {error: 'read', why: kindOf(caught)}});
   } finally {

@@ -6,21 +6,9 @@ import {t} from '../words';
 import {Import} from './Import';
 import {Card} from './parts/Card';
 import {Notice} from './parts/Notice';
+import {offer} from './parts/offer';
 import {Skeleton} from './parts/SectionForm';
 import {Rows} from './Status';
-
-const kKeepUrlMs = 10000;  // a browser may read a download a little later
-
-function offer(name: string, text: string) {
-  const url = URL.createObjectURL(new Blob([text], {type: 'application/xml'}));
-  const link = document.createElement('a');
-  link.href = url;
-  link.download = name;
-  document.body.appendChild(link);
-  link.click();
-  link.remove();
-  setTimeout(() => URL.revokeObjectURL(url), kKeepUrlMs);
-}
 
 function ExportNote() {
   const {exporting, exported} = get().transfer;

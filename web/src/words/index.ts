@@ -1,9 +1,10 @@
 // The texts. The user's choice of language goes first, then the recorder's, then the browser's.
 import type {en} from './en';
 import type {login} from './en-login';
+import type {settings} from './en-settings';
 
 export type Language = 'zh' | 'en';
-export type WordKey = keyof typeof en | keyof typeof login;
+export type WordKey = keyof typeof en | keyof typeof login | keyof typeof settings;
 export type Words = Partial<Record<WordKey, string>>;
 
 const books: Record<Language, Words> = {zh: {}, en: {}};

@@ -3,10 +3,11 @@ import type {ComponentChildren} from 'preact';
 import {t, type WordKey} from '../../words';
 import {Icon, type IconName} from './Icon';
 
-interface CardProps { id: string; title: WordKey; icon: IconName; children: ComponentChildren }
+interface CardProps { id: string; title: WordKey; icon: IconName; wide?: boolean;
+  children: ComponentChildren }
 
-export const Card = ({id, title, icon, children}: CardProps) =>
-  <section class="card" data-section={id} aria-labelledby={`${id}-title`}>
+export const Card = ({id, title, icon, wide, children}: CardProps) =>
+  <section class={`card${wide ? ' wide' : ''}`} data-section={id} aria-labelledby={`${id}-title`}>
     <h2 id={`${id}-title`}><Icon name={icon} />{t(title)}</h2>
     {children}
   </section>;

@@ -4,10 +4,10 @@ import type {Field} from '../../model/fields';
 import type {SectionId} from '../../model/sections';
 import {resolveConflict, type} from '../../state/editing';
 import {namesOf} from '../../state/labels';
-import {sectionState, shownValues} from '../../state/store';
+import {sectionState} from '../../state/store';
 import {t} from '../../words';
 import {Control} from './Control';
-import {display, idOf, labelOf} from './words';
+import {display, idOf, labelOf, wordOf} from './words';
 
 const kNearlyFull = 0.8;
 
@@ -49,8 +49,7 @@ interface Props { section: SectionId; field: Field; bare?: boolean }
 export function FieldRow({section, field, bare}: Props) {
   const state = sectionState(section);
   const {path} = field;
-  const shown = shownValues(state);
-  const value = field.live ? state.typed[path] : shown[path];
+  const value = field.live || path in state.typed ? state.typed[path] : state.held[path];
   const id = idOf(path);
   const problem = state.problems[path];
   const conflict = state.conflicts[path];
@@ -58,7 +57,7 @@ export function FieldRow({section, field, bare}: Props) {
     [field.help && t(field.help), limitText(field)].filter(Boolean).join(' ');
   const changed = path in state.typed;
   return <div class={`field ${field.kind}${changed ? ' changed' : ''}`} data-field={path}>
-    {bare ? null : <label class="label" for={id}>{t(field.label)}</label>}
+    {bare ? null : <label class="label" for={id}>{wordOf(field.label)}</label>}
     <Control field={field} id={id} value={value} held={state.held[path] || ''}
       name={bare ? labelOf(field) : undefined} invalid={Boolean(problem)} busy={Boolean(state.step)}
       describedBy={`${id}-hint ${id}-error`} onValue={(next) => type(section, field, next)} />

@@ -8,6 +8,8 @@ const kIcons = {
   platforms: 'M4 4h16v6H4z M4 14h16v6H4z M8 7h.01 M8 17h.01',
   security: 'M6 11h12v9H6z M8.5 11V8a3.5 3.5 0 0 1 7 0v3',
   maintenance: 'M5 4v16 M12 4v16 M19 4v16 M3 9h4 M10 15h4 M17 8h4',
+  settings: 'M4 6h10 M18 6h2 M16 4v4 M4 12h2 M10 12h10 M8 10v4 M4 18h8 M16 18h4 M14 16v4',
+  fleet: 'M3 6h11v9H3z M14 9h4l3 3v3h-7 M7 15a2 2 0 1 0 .01 0 M17 15a2 2 0 1 0 .01 0',
   done: 'M4 12.5l5 5L20 6.5',
   alert: 'M12 4l9 16H3z M12 10v4.5 M12 17.2h.01',
   info: 'M12 3a9 9 0 1 0 0 18 9 9 0 0 0 0-18 M12 11v5 M12 8h.01',

@@ -20,7 +20,7 @@ export function Skeleton({rows}: {rows: number}) {
   </div>;
 }
 
-function Failed({id}: {id: SectionId}) {
+export function Failed({id}: {id: SectionId}) {
   const {loading, fields} = sectionState(id);
   if (loading.state !== 'failed') return null;
   if (get().health.state !== 'answers')
@@ -79,8 +79,10 @@ export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
           {layout ? layout() : shownFields(state, shownValues(state)).map((field) =>
             <FieldRow key={field.path} section={id} field={field} />)}
         </div>
-        {state.step ? <StepNote step={state.step} /> : <NoteLine note={state.note} />}
-        <Actions id={id} />
+        <div class={`foot${state.step || Object.keys(state.typed).length ? ' waits' : ''}`}>
+          {state.step ? <StepNote step={state.step} /> : <NoteLine note={state.note} />}
+          <Actions id={id} />
+        </div>
       </form>}
   </section>;
 }

@@ -1,10 +1,13 @@
 // Values and fields as the user knows them.
-import {isOn, type Field} from '../../model/fields';
 import {nameOf} from '../../state/labels';
+import {isOn, type Field, type Label} from '../../model/fields';
 import {t} from '../../words';
 
+export const wordOf = (label: Label) => typeof label === 'function' ? label() : t(label);
+
 export function labelOf(field: Field): string {
-  const label = t(field.label);
+  const label = wordOf(field.label);
+  if (field.group) return `${field.group()} · ${label}`;
   const channel = field.labelValues && field.labelValues.channel;
   return channel === undefined ? label : t('ofChannel', {channel, label});
 }

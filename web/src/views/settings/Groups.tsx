@@ -1,0 +1,81 @@
+// Settings by section, folded, so that a page of thousands stays quick: a section shows its rows
+// when it is opened or when a search finds something in it, and a part of them at first.
+import type {ComponentChildren} from 'preact';
+import {useState} from 'preact/hooks';
+import {groupsOf, type Group} from '../../model/everyField';
+import type {Field} from '../../model/fields';
+import {t} from '../../words';
+import {sectionWords} from '../../words/settings';
+
+const kFirst = 40;  // rows of a section
+const kFound = 20;  // rows of all sections together while searching
+const kMore = 100;
+
+interface Props {
+  fields: Field[];  // what the query finds
+  query: string;
+  row: (field: Field) => ComponentChildren;
+  mark: (group: Group) => ComponentChildren;  // in the section's heading
+}
+
+interface SectionProps extends Pick<Props, 'row' | 'mark'> {
+  group: Group;
+  open: boolean;
+  most: number;
+  onToggle: () => void;
+  onMore: () => void;
+}
+
+function Section({group, open, most, row, mark, onToggle, onMore}: SectionProps) {
+  const {name, fields} = group;
+  const rest = fields.length - most;
+  return <section class="group" data-group={name}>
+    <div class="fold">
+      <h3><button type="button" aria-expanded={open} onClick={onToggle}>
+        <span>{sectionWords(name)}</span> <code>{name}</code>
+        <span class="hint">{fields.length}</span>
+      </button></h3>
+      {mark(group)}
+    </div>
+    {open && <div class="settings">{fields.slice(0, most).map(row)}</div>}
+    {open && rest > 0 && <button type="button" class="quiet" data-action="more"
+      onClick={onMore}>{t('all.more', {count: rest})}</button>}
+  </section>;
+}
+
+// How many rows each section of a search may show, so that together they stay few.
+function shares(groups: Group[], searching: boolean): number[] {
+  let left = kFound;
+  return groups.map(({fields}) => {
+    const share = searching ? Math.min(left, fields.length) : kFirst;
+    if (searching) left -= share;
+    return share;
+  });
+}
+
+export function Groups({fields, query, row, mark}: Props) {
+  const [opened, setOpened] = useState<Record<string, boolean>>({});
+  const [more, setMore] = useState<Record<string, number>>({});
+  const searching = Boolean(query.trim());
+  const groups = groupsOf(fields);
+  const most = shares(groups, searching);
+  return <>{groups.map((group, i) => {
+    const key = `${group.name} ${query}`;
+    const share = (most[i] || 0) + (more[key] || 0);
+    const known = opened[key];
+    const open = known === undefined ? searching && share > 0 : known;
+    return <Section key={group.name} group={group} open={open} most={share} row={row} mark={mark}
+      onToggle={() => setOpened({...opened, [key]: !open})}
+      onMore={() => setMore({...more, [key]: (more[key] || 0) + kMore})} />;
+  })}</>;
+}
+
+interface FindProps { id: string; count: number; all: number; query: string;
+  onQuery: (query: string) => void }
+
+export const Find = ({id, count, all, query, onQuery}: FindProps) => <div class="field find">
+  <label class="label" for={id}>{t('all.find')}</label>
+  <input id={id} type="search" value={query} autoComplete="off" spellcheck={false}
+    onInput={(event) => onQuery(event.currentTarget.value)} />
+  <p class="hint" role="status">{t('all.count', {count, all})}</p>
+</div>;
