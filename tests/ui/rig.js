@@ -7,7 +7,8 @@ export const kDesk = {width: 1366, height: 768};
 export const kCab = {width: 800, height: 480};
 export const kPhone = {width: 390, height: 844};
 export const kPages =
-    ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance'];
+    ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance', 'settings',
+      'fleet'];
 
 const kBrowserOptions = [
   '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-sync',

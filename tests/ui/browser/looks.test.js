@@ -1,30 +1,21 @@
 // Every page in both languages and themes and at common screen sizes: automated accessibility
 // checks find nothing, nothing overflows, and screenshots are taken for review.
 import assert from 'node:assert/strict';
-import {readFileSync} from 'node:fs';
-import {createRequire} from 'node:module';
 import {join} from 'node:path';
 import test, {after, before} from 'node:test';
+import {violations} from '../axe.js';
 import {pictures} from '../pair.js';
 import {
   button, dialog, ended, error, focused, go, health, kCab, kDesk, kPages, kPhone, press, put, Rig,
   shown, until,
 } from '../rig.js';
 
-const kAxe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 const kZoomed = {width: kDesk.width / 2, height: kDesk.height / 2};  // the desktop's at 200 %
 const kFolder = pictures();
 
 let rig;
 before(async () => { rig = await Rig.start(); });
 after(() => rig.stop());
-
-async function violations(page) {
-  await page.evaluate(kAxe);  // evaluated by the test, so the page's policy does not forbid it
-  const {violations: found, passes} = await page.evaluate(() => window.axe.run());
-  assert.ok(passes.length > 5, 'axe looked at something');
-  return found.map(({id, nodes}) => `${id}: ${nodes.map((node) => node.html).join(' | ')}`);
-}
 
 // What overflows the window, and words broken at a line end.
 const misfits = (page) => page.evaluate(() => {

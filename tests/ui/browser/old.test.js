@@ -81,6 +81,19 @@ test('a save arrives', async () => {
   assert.equal(pair.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
 });
 
+test('a setting is found among all', async () => {
+  await engine.click('nav a[data-page="settings"]');
+  await shown('settings');
+  await engine.click('#find-setting');
+  await engine.type('strFD_Apn');
+  const value = await engine.until(() => {
+    const rows = document.querySelectorAll('[data-setting] input');
+    return rows.length === 1 && rows[0].value;
+  });
+  assert.equal(value, 'fleet');
+  await picture('settings-search');
+});
+
 // Where a switch has its knob: on the side whose colour differs from the track's.
 async function knob(selector) {
   const box = await engine.run((wanted) => {
