@@ -7,6 +7,7 @@ import type {PageId} from './model/sections';
 import {waiting} from './state/editing';
 import {watchHealth, whenRecovered} from './state/health';
 import {loadLabels} from './state/labels';
+import {watchHistory} from './state/history';
 import {loadPreferences} from './state/preferences';
 import {read, startRoute} from './state/route';
 import {setScripts} from './state/scripts';
@@ -70,6 +71,7 @@ function leaveIfSignedOut(event: PageTransitionEvent) {
 
 function openApp(root: HTMLElement) {
   watchHealth();
+  watchHistory();
   whenRecovered(read);
   watchVisibility();
   window.addEventListener('beforeunload', askBeforeLeaving);

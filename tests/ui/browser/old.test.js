@@ -121,4 +121,16 @@ test('a switch shows the side that it is on', async () => {
   }
 });
 
+test('the status has a memory', async () => {
+  await engine.click('nav a[data-page="status"]');
+  await shown('status');
+  const width = await engine.until(() => {
+    const path = document.querySelector('[data-line="section.mobile"] path');
+    return /M.*L.*L/.test(path.getAttribute('d')) && path.getBoundingClientRect().width;
+  });
+  assert.ok(width > 0);
+  await engine.click('[data-plot=signals]');
+  await engine.until(() => document.activeElement.dataset.plot === 'signals');
+});
+
 test('no script failed', () => assert.deepEqual(engine.errors, []));

@@ -1,5 +1,6 @@
 // The recorder's status as data: cards, their rows, and what each value means.
 import type {Values} from './fields';
+import {readPlace, type Place} from './position';
 import type {WordKey} from '../words';
 
 // `tone` says whether something is wrong: bad and warn stand out, what is right stays quiet.
@@ -9,6 +10,7 @@ export type Shown =
     | {kind: 'words'; words: WordKey; tone: Tone}
     | {kind: 'signal'; bars: number; value: string; tone: Tone}
     | {kind: 'disk'; text: string; used: number | null; tone: Tone}
+    | {kind: 'place'; text: string; place: Place | null; tone: Tone}
     | {kind: 'inputs'; states: boolean[]};
 
 export const kBars = 5;
@@ -18,7 +20,9 @@ const kFullDisk = 0.95;
 const isSet = (value: string | undefined) => Number(value) > 0;
 const text = (value = ''): Shown => ({kind: 'text', text: value.trim(), tone: ''});
 const words = (key: WordKey, tone: Tone = ''): Shown => ({kind: 'words', words: key, tone});
-const link = (value?: string) =>
+const place = (value = ''): Shown =>
+  ({kind: 'place', text: value.trim(), place: readPlace(value), tone: ''});
+export const link = (value?: string) =>
   isSet(value) ? words('status.online') : words('status.offline', 'warn');
 // What a module needs is missed when the module is there.
 const needed = (value?: string, module?: string) =>
@@ -29,10 +33,16 @@ const vital = (value?: string) =>
 const fitted = (value?: string) => isSet(value) ? words('status.fitted') : words('status.missing');
 
 // Modules count 0 to 31 (99: unknown); larger numbers are a percentage.
-export function signal(value = ''): Shown {
+export function signalPart(value: string): number | null {
   const level = Number(value);
-  if (level === 99 || level < 0) return words('status.unknown', 'warn');
-  const bars = Math.min(kBars, Math.ceil(level / (level <= 31 ? 31 : 100) * kBars));
+  if (level === 99 || level < 0) return null;
+  return Math.min(1, level / (level <= 31 ? 31 : 100));
+}
+
+export function signal(value = ''): Shown {
+  const part = signalPart(value);
+  if (part === null) return words('status.unknown', 'warn');
+  const bars = Math.ceil(part * kBars);
   return {kind: 'signal', bars, value, tone: bars <= kWeakBars ? 'warn' : ''};
 }
 
@@ -63,11 +73,14 @@ export interface Row {
   keys: string[];
   show: (...values: (string | undefined)[]) => Shown;
   unless?: (values: Values) => boolean;  // says nothing then
+  personal?: boolean;  // names a subscriber: stays out of what is handed on
 }
 
-const row = (label: WordKey, show: Row['show'], ...keys: string[]): Row => ({label, show, keys});
-const only = (fitting: string, inner: Row): Row =>
+export const row = (label: WordKey, show: Row['show'], ...keys: string[]): Row =>
+  ({label, show, keys});
+export const only = (fitting: string, inner: Row): Row =>
   ({...inner, unless: (values) => !isSet(values[fitting])});
+const personal = (inner: Row): Row => ({...inner, personal: true});
 
 export type CardId = 'gps' | 'mobile' | 'wifi' | 'platforms' | 'disks' | 'io' | 'versions';
 
@@ -77,9 +90,9 @@ export const kCards: readonly (readonly [CardId, readonly Row[]])[] = [
     only('ucFD_GNetExist', row('dial', link, 'ucFD_GNetDail')),
     only('ucFD_GNetExist', row('signal', signal, 'uiFD_GNetSignal')),
     row('mobile.sim', needed, 'ucFD_SimExist', 'ucFD_GNetExist'),
-    row('mobile.imei', text, 'strFD_GNetIMEI'),
-    row('mobile.imsi', text, 'ucFD_SimIMSI'),
-    row('mobile.iccid', text, 'ucFD_SimICCID'),
+    personal(row('mobile.imei', text, 'strFD_GNetIMEI')),
+    personal(row('mobile.imsi', text, 'ucFD_SimIMSI')),
+    personal(row('mobile.iccid', text, 'ucFD_SimICCID')),
     row('mobile.revision', text, 'strFD_GNetRevision'),
   ]],
   ['wifi', [
@@ -100,7 +113,7 @@ export const kCards: readonly (readonly [CardId, readonly Row[]])[] = [
   ]],
   ['gps', [
     row('gps.module', fitted, 'ucFD_GpsExist'),
-    row('gps.position', text, 'strFD_GpsPos'),
+    row('gps.position', place, 'strFD_GpsPos'),
   ]],
   ['io', [row('io.inputs', inputs, 'strFD_IOStatus')]],
   ['versions', [

@@ -14,6 +14,7 @@ const kWaitMs = 12000;
 
 let build = '';
 export const setBuild = (mark: string) => { build = mark; };
+export const ownBuild = () => build;
 
 // The service has other pages than this one: takes them, once, unless that would lose a secret that
 // was typed. True when they are on their way. The kept app.html is fetched anew, as its date may be

@@ -1,6 +1,7 @@
 // The one state of the pages. Views are functions of it; only the modules of this folder change it.
 import type {Change, Field, Values} from '../model/fields';
 import type {Problems} from '../model/checks';
+import type {Entry} from '../model/history';
 import type {SaveEnd} from '../model/save';
 import type {PageId, SectionId} from '../model/sections';
 import type {Labels, LabelsError} from '../model/labels';
@@ -9,7 +10,7 @@ import type {Run} from '../model/runs';
 import type {FileError, Settings} from '../recorder/config';
 import type {FaultKind} from '../recorder/fault';
 import type {Lock} from '../recorder/lock';
-import type {Language} from '../words';
+import type {Language, WordKey} from '../words';
 
 // Follows from what happens here alone.
 export type Health =
@@ -90,6 +91,9 @@ export interface Fleet {
   runs: readonly Run[];
 }
 
+// A save that came to its end, whatever it was.
+export interface Ended { at: number; title: WordKey; end: SaveEnd; known: Known }
+
 export interface State {
   language: Language;
   theme: Theme;
@@ -97,6 +101,8 @@ export interface State {
   health: Health;
   sections: Partial<Record<SectionId, SectionState>>;
   status: {at: number; values: Values} | null;
+  history: readonly Entry[];  // of the status, by the clock that only goes on
+  ends: readonly Ended[];  // of saves, the latest last
   dialog: Dialog | null;
   lock: LockState;
   transfer: Transfer;
@@ -108,7 +114,7 @@ export interface State {
 
 const kStart: State = {
   language: 'en', theme: 'auto', page: 'status', health: {state: 'answers'},
-  sections: {}, status: null, dialog: null, expired: false,
+  sections: {}, status: null, history: [], ends: [], dialog: null, expired: false,
   lock: {lock: null, at: 0, loading: {state: 'waiting'}, busy: false, end: null},
   transfer: {exporting: false, exported: null, name: null, error: null, rows: [], foreign: null,
     purpose: 'file', file: null, lines: [], step: null, end: null, moving: null, former: null},

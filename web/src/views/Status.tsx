@@ -1,12 +1,17 @@
 // Status: what the recorder is doing. What is wrong stands out; what is no longer known is grey.
-import {kBars, kCards, kSummary, shownOf, type CardId, type Row, type Shown} from '../model/status';
 import {timeOfDay} from '../model/clock';
 import type {Values} from '../model/fields';
+import {placeLink, placeText, type Place} from '../model/position';
+import {kBars, kCards, kSummary, shownOf, type CardId, type Row, type Shown} from '../model/status';
 import {get} from '../state/store';
 import {t} from '../words';
+import {History} from './History';
 import {Card, Fact} from './parts/Card';
+import {CopyButton} from './parts/CopyButton';
 import type {IconName} from './parts/Icon';
+import {reportText} from './parts/report';
 import {Skeleton} from './parts/SectionForm';
+import {stateText, textOf} from './parts/shown';
 
 const kIcons: Record<CardId, IconName> = {gps: 'pin', mobile: 'mobile', wifi: 'network',
   platforms: 'platforms', disks: 'disk', io: 'plug', versions: 'chip'};
@@ -17,27 +22,29 @@ const Bars = ({bars}: {bars: number}) => <span class="bars" aria-hidden="true">
 
 const Inputs = ({states}: {states: boolean[]}) => <ul class="inputs">
   {states.map((on, i) => <li key={i} class={on ? 'full' : ''}>
-    <b>{i + 1}</b> {t(on ? 'on' : 'off')}
+    <b>{i + 1}</b> {stateText(on)}
   </li>)}
 </ul>;
 
-function Disk({text, used}: {text: string; used: number | null}) {
-  const [whole = '', free = ''] = text.split('/');
-  const percent = Math.round((used || 0) * 100);
-  return <>
-    <meter class="disk" min={0} max={100} value={percent} aria-hidden="true" />
-    <span>{t('disk.words', {whole: whole.trim(), free: free.trim(), percent})}</span>
-  </>;
-}
+const Used = ({used}: {used: number | null}) => <meter class="disk" min={0} max={100}
+  value={Math.round((used || 0) * 100)} aria-hidden="true" />;
+
+const Position = ({text, place}: {text: string; place: Place}) => <>
+  {text}
+  <div class="place">
+    <a class="button" href={placeLink(place)}>{t('gps.open')}</a>
+    <CopyButton name="copy-position" label="gps.copy" text={() => placeText(place)} />
+  </div>
+</>;
 
 function Value({shown}: {shown: Shown}) {
   switch (shown.kind) {
-    case 'text': return <>{shown.text || t('value.none')}</>;
-    case 'words': return <>{t(shown.words)}</>;
-    case 'signal': return <><Bars bars={shown.bars} />
-      {t('status.signal', {bars: shown.bars, most: kBars, value: shown.value})}</>;
-    case 'disk': return <Disk text={shown.text} used={shown.used} />;
+    case 'signal': return <><Bars bars={shown.bars} />{textOf(shown)}</>;
+    case 'disk': return <><Used used={shown.used} /><span>{textOf(shown)}</span></>;
     case 'inputs': return <Inputs states={shown.states} />;
+    case 'place': return shown.place ? <Position text={shown.text} place={shown.place} />
+      : <>{textOf(shown)}</>;
+    default: return <>{textOf(shown)}</>;
   }
 }
 
@@ -60,6 +67,8 @@ export function Status() {
       <Card key={id} id={id} title={`section.${id}` as const} icon={kIcons[id]}>
         <Rows rows={rows} values={status.values} kind="facts" />
       </Card>)}</div>
+    <History />
     <p class="moment">{t(fresh ? 'status.moment' : 'status.stale', {time})}</p>
+    <CopyButton name="copy-report" label="report.copy" text={reportText} />
   </div>;
 }

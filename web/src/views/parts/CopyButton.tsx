@@ -1,4 +1,4 @@
-// A button that copies a text and says so; where the browser refuses, the text to be copied by hand.
+// A button that copies a text and says so; where the browser refuses, the text for copying by hand.
 import {useState} from 'preact/hooks';
 import {timeOfDay} from '../../model/clock';
 import {t, type WordKey} from '../../words';

@@ -1,6 +1,6 @@
 // What is said below a form: the step of a save, how it ended, what else happened.
 import type {SaveEnd} from '../../model/save';
-import type {Note, SectionState, Step} from '../../state/store';
+import type {Known, Note, SectionState, Step} from '../../state/store';
 import {t} from '../../words';
 import {ChangeTable} from './ChangeTable';
 import {secondsSince, useNow} from './hooks';
@@ -24,7 +24,7 @@ export function StepNote({step}: {step: NonNullable<SectionState['step']>}) {
 
 const kTold = new Set<SaveEnd>(['applied', 'partly', 'unchanged', 'refused', 'moved']);
 
-function endText({end, known}: Extract<Note, {kind: 'end'}>): string {
+export function endText({end, known}: {end: SaveEnd; known: Known}): string {
   if (kTold.has(end)) return t(`end.${end}`);
   if (known !== 'unsent') return `${t(`end.${end}`)} ${t(`known.${known}`)}`;
   const why = end === 'deviceSilent' || end === 'serviceSilent' ? end : 'lost';

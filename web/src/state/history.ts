@@ -1,0 +1,56 @@
+// Remembers what the store hears anyway: readings of the status, silences, and the ends of saves.
+// Nothing is asked for it, and nothing is kept longer than the page is open.
+import {readingOf, withEntry, type Entry} from '../model/history';
+import {sectionById, type SectionId} from '../model/sections';
+import {get, set, subscribe, type Ended, type State} from './store';
+
+const kMostEnds = 20;
+
+const isSilent = ({health}: State) =>
+  health.state === 'deviceSilent' || health.state === 'serviceSilent';
+
+// A device may set its clock while the page is open.
+export const steadyNow = () => performance.now();
+
+function newEntry(before: State, now: State): Entry | null {
+  if (now.status && now.status !== before.status) return readingOf(steadyNow(), now.status.values);
+  if (isSilent(now) !== isSilent(before)) return {at: steadyNow(), silent: isSilent(now)};
+  return null;
+}
+
+type End = Omit<Ended, 'at'>;
+
+function sectionEnds(before: State, now: State): End[] {
+  const ends: End[] = [];
+  for (const id of Object.keys(now.sections) as SectionId[]) {
+    const [was, is] = [before.sections[id], now.sections[id]];
+    const note = is && is.note;
+    if (!note || note.kind !== 'end' || (was && was.note === note)) continue;
+    ends.push({title: sectionById(id).title, end: note.end, known: note.known});
+  }
+  return ends;
+}
+
+function newEnds(before: State, now: State): End[] {
+  const ends = sectionEnds(before, now);
+  const {end} = now.transfer;
+  if (end && end !== before.transfer.end) ends.push({title: 'section.import', ...end});
+  if (now.lock.end && now.lock.end !== before.lock.end)
+    ends.push({title: 'section.lock', end: now.lock.end, known: 'read'});
+  return ends;
+}
+
+export function watchHistory() {
+  let before = get();
+  subscribe(() => {
+    const now = get();
+    const entry = newEntry(before, now);
+    const ends = newEnds(before, now);
+    before = now;
+    if (entry) set({history: withEntry(get().history, entry)});
+    if (!ends.length) return;
+    const at = Date.now();
+    const added = ends.map(({title, end, known}) => ({at, title, end, known}));
+    set({ends: [...get().ends, ...added].slice(-kMostEnds)});
+  });
+}

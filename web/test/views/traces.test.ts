@@ -1,0 +1,41 @@
+import '../state/page';
+import assert from 'node:assert/strict';
+import test from 'node:test';
+import {timeOfDay} from '../../src/model/clock';
+import {kPlots, readingOf, stopsOf} from '../../src/model/history';
+import {addWords, speak} from '../../src/words';
+import {en} from '../../src/words/en';
+import {login} from '../../src/words/en-login';
+import {readingText, silencesText, stopText, whenText} from '../../src/views/parts/traces';
+
+addWords('en', {...login, ...en});
+speak('en');
+
+const kMinute = 60000;
+const now = 100 * kMinute;
+performance.now = () => now;
+Date.now = () => Date.UTC(2026, 0, 31, 12);
+const ago = (minutes: number) => timeOfDay(new Date(Date.UTC(2026, 0, 31, 12, -minutes)));
+
+const reading = (minutes: number) => readingOf(now - minutes * kMinute,
+    {ucFD_GNetExist: '1', uiFD_GNetSignal: '24', ucFD_WifiExist: '0'});
+const stops = stopsOf([reading(9), {at: now - 6 * kMinute, silent: true}, reading(4),
+  {at: now - 2 * kMinute, silent: true}], now);
+
+test('times of day are reckoned from the clock as it stands now', () => {
+  assert.deepEqual(stops.map(whenText), [`At ${ago(9)}`, `Not read from ${ago(9)} to ${ago(6)}`,
+    `No answer from ${ago(6)} to ${ago(4)}`, `At ${ago(4)}`,
+    `Not read from ${ago(4)} to ${ago(2)}`, `No answer from ${ago(2)} to ${ago(0)}`]);
+  assert.equal(whenText(undefined), '');
+});
+
+test('a moment is told with what each line shows', () => {
+  const [signals] = kPlots;
+  assert.equal(stopText(signals!, stops[0]),
+      `At ${ago(9)}; Mobile network: 4 of 5 bars (24); Wi-Fi: –`);
+  assert.equal(readingText(signals!.rows[0]!, stops[2]), '–');
+});
+
+test('silences are counted and added up', () => {
+  assert.equal(silencesText(stops), 'Without an answer: 2 times, 240 s together.');
+});
