@@ -1,9 +1,11 @@
 // The browser of an old in-cab terminal (Chromium 87): the pages work there, too.
 import assert from 'node:assert/strict';
+import {readFileSync} from 'node:fs';
 import {join} from 'node:path';
 import test, {after, before} from 'node:test';
 import {OldEngine} from '../old_engine.js';
 import {kPassword, Pair, pictures} from '../pair.js';
+import {decode} from '../qr.js';
 import {kPages} from '../rig.js';
 import {until} from '../until.js';
 
@@ -131,6 +133,29 @@ test('the status has a memory', async () => {
   assert.ok(width > 0);
   await engine.click('[data-plot=signals]');
   await engine.until(() => document.activeElement.dataset.plot === 'signals');
+});
+
+test('the access point as a QR code can be read', async () => {
+  await engine.click('nav a[data-page="network"]');
+  await shown('network');
+  await engine.run(() => {
+    const mode = document.querySelector('[data-field="stWifi/ucFD_WorkMode"] select');
+    mode.value = '2';
+    mode.dispatchEvent(new Event('change'));
+  });
+  await engine.click('[data-action=code]');
+  const [name, password] = await engine.until(() => {
+    const code = document.querySelector('svg.code');
+    if (!code) return null;
+    code.scrollIntoView({block: 'center'});
+    return ['SSID', 'Passwd'].map((key) =>
+      document.querySelector(`[data-field="stWifiAp/strFD_${key}"] input`).value);
+  });
+  const grabbed = join(pair.dir, 'code.png');
+  await until(async () => {
+    await engine.grab(grabbed);
+    return decode(readFileSync(grabbed)) === `WIFI:T:WPA;S:${name};P:${password};;`;
+  }, `the code of ${name}`);
 });
 
 test('no script failed', () => assert.deepEqual(engine.errors, []));

@@ -38,7 +38,9 @@ const eth0 = 'stLocalEth0/';
 const gnet = 'stMobileGNet/';
 const cms = 'stCMS/';
 
-const isAccessPoint = (values: Values) => values[`${wifi}ucFD_WorkMode`] === '2';
+export const kApName = `${ap}strFD_SSID`;
+export const kApPassword = `${ap}strFD_Passwd`;
+export const isAccessPoint = (values: Values) => values[`${wifi}ucFD_WorkMode`] === '2';
 const isStation = (values: Values) => !isAccessPoint(values);
 const byDomain = (values: Values) => Number(values[`${cms}ucFD_AddressType`]) !== 0;
 const byAddress = (values: Values) => !byDomain(values);

@@ -19,7 +19,7 @@ export type Health =
     | {state: 'restarting'; since: number};
 
 // Scripts that come when a page needs them, and how far they are.
-export type ScriptName = 'settings';
+export type ScriptName = 'settings' | 'qr';
 export type ScriptState = 'coming' | 'there' | 'failed';
 
 export type Theme = 'auto' | 'light' | 'dark';
