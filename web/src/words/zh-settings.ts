@@ -1,7 +1,31 @@
-// 中文：全部设置和车队模板，随各自的脚本加载。
+// Chinese: the pages about every setting and about files, which come with a script of their own.
 import type {settings as en} from './en-settings';
 
 export const settings: Record<keyof typeof en, string> = {
+  'export.help': '全部设置保存为一个文件，包含密码。',
+  'export.go': '导出',
+  'export.busy': '正在读取全部设置…',
+  'export.done': '已交给浏览器：{name}。',
+  'import.help': '文件先在这里检查和比较。您同意之前不会发送，之后也只发送您选择的设置。',
+  'import.choose': '选择文件',
+  'import.none': '未选择文件',
+  'import.foreign': '此文件不是录像机的配置。',
+  'import.empty': '此配置中没有设置。',
+  'import.deep': '此配置嵌套超过 32 层。',
+  'import.cut': '此文件不完整：在第 {line} 行中断。',
+  'import.broken': '此文件在第 {line} 行损坏。',
+  'import.repeated': '此文件中设置 {name} 出现两次。',
+  'import.char': '录像机无法保存“{name}”中的字符 {char}。',
+  'import.long': '此配置太长：{used} 字节，最多 30719 字节。',
+  'import.read': '无法读取录像机的配置进行比较。',
+  'import.same': '录像机的设置与此文件相同。',
+  'import.count': '不同的设置：{count} 项',
+  'import.foreignNumber': '此文件来自另一台录像机，编号 {number}。其编号、车牌、地址和平台编号默认不导入，需要时请自行选择。',
+  'import.identity': '标识一台录像机',
+  'import.take': '导入',
+  'import.now': '录像机现值',
+  'import.file': '文件中的值',
+  'import.goCount': '导入 {count} 项设置',
   'section.find': '查找设置',
   'all.help': '录像机导出的全部内容。只发送您修改的部分。录像机自身报告的数值不能修改。',
   'all.find': '中文或英文词语、原始名称或数值',

@@ -3,11 +3,13 @@ import test from 'node:test';
 import {preferred} from '../../src/words';
 import {en} from '../../src/words/en';
 import {login as enLogin} from '../../src/words/en-login';
+import {settings as enSettings} from '../../src/words/en-settings';
 import {zh} from '../../src/words/zh';
 import {login as zhLogin} from '../../src/words/zh-login';
+import {settings as zhSettings} from '../../src/words/zh-settings';
 
-const english: Record<string, string> = {...enLogin, ...en};
-const chinese: Record<string, string> = {...zhLogin, ...zh};
+const english: Record<string, string> = {...enLogin, ...en, ...enSettings};
+const chinese: Record<string, string> = {...zhLogin, ...zh, ...zhSettings};
 
 test('both languages fill in the same names', () => {
   const names = (text: string) => (text.match(/\{\w+\}/g) || []).sort().join();
