@@ -7,7 +7,7 @@ import {kWebRoot} from '../pair.js';
 import {kPages, kPassword, Rig, shown} from '../rig.js';
 import {SlowLink} from '../slow_link.js';
 
-const kWholeBytes = 230000;
+const kWholeBytes = 245000;
 const kFirstViewBytes = 45000;
 const kFirstViewRequests = 12;
 const kFirstViewMs = 3000;
