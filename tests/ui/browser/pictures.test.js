@@ -8,7 +8,8 @@ import test, {after, before, beforeEach} from 'node:test';
 import {fileURLToPath} from 'node:url';
 import {pictures} from '../pair.js';
 import {
-  dialog, forget, health, kCab, kPhone, painted, press, put, Rig, save, section, type, visit,
+  agree, dialog, forget, health, kCab, kPhone, painted, press, put, Rig, save, section, type, until,
+  visit,
 } from '../rig.js';
 
 const kFolder = pictures();
@@ -55,42 +56,94 @@ async function compare(page) {
   await page.locator('[data-setting]').first().waitFor();
 }
 
+async function search(page) {
+  await page.fill('#find-setting', 'overspeed');
+  await page.locator('[data-setting="stSpeed/usFD_OverSpeed"]').waitFor();
+}
+
+// A drive: the signal falls and rises, the platform is lost for a while. The page's clock is moved, so
+// that half an hour takes seconds.
+async function drive(page) {
+  await page.clock.install();
+  await rig.login(page);
+  for (let k = 0; k < 60; k++) {
+    const signal = Math.round(18 + 9 * Math.cos(k / 7) + 2 * Math.sin(k * 2));
+    await rig.clear();
+    await rig.fault('for=stSystemInfo text:<VariCfgSec Action="DEVICE_QUERY" Result="0">' +
+        `<stSystemInfo GNetExist="1" GNetSignal="${signal}" GNetDail="1" WifiExist="1" ` +
+        `WifiSignal="${90 - Math.floor(k / 2)}" WifiDail="${Number(k < 48)}" JTT808Status="1" ` +
+        `CmsStatus="${Number(signal > 12)}" NetStatus="1" Disk1Exist="1" Disk2Exist="1" ` +
+        `Disk1Size="931.5GB/${400 - k}GB" Disk2Size="119.2GB/87.3GB"/></VariCfgSec>`);
+    const before = await page.locator('.moment').innerText();
+    await page.clock.fastForward(18000);
+    await until(async () => await page.locator('.moment').innerText() !== before, 'a reading');
+  }
+}
+
+async function code(page) {
+  await put(page, 'stWifi/ucFD_WorkMode', '2');
+  await section(page, 'accessPoint').locator('[data-action=code]').click();
+  await section(page, 'accessPoint').locator('svg.code').waitFor();
+}
+
+const kTemplate = {name: 'template-city-buses.xml', mimeType: 'text/xml', buffer: Buffer.from(
+    '<VariCfgSec><stOverlay ucFD_TempEnable="1" ucFD_TimeEnable="1"/>' +
+    '<stSpeed usFD_OverSpeed="80"/></VariCfgSec>')};
+
+async function template(page) {
+  await page.locator('[data-section=apply] input[type=file]').setInputFiles(kTemplate);
+  await page.locator('[data-section=apply] [data-setting]').first().waitFor();
+}
+
+async function apply(page) {
+  await template(page);
+  await press(page, 'apply');
+  await agree(page);
+  await page.locator('[data-section=apply] [data-line]').first().waitFor();
+}
+
 async function silence(page) {
   await rig.fault('silent');
   await health(page, 'deviceSilent').waitFor();
 }
 
-// Name, window, page of the application, what is done there, and the section that is shown.
+// Name, window, page of the application or null for the sign-in, what is done there, and the section
+// that is shown.
 const kPictures = [
   ['sign-in', kPhone, null, wrongPassword],
   ['status', kCab, 'status'],
+  ['history', kCab, null, drive, 'history'],
   ['device', kCab, 'device'],
   ['video', kCab, 'video'],
   ['review', kCab, 'video', review],
   ['saved', kCab, 'video', saved, 'subStream'],
   ['conflict', kCab, 'network', conflict, 'mobile'],
   ['network', kPhone, 'network'],
+  ['code', kCab, 'network', code, 'accessPoint'],
   ['platforms', kCab, 'platforms', (page) => page.locator('.grid').evaluate(
       (table) => table.previousElementSibling.previousElementSibling.scrollIntoView())],
   ['security', kCab, 'security'],
   ['import', kCab, 'maintenance', compare, 'import'],
+  ['settings', kCab, 'settings', search, 'all'],
+  ['template', kCab, 'fleet', template, 'apply'],
+  ['applied', kCab, 'fleet', apply, 'apply'],
   ['silent', kCab, 'status', silence],
 ];
 
 const opened = new Map();
 
-// One browser profile for each size of window, as if it were new.
+// One browser profile for each size of window, as if it were new, and one for each sign-in.
 async function open(size, place) {
-  const key = place && size;
-  if (!opened.has(key)) opened.set(key, place ? await rig.enter({size}) : await rig.open({size}));
-  const page = opened.get(key);
-  if (place) {
-    await forget(page);
-    await visit(rig, page, place);
-  } else {
+  if (!place) {
+    const page = await rig.open({size});
     await page.goto(`${rig.url}/login.html`);
     await page.locator('#password:focus').waitFor();
+    return page;
   }
+  if (!opened.has(size)) opened.set(size, await rig.enter({size}));
+  const page = opened.get(size);
+  await forget(page);
+  await visit(rig, page, place);
   return page;
 }
 
