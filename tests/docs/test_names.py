@@ -50,7 +50,6 @@ ALLOWED = {
     "stBuzzer": "the section of the worked example",
     "2026-01-31 08:05:09": "an example of a time",
     "// Deliberate:": "a comment",
-    "area: what it does": "the form of a commit message",
 }
 
 
