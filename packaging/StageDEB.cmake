@@ -1,4 +1,4 @@
-# Puts into a Debian package what lies outside /opt/webctrl.
+# Adds to a Debian package the files outside /opt/webctrl.
 include(${CMAKE_CURRENT_LIST_DIR}/StageFile.cmake)
 
 foreach(unit webctrl.service webctrl-health.service webctrl-health.timer)

@@ -1,5 +1,6 @@
-# stage(<file> <path there> <mode>) and stage_compressed: put a file into the tree that cpack is making a
-# package of. Its root is DESTDIR for some generators, and the head of the prefix for others.
+# stage(<file> <target path> <mode>) and stage_compressed: put a file into the tree from which cpack
+# makes a package. Its root is DESTDIR for some generators, and the beginning of the prefix for
+# others.
 if(DEFINED ENV{DESTDIR} AND NOT "$ENV{DESTDIR}" STREQUAL "")
   set(stage $ENV{DESTDIR})
 else()
@@ -9,7 +10,7 @@ set(readable OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 set(plain FILE_PERMISSIONS ${readable})
 set(script FILE_PERMISSIONS ${readable} OWNER_EXECUTE GROUP_EXECUTE WORLD_EXECUTE)
 
-# The modes are told, as those of a checkout depend on who made it.
+# The modes are explicit, because those of a checkout depend on its owner's settings.
 function(stage from path mode)
   get_filename_component(folder ${path} DIRECTORY)
   get_filename_component(name ${from} NAME)

@@ -1,4 +1,4 @@
-# Puts into a recorder's archive what lies outside /opt/webctrl/bin.
+# Adds to a recorder's archive the files outside /opt/webctrl/bin.
 include(${CMAKE_CURRENT_LIST_DIR}/StageFile.cmake)
 
 stage(${here}/init/S90webctrl /etc/init.d/S90webctrl script)

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Prints CHANGELOG.md in the form of a Debian changelog.
+"""Prints CHANGELOG.md in the format of a Debian changelog.
 
 usage: changelog.py <CHANGELOG.md> <maintainer>
 """

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Prints our licence and the licences and notices of everything that a package contains of others.
+"""Prints our licence and the licences and notices of all third-party code in a package.
 
 usage: notices.py <source folder> <folder of the HTTP library> shared|static [--texts]
 
-They are taken from what was built with: the sources, the npm modules, Debian's packages. A static
-executable contains the libraries, too. --texts adds the licences that Debian's packages only refer to,
-for systems that lack /usr/share/common-licenses.
+They come from what was used for the build: the sources, the npm modules, Debian's packages. A
+static executable contains the libraries, too. --texts adds the licences to which Debian's packages
+only refer, for systems without /usr/share/common-licenses.
 """
 
 import os
@@ -31,7 +31,7 @@ def read(*path):
 
 
 def notices_in(source):
-    """Each comment of a source that names a holder of rights, once."""
+    """Each comment in a source that names a copyright holder, once."""
     comments = re.findall(r"/\*.*?\*/", source, re.S)
     found = [text for text in comments if re.search(r"Copyright ?\(c\)", text)]
     plain = [re.sub(r"^[ /]*\*+ ?/?|\*/$", "", text, flags=re.M).strip() for text in found]

@@ -16,8 +16,8 @@ packages_for() {
     # node-llhttp: the request parser's sources. ca-certificates: package sources may be https ones.
     build) echo g++ cmake ninja-build libtinyxml-dev libmd-dev node-llhttp ca-certificates \
       "$(node_packages)" ;;
-    # The daemon calls ifconfig when it starts; run.sh looks at ports and addresses with ss and ip; with
-    # curl a newcomer takes the first look.
+    # The daemon calls ifconfig when it starts; run.sh checks ports and addresses with ss and ip; a
+    # newcomer's first look uses curl.
     run) echo net-tools iproute2 curl ;;
     # iproute2 makes the tests' own networks; curl, xmllint and iconv are oracles; yaml, jsonschema and
     # the node modules of tests/docs hold docs/openapi.yaml to its rules; the last three are the proxies
@@ -34,10 +34,10 @@ packages_for() {
     bench) echo wrk lighttpd busybox libfcgi-dev valgrind strace ;;
     coverage) echo gcovr ;;
     fuzz) echo clang libclang-rt-14-dev llvm ;;
-    # The libraries of the recorder's architecture, and what runs its executables here.
+    # The libraries for the recorder's architecture, and an emulator for its executables.
     cross) echo g++-arm-linux-gnueabihf libtinyxml-dev:armhf libmd-dev:armhf qemu-user-static file ;;
-    # cpack asks dpkg-shlibdeps and file; debootstrap makes the system that packages are tried in,
-    # and a busybox stands for a recorder's; groff-base reads the manual page.
+    # cpack uses dpkg-shlibdeps and file; debootstrap creates the system in which packages are
+    # tested, and a busybox replaces a recorder's; groff-base reads the manual page.
     package) echo dpkg-dev file debootstrap busybox groff-base iproute2 curl binutils lintian ;;
     *) fail "no purpose \"$1\"; there are: $purposes" ;;
   esac
@@ -54,7 +54,7 @@ node_packages() {
 
 missing_packages() {
   local installed wanted
-  # Each by its name alone and with its architecture, as it may be asked for either way.
+  # Each name with and without its architecture, because either form may be requested.
   installed=$(dpkg-query -W -f '${db:Status-Status} ${Package} ${Architecture}\n' |
     sed -n -e 's/^installed \([^ ]*\) \(.*\)/\1\n\1:\2/p')
   wanted=$(for purpose in "$@"; do packages_for "$purpose"; done)
@@ -69,8 +69,9 @@ require_debian_12() {
     fail "this is ${system:-an unknown system }and not Debian 12; install by hand: $*"
 }
 
-# Everything is downloaded before anything is unpacked, so that Ctrl-C ends the long part at once. The
-# update's own result says little (a foreign source may fail); the installation is what counts.
+# Everything is downloaded before anything is unpacked, so that Ctrl-C ends the long part at once.
+# The update's own result says little (a third-party source may fail); the installation is what
+# counts.
 apt_install() {
   local logs=$root/build/apt install=(install -y --no-install-recommends "$@")
   rm -rf "$logs"
@@ -96,8 +97,8 @@ install_packages() {
   apt_install $missing
 }
 
-# Made beside the old ones and moved into place with their stamp: an interrupted installation
-# leaves what was there.
+# Created beside the old ones and moved into place with their stamp: an interrupted installation
+# leaves the old ones.
 install_node_modules() {
   local dir=$root/$1 new=$root/build/node-modules sum
   [ -f "$dir/package-lock.json" ] || return 0

@@ -3,14 +3,14 @@
 # into build/<preset>/packages: a .deb, an archive for a recorder's file system, an archive with the
 # debug symbols of both, and their SHA-256 sums.
 #
-# The same sources give the same bytes in any folder and at any time: what carries a date carries the
-# one of the newest version in CHANGELOG.md, or SOURCE_DATE_EPOCH.
+# The same sources give the same bytes in any folder and at any time: all dates are that of the
+# newest version in CHANGELOG.md, or SOURCE_DATE_EPOCH.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
 version=$(cat "$root/VERSION")
 
-# cached <preset> <variable>: what CMake has found.
+# cached <preset> <variable>: the value that CMake has found.
 cached() { sed -n "s/^$2:[A-Z]*=//p" "build/$1/CMakeCache.txt"; }
 
 build() {
@@ -22,7 +22,7 @@ build() {
     cpack --config "build/$1/CPackConfig.cmake"
 }
 
-# The debuggers of Debian look for symbols below /usr/lib/debug, by the build's identity.
+# Debian's debuggers look for symbols below /usr/lib/debug, by build ID.
 pack_symbols() {
   local out=build/$1/packages program=build/$1/bin/webctrl tree id file
   tree=$(mktemp -d)

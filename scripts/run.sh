@@ -15,7 +15,7 @@ state=$root/build/run
 control=6001
 declare -A pids=()
 
-# port_owner <ss flags> <port>: "name (pid 12)" of who has the port; nothing when it is free.
+# port_owner <ss flags> <port>: "name (pid 12)" of the port's owner; nothing when it is free.
 port_owner() {
   local line
   line=$(ss -H -n -p "$1" "sport = :$2" | head -n 1)
@@ -52,7 +52,8 @@ check_ports() {
 
 configure_and_build() {
   cd "$root"
-  # A folder that test.sh has configured keeps its tests, else the next test.sh builds them anew.
+  # A folder that test.sh has configured keeps its tests, otherwise the next test.sh would rebuild
+  # them.
   [ -f build/release/CMakeCache.txt ] || set -- -DWEBCTRL_BUILD_TESTS=OFF
   cmake --preset release "$@" &&
     cmake --build --preset release --target webctrl devsim web_root -j "$(nproc)"
@@ -67,8 +68,8 @@ build() {
   }
 }
 
-# start <name> <command>...: in the background, its output in a log of its own. It ends with this
-# script even when the script is killed outright.
+# start <name> <command>...: runs it in the background with its own log. It ends with this script
+# even when the script is killed.
 start() {
   local name=$1
   shift
@@ -86,7 +87,7 @@ stop_all() {
   wait || true
 }
 
-# A listening port is not enough: a daemon without its pages listens too and never answers.
+# A listening port is not enough: a daemon without its pages also listens, but never answers.
 answers() {
   local line=
   exec 3<>/dev/tcp/127.0.0.1/80 || return 1
@@ -113,7 +114,7 @@ require_alive() {
   done
 }
 
-# Every address that a browser may use, the machine's own name for itself first.
+# Every address that a browser may use, localhost first.
 addresses() {
   echo localhost
   ip -4 -o address show up scope global | awk '{ sub("/.*", "", $4); print $4 }'

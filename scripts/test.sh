@@ -37,11 +37,11 @@ stage_test() { run_ctest release; }
 stage_quick() { run_ctest release -R '^(unit|fuzz|blackbox)\.' -LE waits; }
 stage_format() { scripts/checks/format.sh; }
 
-# The instrumented builds repeat what drives our C++ and leaves its memory and threads alone.
+# The instrumented builds repeat the tests of our C++ that do not change its memory or threads.
 stage_asan() { configure_and_build asan && run_ctest asan -R '^(unit|blackbox|fuzz)\.'; }
 
-# Only the running daemon: some unit tests look at what ThreadSanitizer itself changes (stacks,
-# joins). It wants its shadow at fixed addresses, which too random a layout can hit.
+# Only the running daemon: some unit tests check things that ThreadSanitizer itself changes (stacks,
+# joins). Its shadow memory needs fixed addresses, which a very random layout can collide with.
 stage_tsan() {
   local runner=(setarch -R)
   "${runner[@]}" true 2>/dev/null || runner=()
@@ -68,7 +68,8 @@ stage_fuzz() { scripts/fuzz.sh 15; }
 stage_cross() { scripts/cross.sh; }
 stage_package() { tests/packaging/run.sh; }
 
-# A stage that tells of no tests is one itself, and so is one that fails without a failed test.
+# A stage that reports no tests counts as one itself, and so does one that fails without a failed
+# test.
 run_stage() {
   local start=$SECONDS outcome=passed
   export WEBCTRL_RESULTS=$results/$stage.tsv

@@ -1,8 +1,8 @@
-# Sourced by scripts that run long commands of others: progress, Ctrl-C, and why a command failed.
+# Sourced by scripts that run long external commands: progress, Ctrl-C, and why a command failed.
 # shellcheck shell=bash
 
-# What apt-get, npm and git print, and the cause behind it. The first row that fits counts: a source
-# that cannot be reached makes apt-get miss packages, too.
+# Messages of apt-get, npm and git, and their causes. The first matching row counts: when a source
+# cannot be reached, apt-get also misses packages.
 failure_causes=(
   "dpkg was interrupted" "an earlier installation was interrupted: run \"dpkg --configure -a\" first"
   "Could not get lock|is locked by|frontend lock" "another package manager is at work: wait for it"
@@ -14,7 +14,7 @@ failure_causes=(
   "Unable to locate|no installation candidate|find a source package|must put some" "the package sources of this machine do not have it: /etc/apt/sources.list wants a line like \"deb http://deb.debian.org/debian bookworm main\""
 )
 
-# cause_in <log>...: the cause of a failure, and the line that tells of it.
+# cause_in <log>...: the cause of a failure, and the line that shows it.
 cause_in() {
   local i line
   for ((i = 0; i < ${#failure_causes[@]}; i += 2)); do
@@ -36,14 +36,14 @@ show_progress() {
   fi
 }
 
-# watched <log> <command>...: its output goes into the log; what it does is shown meanwhile. Ctrl-C ends
-# it and this script.
-# whole <log> <command>...: the same for a command that must not be cut short. After Ctrl-C it goes on
-# to its end, and then this script ends.
+# watched <log> <command>...: runs it with its output in the log, and shows progress. Ctrl-C ends it
+# and this script. whole <log> <command>...: the same for a command that must not be cut short.
+# After Ctrl-C it goes on to its end, and then this script ends.
 watched() { run_watched end "$@"; }
 whole() { run_watched wait "$@"; }
 
-# A group of its own keeps the terminal's Ctrl-C away, so that it is sent, or not, from here.
+# Its own process group keeps the terminal's Ctrl-C away, so that this script decides whether to
+# pass it on.
 run_watched() {
   local how=$1 log=$2 pid status=0 tenths=0 signal=
   shift 2

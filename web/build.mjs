@@ -13,7 +13,7 @@ import {scripts} from './split.mjs';
 const kHere = fileURLToPath(new URL('.', import.meta.url));
 const kTarget = ['chrome70', 'firefox65', 'safari12.1'];
 const kCompressAbove = 1024;
-// Bookmarks of the time when each page was a document.
+// Bookmarks from the time when each page was a document.
 const kOldPages =
     ['status', 'device', 'video', 'network', 'platforms', 'security', 'maintenance'];
 const kIsText = /\.(?:html|css|js|svg)$/;
@@ -44,7 +44,7 @@ async function make() {
   const words = {
     BASE: asset('base', 'css', base), LOGIN: asset('login', 'js', login),
     APP: asset('app', 'js', app), LATER: comeLater,
-    // A browser looks at the icon again at each change of page, and keeps what has a hash.
+    // A browser checks the icon again at each change of page, but caches files with a hash.
     ICON: asset('icon', 'svg', read('documents', 'icon.svg')),
   };
   // Guarded sheets keep their names; a page that is open during an upgrade sees the new mark.
@@ -65,7 +65,7 @@ function writeOut(folder, files) {
   const now = new Date();
   const put = (path, bytes) => {
     writeFileSync(join(folder, path), bytes);
-    utimesSync(join(folder, path), now, now);  // a compressed form must not be the older one
+    utimesSync(join(folder, path), now, now);  // a compressed form must not be older than its file
   };
   rmSync(folder, {recursive: true, force: true});
   mkdirSync(join(folder, 'assets'), {recursive: true});
@@ -79,7 +79,8 @@ function writeOut(folder, files) {
 
 const folder = resolve(process.argv[2] || join(kHere, '../build/web_root'));
 const files = await make();
-// Written beside and moved into place: a daemon that serves it meanwhile sees one or the other.
+// Written beside it and moved into place: a daemon that serves it meanwhile sees the old or the new
+// one.
 writeOut(`${folder}.new`, files);
 rmSync(folder, {recursive: true, force: true});
 renameSync(`${folder}.new`, folder);

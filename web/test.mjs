@@ -1,4 +1,5 @@
-// Bundles the unit tests, as node runs no TypeScript, and runs them: node test.mjs [part of a name]
+// Bundles the unit tests, because node does not run TypeScript, and runs them: node test.mjs [part
+// of a name]
 import {spawnSync} from 'node:child_process';
 import {mkdtempSync, readdirSync, rmSync} from 'node:fs';
 import {tmpdir} from 'node:os';

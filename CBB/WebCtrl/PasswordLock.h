@@ -9,7 +9,7 @@ struct stLockOfPassword;
 struct stLockState {
   int nErrorCount;
   uint32_t uiTime;  // seconds since the lock; the raw lock time once it has expired
-  bool bLockOver;   // there were five wrong entries, and the hour of lock-out has passed
+  bool bLockOver;   // there were there were five wrong entries, and the hour of lock-out has passed
 };
 
 // Evaluates the device's record at uiNow (seconds since the epoch, on the service's clock).

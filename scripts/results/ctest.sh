@@ -9,7 +9,8 @@ shift
 report=$WEBCTRL_RESULTS.xml
 status=0
 rm -f "$report"
-# The output of every test goes whole into the report: it tells how the tests inside it went.
+# The report contains the whole output of every test, which shows the results of the tests inside
+# it.
 PYTEST_ADDOPTS=-rs ctest --test-dir "$folder" --output-on-failure --no-tests=error \
   --output-junit "$report" --test-output-size-passed 10000000 --test-output-size-failed 10000000 \
   "$@" || status=1

@@ -1,11 +1,11 @@
 #!/usr/bin/python3
-"""Prints lines of results: count, outcome, test and, for what was skipped, the reason.
+"""Prints lines of results: count, outcome, test and, for skipped ones, the reason.
 
 usage: read.py report <report of ctest --output-junit>
        read.py output <test> <exit status> <what it printed>
 
-A file of pytest or node is one test of CTest. Here the tests inside it count, by what pytest -rs and
-node --test print.
+A file of pytest or node is one CTest test. Here the tests inside it are counted, from the output of
+pytest -rs and node --test.
 """
 
 import collections
@@ -13,7 +13,7 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-# The last line of a pytest session; a file whose tests are shared among sessions has several.
+# The last line of a pytest session; a file whose tests run in several sessions has several.
 PYTEST_END = re.compile(r"^(?:=+ )?(\d+ \w+(?:, \d+ \w+)*) in [\d.]+s.*$", re.M)
 PYTEST_SKIPPED = re.compile(r"^SKIPPED \[(\d+)\] \S+?: (.*)$", re.M)
 NODE_END = re.compile(r"^(?:#|ℹ) (pass|fail|cancelled|skipped|todo) (\d+)$", re.M)
@@ -26,7 +26,7 @@ OUTCOMES = {"passed": "passed", "xfailed": "passed", "pass": "passed", "failed":
 
 
 def inner_counts(text):
-    """Outcome -> number of the tests inside, empty when the text tells of none."""
+    """Outcome -> number of the tests inside; empty when the text mentions none."""
     counts = collections.Counter()
     told = [pair.split(" ")[::-1] for end in PYTEST_END.findall(text) for pair in end.split(", ")]
     for word, number in told + NODE_END.findall(text):
@@ -44,7 +44,7 @@ def inner_reasons(text):
 
 
 def outcome_of(case):
-    """What CTest itself says: a test that it could not start is none that may be skipped."""
+    """CTest's own verdict: a test that it could not start must not count as skipped."""
     skipped = case.find("skipped")
     if case.get("status") == "run":
         return "passed"
@@ -56,7 +56,7 @@ def outcome_of(case):
 
 
 def results(outcome, text):
-    """What a test that printed this text counts as: (count, outcome, reason) for each."""
+    """The results of a test that printed this text: (count, outcome, reason) for each."""
     counts, reasons = inner_counts(text), inner_reasons(text)
     if outcome == "failed" and not counts["failed"] or not counts:
         counts[outcome] += 1

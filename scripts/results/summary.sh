@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# summary.sh <folder> [file]: tells what the stages of test.sh have run, from the folder that it keeps
-# their results in. With a file of tests that may be skipped, any other skipped test is a failure.
+# summary.sh <folder> [file]: summarises what the stages of test.sh have run, from the folder with
+# their results. With a file of tests that may be skipped, any other skipped test is a failure.
 #
 # <folder>/stages has a line for each stage: name, outcome, seconds. <folder>/<stage>.tsv has lines of
 # count, outcome, test and reason, separated by tabs.

@@ -1,4 +1,5 @@
-"""The summary of scripts/test.sh: what CTest, pytest, node and GoogleTest ran, and why not the rest."""
+"""The summary of scripts/test.sh: what CTest, pytest, node and GoogleTest ran, and why they skipped
+the rest."""
 
 import os
 import shutil
@@ -66,7 +67,7 @@ TESTS = {
 
 
 def quoted(command):
-    """A command of a shell as CTest's file has it."""
+    """A shell command in the form for CTest's file."""
     return " ".join(f"[==[{word}]==]" for word in ["sh", "-c", command])
 
 

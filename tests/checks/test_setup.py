@@ -1,4 +1,4 @@
-"""What a newcomer meets in scripts/run.sh: help, Ctrl-C, and messages that name the true cause."""
+"""What a newcomer sees of scripts/run.sh: help, Ctrl-C, and messages that name the true cause."""
 
 import http.server
 import os
@@ -14,7 +14,7 @@ import pytest
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SCRIPTS = os.path.join(ROOT, "scripts")
 
-# Stands for apt-get: tells which step has begun, and ends when the file "go" is there.
+# A stand-in for apt-get: reports which step has begun, and exits when the file "go" exists.
 APT_GET = """#!/bin/sh
 step=install
 case "$*" in *update) exit 0 ;; *--download-only*) step=download ;; esac
@@ -98,7 +98,7 @@ def cause_in(text, tmp_path):
 
 
 def apt_get(folder, source, *words):
-    """What the real apt-get says, in a state of its own in `folder`."""
+    """The output of the real apt-get with its own state in `folder`."""
     for name in ("lists/partial", "cache/archives/partial", "dpkg/updates", "parts"):
         (folder / name).mkdir(parents=True, exist_ok=True)
     (folder / "sources").write_text(source)
@@ -156,7 +156,7 @@ def test_cause_is_a_certificate(tmp_path):
     assert cause_in(text, tmp_path).startswith("a server's certificate is not accepted"), text
 
 
-# What cannot be brought about here, in the words of apt-get and npm.
+# Causes that cannot be produced here, in the words of apt-get and npm.
 TOLD = [
     ("E: Could not get lock /var/lib/dpkg/lock-frontend. It is held by process 7 (apt-get)",
      "another package manager"),

@@ -46,7 +46,7 @@ def test_documents_name_the_packages_of_it():
 
 
 def test_it_stands_in_no_source():
-    """So that a release changes VERSION, the changelog and the documents, and nothing else."""
+    """A release changes only VERSION, the changelog and the documents."""
     told = subprocess.run(["git", "grep", "-lF", VERSION], cwd=ROOT, check=True,
                           capture_output=True, text=True).stdout.split()  # fmt: skip
     documents = re.compile(r"VERSION|CHANGELOG\.md|README\.md|docs/.*|.*package-lock\.json|fuzz/.*")

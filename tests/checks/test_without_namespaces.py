@@ -1,7 +1,8 @@
-"""Where the machine refuses namespaces, what needs none runs, and the rest says why it does not.
+"""Where the machine refuses namespaces, tests that need none run, and the others say why they do
+not.
 
-A user namespace that may have no others inside stands for such a machine. Where even that is refused,
-this is such a machine.
+A user namespace without permission for nested ones simulates such a machine. Where even that is
+refused, this is such a machine.
 """
 
 import os
@@ -21,7 +22,7 @@ REASON = "no private network namespace"
 
 
 def run(path, *options):
-    """Exit status, and the words for how many passed and were skipped, with the reasons."""
+    """Exit status, and the text with how many passed and were skipped, and the reasons."""
     refuse = ["unshare", "-U", "-r", "sh", "-c", REFUSE, "sh"] if MAY else []
     command = [sys.executable, "-m", "pytest", "-q", "-rs", "-p", "no:cacheprovider", *options]
     environment = {**os.environ, "PYTHONPATH": os.path.join(ROOT, "tests/blackbox")}

@@ -29,7 +29,7 @@ wait_until() {
 listener() { ss -H -lntp 'sport = :80' | sed -n 's/.*pid=\([0-9]*\).*/\1/p'; }
 silent() { [ -z "$(listener)" ]; }
 
-# Another process than the last one serves the pages and answers.
+# A new process serves the pages and answers.
 is_new_service() {
   local now
   now=$(listener)
@@ -45,7 +45,7 @@ expect_new_service() {
   say "serves $1"
 }
 
-# Starts again by itself after a death; "$last" stays the dead one until then.
+# It restarts by itself after it was killed; "$last" is the dead one until then.
 expect_revival() {
   kill -9 "$last"
   expect_new_service "after its death"
@@ -61,7 +61,8 @@ make_devices() {
   mknod -m 666 "$top/dev/tty" c 5 0
 }
 
-# What a purge must leave as it was: all but the package manager's and the journal's own files.
+# What a purge must leave unchanged: everything but the package manager's and the journal's own
+# files.
 files() {
   (cd "$top" && find . -xdev -path ./opt -prune -o -path ./var/lib/dpkg -prune -o \
     -path ./var/log -prune -o -path ./var/lib/systemd -prune -o -path ./root -prune -o \
@@ -69,7 +70,7 @@ files() {
     -path ./tmp -prune -o -path ./var/tmp -prune -o -print | sort)
 }
 
-# lifecycle <command>...: what the commands check stands between the installation and the upgrade.
+# lifecycle <command>...: runs the commands between the installation and the upgrade.
 lifecycle() {
   cp "$root"/build/release/packages/webctrl_*_*.deb "$top/root/first.deb"
   cp "$work"/upgrade/webctrl_99.0.0_*.deb "$top/root/later.deb"
@@ -116,7 +117,7 @@ check_sysvinit() {
   check_stranger /etc/init.d/webctrl
 }
 
-# systemd wants a control group of its own, which is removed in the end.
+# systemd needs its own control group, which is removed at the end.
 enter_group() {
   groups=$work/groups
   mkdir -p "$groups"

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# contents.sh: what lies in the packages that scripts/package.sh has made, without installing them.
+# contents.sh: checks the content of the packages made by scripts/package.sh, without installing
+# them.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$0")/../../scripts/common.sh"
 
@@ -37,7 +38,7 @@ check_sums() {
     fail "the sums of $1 are those of other files"
 }
 
-# Wherever a version stands, it is that of the file VERSION.
+# Every version is that of the file VERSION.
 check_version() {
   local tree=$work/$1 deb
   deb=$(echo "$root/build/$1/packages"/webctrl_*.deb)
@@ -49,7 +50,7 @@ check_version() {
     fail "the changelog has faults"
 }
 
-# Each library that is linked in, or bundled with the pages, by its holder of rights and its licence.
+# Each library that is linked in or bundled with the pages, with its copyright holder and licence.
 check_notices() {
   local plain all
   plain=$(cat "$work/$1/deb/usr/share/doc/webctrl/copyright")
@@ -79,7 +80,7 @@ check_static_notices() {
   has "the notices" "GNU LESSER GENERAL PUBLIC LICENSE" "$2"
 }
 
-# The symbols are those of the executable in the packages, which has none itself.
+# The symbols belong to the executable in the packages, which has none itself.
 check_symbols() {
   local program=$work/$1/tar/opt/webctrl/bin/webctrl id file
   id=$(readelf -n "$program" | sed -n 's/^ *Build ID: //p')
@@ -95,7 +96,7 @@ check_arm_needs() {
     fail "the ARM .deb needs other things: $(dpkg-deb -f "$deb" Architecture Depends)"
 }
 
-# Errors and warnings; packaging/deb/lintian-overrides has those that are wanted, with reasons.
+# Errors and warnings; packaging/deb/lintian-overrides has the accepted ones, with reasons.
 check_lintian() {
   lintian --no-cfg --allow-root --fail-on error,warning "$root/build/$1/packages"/*.deb ||
     fail "lintian finds faults in the .deb of $1"

@@ -33,14 +33,14 @@ make_bare_debian() {
   rm -rf "$work/debian"
 }
 
-# The same files under a later version.
+# The same files with a later version.
 make_upgrade() {
   rm -rf "$work/upgrade"
   cpack --config "$root/build/release/CPackConfig.cmake" -G DEB -D CPACK_PACKAGE_VERSION=99.0.0 \
     -B "$work/upgrade" >"$work/upgrade.log" 2>&1 || fail "no upgrade, see $work/upgrade.log"
 }
 
-# ended <part> <status>: 77 says that this machine cannot do it.
+# ended <part> <status>: 77 means that this machine cannot do it.
 ended() {
   case $2 in
     0) record passed "$1" ;;
@@ -58,7 +58,7 @@ run_case() {
   return $status
 }
 
-# They wait most of their time, each in namespaces of its own.
+# They mostly wait, each in its own namespaces.
 run_cases() {
   local name status
   local -A pids=()

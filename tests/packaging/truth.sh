@@ -7,7 +7,7 @@ unit_state() { inside systemctl show --value -p "$2" "$1"; }
 unit_is() { [ "$(unit_state webctrl.service ActiveState)" = "$1" ]; }
 has_tried_again() { [ "$(unit_state webctrl.service NRestarts)" -gt 1 ]; }
 
-# expect_trouble <what>: a start says that it has failed, and is tried again and again.
+# expect_trouble <what>: a start reports its failure, and is repeated.
 expect_trouble() {
   inside systemctl stop webctrl
   ! inside systemctl start webctrl 2>>"$work/$name.log" || fail "a start works $1"
@@ -47,7 +47,7 @@ check_unit() {
   check_deference
 }
 
-# The look that the timer takes every minute.
+# The check that the timer makes every minute.
 check_health() {
   inside systemctl start webctrl-health.service
   [ "$(listener)" = "$last" ] || fail "a daemon in good health was restarted"
@@ -87,7 +87,7 @@ check_script() {
   silent || fail "a stop leaves the daemon of a killed supervisor"
 }
 
-# A daemon that somebody has started by hand is neither killed nor doubled.
+# A daemon started by hand is neither killed nor started twice.
 check_stranger() {
   inside /opt/webctrl/bin/webctrl >/dev/null 2>&1 &
   wait_until "a daemon started by hand" is_new_service

@@ -47,7 +47,7 @@ export class Rig extends Pair {
     const page = await context.newPage();
     page.errors = [];
     page.on('pageerror', (error) => page.errors.push(error.message));
-    page.on('dialog', (question) => question.accept());  // leaving with changes asks
+    page.on('dialog', (question) => question.accept());  // leaving with changes asks for confirmation
     return page;
   }
 

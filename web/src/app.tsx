@@ -64,7 +64,7 @@ function askBeforeLeaving(event: BeforeUnloadEvent) {
   event.returnValue = '';
 }
 
-// A browser may bring back the page as it was left, after a sign-out.
+// A browser may restore the page as it was left, after a sign-out.
 function leaveIfSignedOut(event: PageTransitionEvent) {
   if (event.persisted && !sessionId()) location.replace('login.html');
 }

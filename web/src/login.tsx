@@ -1,4 +1,4 @@
-// The sign-in: a document of its own, as its name is part of the service's interface.
+// The sign-in: a separate document, because its name is part of the service's interface.
 import {render} from 'preact';
 import {useEffect, useState} from 'preact/hooks';
 import {loadPreferences} from './state/preferences';
@@ -15,12 +15,12 @@ const asked = location.hash.replace(/^#\/?/, '');
 const script = document.currentScript;
 const app = (script && script.getAttribute('data-app')) || '';
 
-// The page that was asked for.
+// The page that was requested.
 const go = () => location.replace(`app.html#/${asked === kMoved ? '' : asked}`);
 
 let fetched = false;
 
-// The application comes while the password is typed.
+// The application loads while the password is typed.
 function prefetch() {
   if (fetched) return;
   fetched = true;

@@ -16,7 +16,7 @@ export function holdClock() {
   Object.assign(globalThis, {setTimeout: setTimer, clearTimeout: clearTimer});
 }
 
-// Runs what is due, in order of time.
+// Runs due timers in order of time.
 export function tick(ms: number) {
   const end = now + ms;
   for (;;) {

@@ -1,4 +1,5 @@
-// The layers of the pages: what each may import, how long a file may be, what none may do.
+// The layers of the pages: what each may import, how long a file may be, what is forbidden
+// everywhere.
 import assert from 'node:assert/strict';
 import {readFileSync, readdirSync} from 'node:fs';
 import {join, posix} from 'node:path';
@@ -8,14 +9,14 @@ declare const PROJECT: string;
 
 const kSources = join(PROJECT, 'web/src');
 const kMostLines = 300;
-// What a layer may import besides itself. Types of the words may go everywhere.
+// What a layer may import besides itself. The words' types are allowed everywhere.
 const kMay: Record<string, string[]> = {
   recorder: [], words: [], model: ['recorder'], state: ['recorder', 'model', 'words'],
   later: ['state', 'words', 'views', 'lean-qr'],
   views: ['recorder', 'model', 'state', 'words', 'preact'],
   '': ['recorder', 'model', 'state', 'words', 'views', 'preact'],
 };
-// The only modules that talk to the network, and the one that knows the page besides the views.
+// The only modules that use the network, and the only one besides the views that knows the page.
 const kWire = ['recorder/wire.ts'];
 
 function find(folder: string): string[] {

@@ -1,5 +1,5 @@
-// Checks a value against its field, in the bytes that are stored and that travel. What the recorder
-// itself holds is right: only what the user changed is checked.
+// Checks a value against its field, in the bytes that are stored and sent. The recorder's own
+// values count as valid: only what the user changed is checked.
 import {storedLength, unstorable, wireLength} from '../recorder/gbk';
 import {applies, equal, meant, type Field, type Values} from './fields';
 import type {WordKey} from '../words';
@@ -21,7 +21,7 @@ export const isAddress = (text: string) => kIpv4.test(text);
 const bitsOf = (address: string) =>
   address.split('.').reduce((bits, part) => bits * 256 + Number(part), 0);
 
-// Ones, then zeros.
+// One bits, then zero bits.
 export function isNetmask(text: string): boolean {
   if (!isAddress(text)) return false;
   const hosts = 0xffffffff - bitsOf(text);
@@ -53,7 +53,8 @@ function checkNumber(field: Field, value: string): Problem | null {
   return null;
 }
 
-// The rule holds for the three together: a gateway that another network made wrong is told too.
+// The rule covers all three: a gateway that became wrong by a change of the network is reported,
+// too.
 function checkAddress(field: Field, value: string, values: Values): Problem | null {
   if (!isAddress(value)) return problem('error.address');
   if (!field.inside || value === kNone) return null;

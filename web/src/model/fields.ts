@@ -1,7 +1,7 @@
-// A setting as data: where the recorder keeps it, what it may hold, how it is called.
+// A setting as data: where the recorder keeps it, which values it allows, what it is called.
 import type {WordKey} from '../words';
 
-// Texts by path, as the recorder has them. A path that is missing is not known.
+// Texts by path, as the recorder has them. A missing path is unknown.
 export type Values = Record<string, string>;
 
 // A word of the pages, or one that is made from the setting's name.
@@ -16,9 +16,9 @@ export interface Field {
   group?: () => string;  // what a label that is made belongs to
   labelValues?: Record<string, string | number>;
   help?: WordKey;
-  bytes?: number;  // what the recorder's record holds
+  bytes?: number;  // capacity of the recorder's record
   least?: number;  // bytes
-  most?: number;  // bytes, where less than the record holds is right
+  most?: number;  // bytes, where fewer than the record's are allowed
   min?: number;
   max?: number;
   options?: readonly (readonly [string, WordKey])[];
@@ -28,7 +28,7 @@ export interface Field {
   needed?: boolean;  // must be known before it is sent
   fixed?: boolean;  // told by the recorder, no setting
   apart?: boolean;  // identifies this recorder: nothing for another one
-  entities?: boolean;  // the value travels with entities, which must fit too
+  entities?: boolean;  // the value is sent with entities, which must fit, too
 }
 
 type More = Partial<Field>;
@@ -50,7 +50,7 @@ export const netmask: Make = (path, label, more) => ({path, kind: 'mask', label,
 
 const kTrimmed = new Set(['number', 'address', 'mask', 'host', 'mac', 'decimal', 'time', 'hex']);
 
-// What is meant by what was typed.
+// The value meant by what was typed.
 export const meant = (field: Field, value: string) =>
   kTrimmed.has(field.kind) ? value.trim() : value;
 
@@ -68,7 +68,8 @@ export const applies = (field: Field, values: Values) => !field.when || field.wh
 
 export interface Change { field: Field; from: string | undefined; to: string }
 
-// What differs, of what applies to the wanted values and does not change by itself.
+// The differences, among the fields that apply to the wanted values and do not change by
+// themselves.
 export function changesOf(fields: Field[], from: Values, to: Values): Change[] {
   const changes: Change[] = [];
   for (const field of fields) {

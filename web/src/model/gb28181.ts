@@ -1,5 +1,5 @@
 // GB28181: the flags byte as a switch and a stream type, and the IDs of each channel. The set
-// endpoint writes the IDs of eight channels and knows those of one, so that changes are imported.
+// endpoint writes the IDs of eight channels and knows those of one, so changes are imported.
 import {code, isOn, onOff, port, secret, text, type Field, type Values} from './fields';
 import type {Read} from './sections';
 import type {WordKey} from '../words';
@@ -15,7 +15,7 @@ const kIdBytes = 31;
 export const idPath = (k: number, name: string) =>
   `${kSection}stGB28181SubID/SUBDEVID_${k}/${name}`;
 
-// Channels that the configuration names or the recorder counts; the first alone without either.
+// Channels that the configuration names or the recorder counts; without either, only the first.
 function channels({reply, settings}: Read): number {
   const counted = Number((settings && settings.get('stVersion/VideoCnt')) || reply.iVideoChnCount);
   let named = 0;
@@ -73,7 +73,7 @@ export function gbValues({reply, settings}: Read, fields: Field[]): Values {
   return values;
 }
 
-// The byte that the recorder keeps: 0 for off, bit 0 for on, bit 7 the stream type.
+// The byte that the recorder stores: 0 for off, bit 0 for on, bit 7 the stream type.
 export function gbWanted(changed: Values, all: Values): Values {
   const {[kGbEnable]: enable, [kGbStream]: stream, ...wanted} = changed;
   if (enable === undefined && stream === undefined) return wanted;

@@ -1,4 +1,4 @@
-// A file against the recorder: what an import would change, and what of it to leave out at first.
+// Compares a file with the recorder: what an import would change, and what to leave out by default.
 import type {Settings} from '../recorder/config';
 
 // `from` is null where the recorder lacks a setting of the file.
@@ -6,11 +6,11 @@ export interface ImportRow { path: string; from: string | null; to: string; chos
 
 export const kDeviceNo = 'stBaseInfo/strFD_DeviceNo';
 
-// What a recorder tells about itself is no setting.
+// What a recorder reports about itself is not a setting.
 const kNoSetting = /^(?:stSystemInfo|stVersion)\//;
-// Moves by itself: an old value would set it back.
+// Changes by itself: an old value would set it back.
 const kLive = /^(?:stBaseInfo\/(?:strFD_CurTime|ucFD_NowIsDst)|stLockOfPassword\/.*)$/;
-// Says which recorder, vehicle or place in the network this is.
+// Identifies this recorder, its vehicle or its place in the network.
 const kIdentity = new RegExp('/(?:strFD_(?:DeviceNo|DeviceNum|LicensePlate|Phonenumber|' +
     'Authentication|TerminalID|CarVIN|DeviceId|DeviceUser|LensId|AudioInId|AlarmInId|Mac)|' +
     'uiFD_(?:LocalIp|IP|NetMask|GateWay|DNS))$');
@@ -25,7 +25,7 @@ export function foreignNumber(now: Settings, file: Settings): string | null {
   return number && number !== now.get(kDeviceNo) ? number : null;
 }
 
-// What the recorder has and the file has not stays as it is.
+// What the recorder has and the file lacks does not change.
 export function compareFile(now: Settings, file: Settings): ImportRow[] {
   const foreign = foreignNumber(now, file) !== null;
   const rows: ImportRow[] = [];

@@ -1,4 +1,4 @@
-// What the user typed against what the recorder holds now, when that has changed meanwhile.
+// Compares what the user typed with what the recorder holds now, when that has changed meanwhile.
 import {equal, type Change, type Field, type Values} from './fields';
 
 export interface Merged {

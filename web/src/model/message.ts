@@ -1,4 +1,4 @@
-// What is sent for a section: its form, or an import of just what was changed.
+// What is sent for a section: its form, or an import of only the changes.
 import {toEntities, wireLength} from '../recorder/gbk';
 import {configOf} from '../recorder/config';
 import type {Element} from '../recorder/xml';
@@ -28,7 +28,7 @@ function startOf(paths: string[]): [string, string][] {
   return cameras.length ? [['stMainStream/StartChn', String(Math.min(...cameras))]] : [];
 }
 
-// Switches travel as 0 and 1.
+// Switches are sent as 0 and 1.
 const sent = (field: Field, value: string) =>
   field.kind === 'switch' ? (isOn(value) ? '1' : '0') : meant(field, value);
 
@@ -47,7 +47,7 @@ export function messageFor(section: Section, fields: Field[], changed: string[],
   return {config: configOf(settings, startOf(settings.map(([path]) => path)))};
 }
 
-// The platform's address travels under one name, whichever of its two fields applies.
+// The platform's address is sent under one name, whichever of its two fields applies.
 function withWires(fields: Field[], values: Values): Field[] {
   return fields.map((field) => {
     if (field.path !== 'stCMS/uiFD_IP' && field.path !== 'stCMS/strFD_Domain') return field;

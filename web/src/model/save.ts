@@ -1,4 +1,4 @@
-// One save up to its settled end. Knows no page and no field, so that every end can be tested.
+// One save up to its final result. It knows no page and no field, so every result can be tested.
 import {kindOf, type FaultKind} from '../recorder/fault';
 
 // applied: read back as sent; partly: accepted, and the recorder holds other values; unchanged:
@@ -39,7 +39,7 @@ async function readBack<T>(load: () => Promise<T>, tries: number, pauseMs: numbe
       return await load();
     } catch (caught) {
       const kind = kindOf(caught);
-      left -= kind === 'serviceSilent' ? kTries / 2 : 1;  // that one has cost its time already
+      left -= kind === 'serviceSilent' ? kTries / 2 : 1;  // its time has already passed
       if (left <= 0 || kind === 'deviceSilent') throw caught;
     }
     await new Promise((resume) => { setTimeout(resume, pauseMs); });
@@ -56,7 +56,7 @@ export interface Saving<T> {
   pauseMs?: number;
 }
 
-// Sends and reads back. `after` is null when what the recorder holds is not known.
+// Sends and reads back. `after` is null when it is unknown what the recorder holds.
 export async function save<T>({load, send, same, before, sent, progress, pauseMs = kPauseMs}:
     Saving<T>): Promise<{end: SaveEnd; after: T | null}> {
   let answer: Answer | null = null;

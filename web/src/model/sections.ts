@@ -1,5 +1,5 @@
-// The sections as data; forms, review, undo and read-back are made from them. Where a set endpoint
-// would overwrite what it does not know, the section is saved by an import of what changed.
+// The sections as data, from which forms, review, undo and read-back are made. Where a set endpoint
+// would overwrite values that it does not know, the section is saved by an import of the changes.
 import {gbFields, gbValues, gbWanted} from './gb28181';
 import {address, bitRate, code, frameRate, netmask, onOff, port, secret, text, type Field,
   type Values} from './fields';
@@ -21,12 +21,12 @@ export interface Section {
   page: PageId;
   also?: PageId;  // shows it, too, and changes nothing
   title: WordKey;
-  get?: Query;  // asked always, or, with `whole`, where the configuration cannot be had
+  get?: Query;  // always queried; with `whole`, only where the configuration is not available
   whole?: boolean;
   set?: string;  // the set endpoint; without it the changes are imported
   fields: (read: Read) => Field[];
   values?: (read: Read, fields: Field[]) => Values;  // otherwise by wire, then by path
-  wanted?: (changed: Values, all: Values) => Values;  // what is imported for what was changed
+  wanted?: (changed: Values, all: Values) => Values;  // what to import for the changes
 }
 
 const list = (...fields: Field[]) => () => fields;
@@ -60,7 +60,7 @@ const camera = (k: number): Field[] => {
   ];
 };
 
-// Every camera that the configuration names; the first alone without one.
+// Every camera that the configuration names; without any, only the first.
 function cameras({settings}: Read): Field[] {
   const all: Field[] = [];
   for (let k = 0; k < kMost; k++) {
@@ -71,7 +71,7 @@ function cameras({settings}: Read): Field[] {
   return all;
 }
 
-// The endpoint tells the values of the working mode's network only.
+// The endpoint has only the values of the working mode's network.
 function wifiFields({reply}: Read): Field[] {
   const own = Number(reply.ucFD_WorkMode) === 2 ? ap : wifi;
   const dhcp = (more: Partial<Field>) => onOff(`${ap}ucFD_DhcpEnableFlag`, 'dhcp', more);

@@ -3,7 +3,7 @@ import type {Values} from './fields';
 import {readPlace, type Place} from './position';
 import type {WordKey} from '../words';
 
-// `tone` says whether something is wrong: bad and warn stand out, what is right stays quiet.
+// `tone` says whether something is wrong: bad and warn stand out, normal values do not.
 export type Tone = '' | 'bad' | 'warn';
 export type Shown =
     | {kind: 'text'; text: string; tone: Tone}
@@ -24,7 +24,7 @@ const place = (value = ''): Shown =>
   ({kind: 'place', text: value.trim(), place: readPlace(value), tone: ''});
 export const link = (value?: string) =>
   isSet(value) ? words('status.online') : words('status.offline', 'warn');
-// What a module needs is missed when the module is there.
+// What a module needs is missing only if the module is present.
 const needed = (value?: string, module?: string) =>
   words(isSet(value) ? 'status.fitted' : 'status.missing',
       isSet(module) && !isSet(value) ? 'warn' : '');
@@ -49,7 +49,7 @@ export function signal(value = ''): Shown {
 const kUnits: Record<string, number> = {k: 1e3, m: 1e6, g: 1e9, t: 1e12};
 const kSizes = /^\s*([\d.]+)\s*([kmgt])i?b?\s*\/\s*([\d.]+)\s*([kmgt])i?b?\s*$/i;
 
-// "931.5GB/412.7GB" is what a disk holds and what is free of it; anything else is shown as it is.
+// "931.5GB/412.7GB" is a disk's capacity and free space; anything else is shown unchanged.
 export function disk(exists = '', size = '', other = ''): Shown {
   if (!isSet(exists)) return words('status.missing', isSet(other) ? '' : 'bad');
   const match = kSizes.exec(size);
@@ -62,7 +62,7 @@ export function disk(exists = '', size = '', other = ''): Shown {
   return {kind: 'disk', text: size, used, tone: used >= kFullDisk ? 'warn' : ''};
 }
 
-// A row of digits is one input each.
+// In a row of digits each one is an input.
 const inputs = (value = ''): Shown => /^[01]+$/.test(value) ?
   {kind: 'inputs', states: Array.from(value, isSet)} : text(value);
 

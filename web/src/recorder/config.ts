@@ -5,7 +5,7 @@ import {unstorable} from './gbk';
 import {query, type Turn} from './wire';
 import {printXml, readXml, type Element, type XmlError} from './xml';
 
-// What the service takes.
+// What the service accepts.
 export const kImportBytes = 30719;
 const kDepth = 32;
 const kRoot = 'VariCfgSec';
@@ -17,7 +17,7 @@ export const isSecret = (path: string) => /pass(?:wd|word)?$|pwd$/i.test(path);
 export type FileError = XmlError | {error: 'foreign' | 'empty' | 'deep'}
     | {error: 'char'; char: string; name: string} | {error: 'long'; used: number};
 
-// Every setting by its path; `repeated` hears a path that comes twice.
+// Every setting by its path; `repeated` is called for a path that occurs twice.
 export function settingsOf(root: Element, repeated: (path: string) => void = () => {}): Settings {
   const found: Settings = new Map();
   const walk = (element: Element, path: string) => {
@@ -34,7 +34,7 @@ export function settingsOf(root: Element, repeated: (path: string) => void = () 
   return found;
 }
 
-// A document that holds these settings alone. `extra` are attributes of a message, no settings.
+// A document with only these settings. `extra` are attributes of a message, not settings.
 export function configOf(settings: Iterable<[string, string]>, extra: [string, string][] = []) {
   const root: Element = {name: kRoot, attributes: [], children: []};
   for (const [path, value] of [...extra, ...settings]) {
@@ -92,7 +92,7 @@ function check(root: Element): FileError | null {
   return used > kImportBytes ? {error: 'long', used} : null;
 }
 
-// A file's settings, or why it is no configuration that the recorder could take.
+// A file's settings, or the reason why the recorder could not use it.
 export function openFile(bytes: Uint8Array): {settings: Settings} | FileError {
   const text = decodeFile(bytes);
   const begin = text.indexOf(`<${kRoot}`);

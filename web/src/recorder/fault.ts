@@ -1,6 +1,6 @@
-// Why a request brought nothing. 'deviceSilent': the service got no answer of the recorder;
-// 'serviceSilent': the service did not answer in time; 'lost': no connection; 'unreadable': no
-// answer of the service's; 'refused': no valid session; 'dropped': nobody waits for it any more.
+// Why a request failed. 'deviceSilent': the service got no answer from the recorder;
+// 'serviceSilent': the service did not answer in time; 'lost': no connection; 'unreadable': not an
+// answer of the service; 'refused': no valid session; 'dropped': nobody is waiting for it any more.
 export type FaultKind =
     'deviceSilent' | 'serviceSilent' | 'lost' | 'unreadable' | 'refused' | 'dropped';
 
@@ -12,7 +12,7 @@ export class Fault extends Error {
   }
 }
 
-// The kind of something caught; what is no Fault is our own mistake and goes on.
+// The kind of a caught exception; anything but a Fault is our own mistake and is rethrown.
 export function kindOf(caught: unknown): FaultKind {
   if (caught instanceof Fault) return caught.kind;
   throw caught;

@@ -1,9 +1,9 @@
-// The session gate. It looks at requests for the two guarded style sheets alone, and leaves refused
-// ones without an answer: refused is what is still silent when later requests have been answered.
+// The session gate. It checks only requests for the two guarded style sheets and never answers
+// refused ones: a request counts as refused if it has no answer when later ones have been answered.
 import {Fault} from './fault';
 import {readClock, request} from './wire';
 
-// A sheet may come that much later than a file asked for after it; on a slow link later still.
+// A sheet may come this much later than a file requested after it; on a slow link even later.
 const kGraceMs = 1500;
 const kGraceTimes = 3;
 const kWaitMs = 12000;
@@ -32,12 +32,12 @@ export async function passGate<T>(arrival: Promise<T>, witness: Witness = readCl
     const grace = Math.max(kGraceMs, kGraceTimes * (Date.now() - begin));
     setTimeout(() => fail(new Fault('refused')), grace);
   }));
-  refusal.catch(() => {});  // a connection lost here is told by the arrival
+  refusal.catch(() => {});  // the arrival reports a connection lost here
   arrival.catch(() => {});
   return Promise.race([arrival, refusal]);
 }
 
-// Renews the session. Gives the guarded sheet's text, or throws 'refused'.
+// Renews the session. Returns the guarded sheet's text, or throws 'refused'.
 export async function renewSession(witness?: Witness): Promise<string> {
   if (!sessionId()) throw new Fault('refused');
   const sheet = request(sheetUrl('page.css'), {}, kWaitMs)

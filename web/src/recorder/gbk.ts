@@ -1,9 +1,9 @@
-// Text for the recorder, which keeps GBK (code page 936): bytes, XML entities, form encoding. The
-// service writes form values into XML as they come, so `"`, `<` and `&` travel as entities.
+// Text for the recorder, which stores GBK (code page 936): bytes, XML entities, form encoding. The
+// service writes form values into XML unchanged, so `"`, `<` and `&` are sent as entities.
 
 const kEntities: Record<string, string> = {'"': '&quot;', '<': '&lt;', '&': '&amp;'};
 
-// Codes that browsers decode but code page 936 leaves free; an export cannot carry them.
+// Codes that browsers decode but code page 936 does not assign; an export cannot contain them.
 const kFreeCodes: readonly (readonly [number, number])[] = [
   [0xa2e3, 0xa2e3], [0xa3a0, 0xa3a0], [0xa6d9, 0xa6df], [0xa6ec, 0xa6ed], [0xa6f3, 0xa6f3],
   [0xa8bc, 0xa8bc], [0xa8bf, 0xa8bf], [0xa989, 0xa995], [0xfe50, 0xfea0],
@@ -54,16 +54,16 @@ export function encodeGbk(text: string): Uint8Array {
   return Uint8Array.from(bytes);
 }
 
-// A text as it stands inside an XML attribute of a message.
+// A text as written inside an XML attribute of a message.
 export const toEntities = (text: string) =>
   text.replace(/["<&]/g, (char) => kEntities[char] || char);
 
-// Bytes that a value takes on its way (entities) and in the recorder (plain).
+// Bytes that a value needs in transit (with entities) and in the recorder (plain).
 export const wireLength = (text: string) => encodeGbk(toEntities(text)).length;
 export const storedLength = (text: string) => encodeGbk(text).length;
 
-// The dot is escaped too: a request that names a guarded style sheet, even in a value, may stay
-// without an answer.
+// The dot is escaped, too: a request that names a guarded style sheet, even in a value, may never
+// be answered.
 export function percentEncode(bytes: Uint8Array): string {
   let out = '';
   for (const byte of bytes) {

@@ -1,4 +1,5 @@
-// The lock after wrong passwords: the recorder keeps a count and a time, the pages count.
+// The lock after wrong passwords: the recorder stores a count and a time, the pages do the
+// counting.
 import {query, send, serviceTime} from './wire';
 
 export const kWrongEntries = 5;

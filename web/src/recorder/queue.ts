@@ -1,4 +1,4 @@
-// One request at a time: the recorder serves no more. Work waits in order, a save before readings.
+// One request at a time: the recorder serves no more. Work waits in order, saves before reads.
 import {Fault} from './fault';
 
 interface Job { work: () => Promise<void>; drop: () => void; group: string; urgent: boolean }
@@ -24,7 +24,7 @@ export class Queue {
     });
   }
 
-  // Forgets what waits for a group; what runs already goes on.
+  // Drops what is waiting for a group; work in progress continues.
   drop(group: string) {
     const dropped = this.waiting.filter((job) => job.group === group);
     this.waiting = this.waiting.filter((job) => job.group !== group);

@@ -1,5 +1,5 @@
-// Takes replies apart. Values stand in them unescaped, so a reply is matched against the keys that
-// it is known to carry, in their order and with the fields' widths, and ends with "result".
+// Parses replies. Their values are unescaped, so a reply is matched against its known keys, in
+// order and with the fields' widths, and ends with "result".
 
 // One row per reply: keys in order. "key" is a number, "key:31" a text of at most 31 characters,
 // "key:*" a text of any length, "group/key" opens a group first, "name=key" renames a repeated key.
@@ -40,7 +40,7 @@ export type Query = keyof typeof kReplies;
 export interface Reply { result: boolean; values: Record<string, string> }
 
 const kRow = /^((?:\w+\/)*)(?:(\w+)=)?(\w+)(?::(\d+|\*))?$/;
-const kBetween = '[\\s,{}\\[\\]]*';  // commas and brackets, where they are and where they lack
+const kBetween = '[\\s,{}\\[\\]]*';  // commas and brackets, present or missing
 
 function compileRow(row: string) {
   const [, groups = '', alias, key = '', width] = kRow.exec(row) || [];
@@ -71,8 +71,8 @@ export function readReply(endpoint: string, text: string): Reply | null {
   return {result: match[known.names.length + 1] === '1', values};
 }
 
-// UTF-8 when the bytes are valid UTF-8, GBK otherwise. Short GBK texts can look like sequences of
-// two bytes in UTF-8; the recorder writes GBK, so these are GBK too.
+// UTF-8 when the bytes are valid UTF-8, GBK otherwise. Short GBK texts can look like two-byte UTF-8
+// sequences; the recorder writes GBK, so these are GBK, too.
 export function decodeReply(bytes: Uint8Array): string {
   let text: string;
   try {

@@ -1,11 +1,11 @@
-// The only module that talks to the recorder's service. Each request has a limit, as some get no
-// answer. Knows no page.
+// The only module that talks to the recorder's service. Each request has a time-out, because some
+// get no answer. It knows no page.
 import {Fault, kindOf} from './fault';
 import {encodeGbk, percentEncode} from './gbk';
 import {Queue} from './queue';
 import {decodeReply, readReply, type Query, type Reply} from './replies';
 
-// A silent recorder costs the service 5 s an exchange, an accepted set 2 s more, and somebody
+// A silent recorder costs the service 5 s per exchange, an accepted set 2 s more, and somebody
 // else's request may come first.
 const kWaitMs = 12000;
 const kLongWaitMs = 20000;  // two exchanges, or the whole configuration
@@ -15,7 +15,7 @@ const kClockFile = 'favicon.svg';
 export interface Timed extends Reply { ms: number }
 type Form = Record<string, string>;
 
-// Hears how every request ended; the health of the recorder follows from that alone.
+// Called at the end of every request; the recorder's health follows from that alone.
 export interface Witness {
   heard(reply: Timed): void;
   failed(kind: Fault['kind']): void;
@@ -50,7 +50,8 @@ async function exchange(endpoint: string, options: RequestInit): Promise<Timed> 
   return {...reply, ms: Date.now() - begin};
 }
 
-// A configuration that is too long for the service gets no answer, though the service is well.
+// A configuration that is too long for the service gets no answer, although nothing is wrong with
+// the service.
 async function explain(endpoint: string, kind: Fault['kind']): Promise<Fault['kind']> {
   if (endpoint !== 'export_CfgFile' || kind !== 'serviceSilent') return kind;
   return readClock().then(() => 'unreadable' as const, () => kind);
@@ -90,11 +91,11 @@ function formOptions(values: Form, encode: Encode): RequestInit {
 export const send = (endpoint: string, values: Form, encode: Encode = encodeGbk) =>
   queue.add(() => ask(endpoint, formOptions(values, encode)), 'send', true);
 
-// A configuration travels as UTF-8; the service converts it.
+// A configuration is sent as UTF-8; the service converts it.
 export const sendConfig = (xml: string) =>
   send('import_CfgFile', {strFD_CfgPara: xml}, (text) => new TextEncoder().encode(text));
 
-// The service makes a session for requests that name the login page; some browsers withhold the
+// The service creates a session for requests that name the login page; some browsers omit the
 // Referer.
 export const login = (password: string) =>
   send('cmp_UserSecurity?from=login.html', {strUserName: 'admin', strFD_AdminPasswd: password});

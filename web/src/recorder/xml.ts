@@ -1,5 +1,6 @@
-// A small reader of the recorder's documents: elements and attributes, nothing else counts. Strict
-// about structure, as a file may be cut; lenient about `<` and `&` in values, as recorders are.
+// A small parser for the recorder's documents: only elements and attributes matter. It is strict
+// about structure, because a file may be cut, and lenient about `<` and `&` in values, as recorders
+// are.
 
 export interface Element { name: string; attributes: [string, string][]; children: Element[] }
 
@@ -33,7 +34,7 @@ class Reader {
     return match;
   }
 
-  // What is missing at the end was cut off; anywhere else the document is broken.
+  // An error at the end means that the file was cut; anywhere else the document is broken.
   private fail(): never {
     const line = this.text.slice(0, this.at).split('\n').length;
     const rest = this.text.slice(this.at).trim();
@@ -77,7 +78,7 @@ class Reader {
   }
 }
 
-// The text's first element and all below it.
+// The text's first element and everything below it.
 export function readXml(text: string, strict: boolean): Element | XmlError {
   const reader = new Reader(text, strict);
   try {

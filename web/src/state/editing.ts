@@ -30,7 +30,7 @@ export function type(id: SectionId, field: Field, value: string) {
   keep(id);
 }
 
-// Settles a field that somebody else has changed too.
+// Resolves a field that somebody else has changed, too.
 export function resolveConflict(id: SectionId, path: string, mine: boolean) {
   const state = sectionState(id);
   const conflicts = without(state.conflicts, path);
@@ -68,7 +68,7 @@ const countOf = (state: SectionState | undefined, id: SectionId) => {
   return draft ? Object.keys(draft.typed).length : 0;
 };
 
-// How many changes wait on which page, drafts of pages that are not open included.
+// How many changes are waiting on each page, including drafts of pages that are not open.
 export function waiting(): Partial<Record<PageId, number>> {
   const counts: Partial<Record<PageId, number>> = {};
   for (const {id, page} of kSections) {

@@ -1,10 +1,10 @@
-// One health for all that is shown. The first silence marks everything; what waits is given up, and
-// one question is repeated until the recorder answers again.
+// One health state for everything shown. The first time-out marks everything as old; waiting
+// requests are dropped, and one query is repeated until the recorder answers again.
 import {Fault, type FaultKind} from '../recorder/fault';
 import {query, queue, readClock, setWitness, type Timed} from '../recorder/wire';
 import {get, set} from './store';
 
-// A silent recorder costs the service 5 s, whereas a section that it lacks is told at once.
+// A silent recorder costs the service 5 s, whereas a missing section is reported at once.
 export const kSilenceMs = 4500;
 const kPausesMs = [5000, 5000, 10000, 15000, 30000];
 const kSlowMs = 900;  // an accepted set takes longer than that
@@ -49,7 +49,7 @@ export function failed(kind: FaultKind) {
   if (isSilence(kind)) silent('serviceSilent');
 }
 
-// Asks once: first the service alone, then the recorder behind it.
+// Queries once: first the service alone, then the recorder behind it.
 export async function retryNow() {
   clearTimeout(retry);
   try {
@@ -61,7 +61,7 @@ export async function retryNow() {
   }
 }
 
-// While a set is on its way: what takes long is the restart of an accepted one.
+// While a set is in progress: a long duration means the restart of an accepted set.
 export async function throughRestart<T>(work: () => Promise<T>): Promise<T> {
   const timer = setTimeout(() => {
     if (get().health.state === 'answers')

@@ -1,5 +1,5 @@
-// Memory of the browser: language, theme, drafts. Without it only convenience is lost. Secrets
-// never get here.
+// The browser's storage: language, theme, drafts. Without it only convenience is lost. Secrets are
+// never stored.
 import type {Field, Values} from '../model/fields';
 import type {SectionId} from '../model/sections';
 
@@ -15,7 +15,7 @@ export const remember = (key: string, value: string) =>
   attempt(() => localStorage.setItem(key, value), undefined);
 export const recall = (key: string) => attempt(() => localStorage.getItem(key), null);
 
-// `sent`: the values were on their way when the page was left.
+// `sent`: the values were being sent when the page was left.
 export interface Draft { base: Values; typed: Values; sent?: boolean }
 
 const kDraft = 'draft.';
@@ -29,7 +29,7 @@ function open(values: Values, fields: Field[]): Values {
   return left;
 }
 
-// Keeps what was typed, without secrets; nothing left drops the draft.
+// Keeps what was typed, without secrets; removes the draft when nothing is left.
 export function keepDraft(id: SectionId, fields: Field[], draft: Draft) {
   const typed = open(draft.typed, fields);
   if (!Object.keys(typed).length) return dropDraft(id);

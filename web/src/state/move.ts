@@ -16,7 +16,7 @@ export function newOrigin(held: string | undefined, wanted: string | undefined):
 
 export type Moved = SaveEnd | 'waiting';
 
-// Sends, and tells whether the recorder is on its way. `still` reads the address that it holds.
+// Sends, and returns whether the recorder is moving. `still` reads its current address.
 export async function sendMove(send: () => Promise<Answer>, still: () => Promise<Values>,
     held: string): Promise<Moved> {
   try {
@@ -31,7 +31,7 @@ export async function sendMove(send: () => Promise<Answer>, still: () => Promise
   }
 }
 
-// Waits until the recorder answers there, and goes after it. False when it does not.
+// Waits until the recorder answers there, then follows it. False when it does not answer.
 export async function followTo(origin: string): Promise<boolean> {
   for (let left = kTries; left > 0; left--) {
     if (await answers(origin)) {

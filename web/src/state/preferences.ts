@@ -27,7 +27,7 @@ export function loadPreferences() {
   const theme = recall(kTheme);
   set({theme: isTheme(theme) ? theme : 'auto'});
   dress();
-  // An engine of the time knows only this form of it.
+  // Engines of that time know only this form of it.
   matchMedia(kDark).addListener(dress);
   speakPreferred();
 }

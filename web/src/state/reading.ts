@@ -1,4 +1,4 @@
-// Reads the sections of a page. Sections that need the whole configuration share one reading of it.
+// Reads the sections of a page. Sections that need the whole configuration share one read.
 import {applies, type Values} from '../model/fields';
 import {merge} from '../model/merge';
 import {readOn, valuesOf, type PageId, type Read, type Section} from '../model/sections';
@@ -11,7 +11,7 @@ import {get, patchSection, sectionState, type Note, type SectionState} from './s
 
 type Whole = () => Promise<Settings | null>;
 
-// Nobody waits 5 s for an answer that will not come.
+// Do not wait 5 s for an answer that will not come.
 function requireHealth() {
   const {state} = get().health;
   if (state === 'deviceSilent' || state === 'serviceSilent') throw new Fault(state);
@@ -19,7 +19,7 @@ function requireHealth() {
 
 export interface Fresh { fields: SectionState['fields']; values: Values }
 
-// A configuration that is too long for the service gets no answer; it is not asked for again.
+// A configuration that is too long for the service gets no answer; it is not requested again.
 let tooLong = false;
 
 async function wholeConfig(turn: Turn): Promise<Settings | null> {
@@ -60,7 +60,7 @@ function noteOf(section: SectionState, typed: Values, sent: boolean | undefined,
   return sent ? {kind: 'arrived'} : null;
 }
 
-// Takes a reading over, with what the user typed on top of it.
+// Applies a read, with what the user typed on top of it.
 export function take(section: Section, {fields, values}: Fresh) {
   const state = sectionState(section.id);
   const first = !state.fields.length;

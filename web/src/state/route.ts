@@ -1,4 +1,4 @@
-// Which page is shown: the address decides, so that back, reload and bookmarks work.
+// The address decides which page is shown, so that back, reload and bookmarks work.
 import {sectionsOf, type PageId} from '../model/sections';
 import {queue, readClock} from '../recorder/wire';
 import {loadLock} from './passwordLock';
@@ -35,7 +35,7 @@ function witnessOf(page: PageId) {
   return script && !get().scripts[script] ? () => bring(script).catch(readClock) : undefined;
 }
 
-// Reads what the page shows; again after a silence.
+// Reads what the page shows, and again after a time-out.
 export function read() {
   const {page} = get();
   for (const group of ['page', 'poll']) queue.drop(group);
@@ -46,7 +46,7 @@ export function read() {
   if (page === 'security') void loadLock();
 }
 
-// What was said at an earlier visit is said.
+// Messages of an earlier visit are dropped.
 function forgetNotes(page: PageId) {
   for (const {id} of sectionsOf(page)) {
     const {note, step} = sectionState(id);

@@ -1,4 +1,4 @@
-// The save of a section: checked, reviewed, compared with the recorder, sent, read back, settled.
+// Saves a section: check, review, comparison with the recorder, sending, reading back, result.
 import {clockText} from '../model/clock';
 import {checkAll} from '../model/checks';
 import {changesOf, meant, type Change, type Values} from '../model/fields';
@@ -44,7 +44,7 @@ function meantValues(state: SectionState): Values {
   return values;
 }
 
-// Sends what was changed by the way that loses nothing.
+// Sends the changes in the way that loses nothing.
 function transmit(section: Section, state: SectionState, values: Values): Promise<Answer> {
   const message = messageFor(section, state.fields, Object.keys(state.typed), values,
       () => clockText(new Date()));
@@ -103,7 +103,7 @@ async function moveAway(section: Section, values: Values, origin: string) {
   if (!await followTo(origin)) say(id, {kind: 'movedSilent', where: origin});
 }
 
-// What the recorder holds now: true when it is what the user has seen.
+// Compares the recorder's current values: true when they are what the user has seen.
 async function compare(section: Section): Promise<boolean> {
   const {id} = section;
   const seen = sectionState(id);
@@ -133,7 +133,7 @@ async function run(section: Section) {
 export const endOf = (kind: FaultKind): SaveEnd =>
   kind === 'deviceSilent' || kind === 'serviceSilent' ? kind : 'lost';
 
-// True when there is something to send and nothing wrong with it; says why not.
+// True when there is something valid to send; otherwise reports why not.
 function prepare(id: SectionId): boolean {
   const state = sectionState(id);
   if (Object.keys(state.conflicts).length) return false;
@@ -149,7 +149,7 @@ function prepare(id: SectionId): boolean {
   return false;
 }
 
-// Asks, then saves. Whatever happens, what was typed stays.
+// Asks, then saves. What was typed stays in any case.
 export async function saveSection(id: SectionId) {
   const state = sectionState(id);
   if (state.step || !state.fields.length || !prepare(id)) return;
@@ -166,7 +166,7 @@ export async function saveSection(id: SectionId) {
   }
 }
 
-// The former values into the form, to be reviewed and sent like any others.
+// Puts the former values into the form, to be reviewed and sent like any others.
 export async function restoreFormer(id: SectionId) {
   const {former, step: busy} = sectionState(id);
   if (!former || busy) return;

@@ -1,5 +1,5 @@
-// The session: asked about at each change of page and before each save. What was typed survives its
-// end as drafts, without secrets.
+// The session: checked at each change of page and before each save. When it ends, what was typed is
+// kept as drafts, without secrets.
 import {endSession, renewSession, type Witness} from '../recorder/gate';
 import {kindOf} from '../recorder/fault';
 import {request} from '../recorder/wire';
@@ -16,9 +16,9 @@ let build = '';
 export const setBuild = (mark: string) => { build = mark; };
 export const ownBuild = () => build;
 
-// The service has other pages than this one: takes them, once, unless that would lose a secret that
-// was typed. True when they are on their way. The kept app.html is fetched anew, as its date may be
-// no newer than the one that is kept.
+// The service has newer pages than this one: loads them, once, unless that would lose a typed
+// secret. True when they are being loaded. The cached app.html is fetched again, because its new
+// date may not be later.
 export async function takeNewPages(served: string): Promise<boolean> {
   if (!served || !build || served === build || recall(kReloaded) === served) return false;
   if (secretsWait()) return false;
@@ -41,7 +41,7 @@ export async function renew(witness?: Witness) {
   await takeNewPages(match && match[1] || '');
 }
 
-// At a change of page; holds nothing up.
+// Called at a change of page, without delaying it.
 export function renewBehind(witness?: Witness) {
   renew(witness).catch((caught) => {
     if (kindOf(caught) === 'refused') expire();
@@ -51,7 +51,7 @@ export function renewBehind(witness?: Witness) {
 export async function signOut() {
   const pages = Object.keys(waiting()) as (keyof ReturnType<typeof waiting>)[];
   if (pages.length && !await askUser({kind: 'leave', pages})) return;
-  set({expired: true});  // nothing more is asked about
+  set({expired: true});  // no further checks
   dropAllDrafts();
   endSession();
   location.replace('login.html');

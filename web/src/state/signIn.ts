@@ -1,5 +1,5 @@
-// The sign-in: asks for the password, counts wrong entries, keeps to the lock. A silent recorder is
-// no wrong password.
+// The sign-in: checks the password, counts wrong entries, respects the lock. A silent recorder does
+// not count as a wrong password.
 import {kindOf, type FaultKind} from '../recorder/fault';
 import {sessionId, startSession} from '../recorder/gate';
 import {unstorable, wireLength} from '../recorder/gbk';
@@ -7,7 +7,7 @@ import {kWrongEntries, readLock, writeLock, type Lock} from '../recorder/lock';
 import {login, query} from '../recorder/wire';
 import {followRecorder} from './preferences';
 
-const kSilenceMs = 4500;  // the service has waited for a recorder that says nothing
+const kSilenceMs = 4500;  // the service has waited for a recorder that does not answer
 const kPasswordBytes = 127;
 
 export type SignInNote =
@@ -79,7 +79,7 @@ export async function submitPassword(password: string, go: () => void) {
   }
 }
 
-// Which recorder this is and how it does. What cannot be read is told when somebody signs in.
+// The recorder's identity and state. Read errors are reported when somebody signs in.
 export async function look() {
   try {
     const language = await query('get_LangInfo');

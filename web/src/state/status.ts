@@ -1,4 +1,4 @@
-// The recorder's status, read again every few seconds while the page is looked at.
+// The recorder's status, read again every few seconds while the page is visible.
 import {Fault} from '../recorder/fault';
 import {query, queue} from '../recorder/wire';
 import {get, set} from './store';
@@ -7,15 +7,15 @@ const kPauseMs = 5000;
 
 let timer: ReturnType<typeof setTimeout> | undefined;
 
-// The versions of the maintenance page need one reading.
+// The versions on the maintenance page are read only once.
 function wanted(): boolean {
   const {page, status, health} = get();
   const shown = page === 'status' || (page === 'maintenance' && !status);
   return shown && !document.hidden && health.state === 'answers';
 }
 
-// Reads and goes on as long as the page is looked at and the recorder answers; what ends the
-// silence begins anew.
+// Reads repeatedly as long as the page is visible and the recorder answers; starts again when the
+// recorder recovers.
 export async function pollStatus() {
   clearTimeout(timer);
   if (!wanted()) return;

@@ -1,4 +1,5 @@
-// The one state of the pages. Views are functions of it; only the modules of this folder change it.
+// The only state of the pages. Views are functions of it; only the modules of this folder change
+// it.
 import type {Change, Field, Values} from '../model/fields';
 import type {Problems} from '../model/checks';
 import type {Entry} from '../model/history';
@@ -28,10 +29,10 @@ export type Loading = {state: 'waiting'} | {state: 'loaded'} | {state: 'failed';
 
 export type Step = 'session' | 'compare' | 'sending' | 'restarting' | 'reading' | 'moving';
 
-// What is known of a save's values: read back, nothing, or that they were never sent.
+// What is known about a save's values: read back, nothing, or that they were never sent.
 export type Known = 'read' | 'unknown' | 'unsent';
 
-// What is said below a form.
+// The status below a form.
 export type Note =
     | {kind: 'end'; end: SaveEnd; rows: Change[]; known: Known}
     | {kind: 'elsewhere' | 'conflict'; rows: Change[]}
@@ -43,10 +44,10 @@ export interface SectionState {
   held: Values;  // what the recorder holds, as last read
   base: Values;  // what it held when the user began to type
   typed: Values;
-  conflicts: Values;  // what it holds instead where the user typed too
+  conflicts: Values;  // what it holds instead where the user has typed, too
   problems: Problems;
   loading: Loading;
-  step: {name: Step; since: number} | null;  // a save is under way
+  step: {name: Step; since: number} | null;  // a save is in progress
   note: Note | null;
   former: Values | null;  // what an accepted save replaced
 }
@@ -137,7 +138,7 @@ export function subscribe(listener: () => void): () => void {
   return () => { listeners.delete(listener); };
 }
 
-// As before anything happened, for tests.
+// The initial state, for tests.
 export function resetStore() {
   state = kStart;
   listeners.clear();

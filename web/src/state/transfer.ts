@@ -1,4 +1,4 @@
-// The configuration to a file and back. An import sends the chosen settings and nothing else.
+// Exports the configuration to a file and imports it. An import sends only the selected settings.
 import {clockText} from '../model/clock';
 import {chosenOf, compareFile, foreignNumber, kDeviceNo, linesOf, type ImportRow} from '../model/import';
 import {save, type SaveEnd} from '../model/save';
@@ -24,7 +24,7 @@ async function config() {
   return {root, settings};
 }
 
-// The file's name and text, to be handed to the browser.
+// The file's name and text, to pass to the browser.
 export async function exportFile(offer: (name: string, text: string) => void) {
   if (get().transfer.exporting) return;
   patch({exporting: true, exported: null});
@@ -104,7 +104,7 @@ async function sendAndRead(rows: ImportRow[], before: Settings) {
   if (!await followTo(origin)) patch({moving: {where: origin, silent: true}});
 }
 
-// Asks, then sends what is chosen.
+// Asks, then sends the selection.
 export async function importRows() {
   const {rows, step: busy} = get().transfer;
   const chosen = chosenOf(rows);
@@ -127,7 +127,7 @@ export async function importRows() {
   }
 }
 
-// What an accepted import replaced, to be compared and sent like a file.
+// The values that an accepted import replaced, to compare and send like a file.
 export async function restoreImported() {
   const {former, step: busy} = get().transfer;
   if (!former || busy) return;

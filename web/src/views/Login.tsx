@@ -69,7 +69,7 @@ export function Login({go, prefetch}: {go: () => void; prefetch: () => void}) {
   const locked = note && note.kind === 'locked' ? note.until : 0;
   const now = useNow(locked > 0);
   const waits = busy || locked > now;
-  // Read when it is sent: a password that the browser fills in may come without an event.
+  // Read at submission: a password filled in by the browser may cause no event.
   const submit = (event: Event) => {
     event.preventDefault();
     const input = document.getElementById(kInput) as HTMLInputElement;

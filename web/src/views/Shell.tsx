@@ -1,4 +1,4 @@
-// What every page behind the sign-in has: header, navigation with badges, the health, dialogs.
+// What every page behind the sign-in has: header, navigation with badges, health banner, dialogs.
 import type {ComponentChildren} from 'preact';
 import {waiting} from '../state/editing';
 import {addressOf, kPages} from '../state/route';

@@ -1,4 +1,4 @@
-// Status: what the recorder is doing. What is wrong stands out; what is no longer known is grey.
+// Status: what the recorder is doing. Problems stand out; outdated values are grey.
 import {timeOfDay} from '../model/clock';
 import type {Values} from '../model/fields';
 import {placeLink, placeText, type Place} from '../model/position';

@@ -6,7 +6,7 @@ import {kSections, valuesOf, type Read, type SectionId} from '../../src/model/se
 import type {Values} from '../../src/model/fields';
 import {printMessage} from '../../src/recorder/config';
 
-// What is sent when `typed` is changed in a section that was read so.
+// What is sent when `typed` is changed in a section that was read with these values.
 function sent(id: SectionId, read: Partial<Read>, typed: Values) {
   const section = kSections.find((each) => each.id === id)!;
   const whole: Read = {reply: {}, settings: null, ...read};

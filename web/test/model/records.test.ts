@@ -1,5 +1,5 @@
-// Widths and ranges of the pages against the daemon's own records, so that neither side can change
-// alone. A text field of a record keeps one byte for its end.
+// Compares the pages' widths and ranges with the daemon's records, so that neither side can change
+// alone. A record's text field reserves one byte for its terminator.
 import assert from 'node:assert/strict';
 import test from 'node:test';
 import {kSections, type Read} from '../../src/model/sections';
@@ -8,7 +8,7 @@ import {readRecords, type Member} from './daemon';
 
 const records = readRecords();
 
-// Where a setting's elements are items of a list, the record of an item.
+// The record of an item, where a setting's elements are items of a list.
 const kItems: Record<string, string> = {
   'stMainStream/stVideoPara': 'stVideoItem', 'stVideoMirror/stVideoMirrorPara': 'stVideoMirrorItem',
   'stGB28181/stGB28181SubID': 'stGB28181',
@@ -16,7 +16,7 @@ const kItems: Record<string, string> = {
 const kMembers: Record<string, string> = {strFD_LensId: 'strSubId', strFD_AlarmInId: 'strSubId'};
 // The password's form: each of its fields is the first user's password.
 const kPassword = ['current', 'fresh', 'repeat'];
-// What the pages make of the flags byte.
+// What the pages read from the flags byte.
 const kParts = ['stGB28181/enable', 'stGB28181/streamType'];
 
 function memberAt(path: string): Member {
@@ -29,7 +29,7 @@ function memberAt(path: string): Member {
   return member;
 }
 
-// A recorder with two cameras and two sub-devices, so that later ones are looked at, too.
+// A recorder with two cameras and two sub-devices, so that later ones are checked, too.
 const settings = new Map<string, string>();
 for (const k of [0, 1]) {
   for (const name of ['ucFD_FrameRate', 'uiFD_BitRate'])
@@ -87,8 +87,8 @@ test('a language is two letters', () => {
     assert.ok(value.length <= member.most, value);
 });
 
-// Reply, record, members that go by another name there. Texts that the service writes itself
-// (an address in dots, its own time, the session) have no member.
+// Reply, record, members with a different name there. Texts that the service writes itself (a
+// dotted address, its own time, the session) have no member.
 type Row = readonly [keyof typeof kReplies, string, Record<string, string>?];
 const kRows: readonly Row[] = [
   ['get_BaseInfo', 'stBaseInfo', {strFD_CurTime: ''}],

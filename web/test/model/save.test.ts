@@ -13,12 +13,12 @@ test('the end of a save follows from the answer, its duration and what is read b
     // answer, fault, before, sent, after, end
     [kAccepted, null, 'a', 'b', 'b', 'applied'],
     [kAccepted, null, 'a', 'b', 'c', 'partly'],
-    [kAccepted, null, 'a', 'b', 'a', 'partly'],  // it said yes: that is no refusal
+    [kAccepted, null, 'a', 'b', 'a', 'partly'],  // it said yes: that is not a refusal
     [kQuick, null, 'a', 'b', 'a', 'refused'],
     [kQuick, null, 'a', 'b', 'b', 'applied'],
     [kQuick, null, 'a', 'b', 'c', 'partly'],
     [kSilent, null, 'a', 'b', 'a', 'deviceSilent'],
-    [kSilent, null, 'a', 'b', 'b', 'applied'],  // carried out, its answer lost
+    [kSilent, null, 'a', 'b', 'b', 'applied'],  // executed, but its answer lost
     [null, 'serviceSilent', 'a', 'b', 'b', 'applied'],
     [null, 'serviceSilent', 'a', 'b', 'a', 'serviceSilent'],
     [null, 'lost', 'a', 'b', 'a', 'lost'],

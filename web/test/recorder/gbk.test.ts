@@ -12,7 +12,7 @@ function iconv(from: string, to: string, bytes: Buffer) {
   return done.stdout;
 }
 
-// Characters of code page 936 above ASCII by the C library's own table.
+// Characters of code page 936 above ASCII, from the C library's own table.
 function codePage() {
   const chars = [];
   for (let code = 0x80; code <= 0xffff; code++) chars.push(String.fromCharCode(code));

@@ -3,7 +3,7 @@ import test from 'node:test';
 import {Fault} from '../../src/recorder/fault';
 import {Queue} from '../../src/recorder/queue';
 
-// Work that ends when it is told to, and what has begun.
+// Work that ends on request, and the work that has begun.
 function bench() {
   const begun: string[] = [];
   const ends = new Map<string, () => void>();

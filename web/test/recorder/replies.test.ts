@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import test from 'node:test';
 import {decodeReply, kReplies, readReply} from '../../src/recorder/replies';
 
-// The bodies as the service prints them; % marks a number, $ a text.
+// The bodies as the service prints them; % stands for a number, $ for a text.
 const kBodies: Record<keyof typeof kReplies, string> = {
   get_LangInfo: '{ "strLanguage": "$", "result": 1 }',
   get_BaseInfo: '{ "strFD_DeviceNo": "$", "ucFD_TimeZone": "%" , "ucFD_GpsSTFlag": "%"' +
@@ -123,7 +123,7 @@ test('a reply is UTF-8 when it can be, GBK otherwise', () => {
     // Valid as UTF-8 too, but the recorder writes GBK.
     [[0xc2, 0xb7], '路'],
     [[0xd5, 0xbe, 0x2d, 0x31], '站-1'],
-    // A character cut at a field's width does not swallow the quote behind it.
+    // A character cut at a field's width does not swallow the quotation mark after it.
     [[0x22, 0xb3, 0x22, 0x2c], '"\ufffd",'],
   ];
   for (const [bytes, text] of rows) assert.equal(decodeReply(Uint8Array.from(bytes)), text);

@@ -1,4 +1,4 @@
-// A whole configuration, as the simulated recorder delivers it, against another reader of XML.
+// A whole configuration, as exported by the simulated recorder, compared with another XML parser.
 import assert from 'node:assert/strict';
 import {spawnSync} from 'node:child_process';
 import {readFileSync} from 'node:fs';

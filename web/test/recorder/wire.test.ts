@@ -9,7 +9,7 @@ holdClock();
 
 const never = () => new Promise<string>(() => {});
 const settle = () => new Promise((resume) => { setImmediate(resume); });
-// Lets time pass in steps, so that what begins meanwhile gets its own limits.
+// Lets time pass in steps, so that requests that begin meanwhile get their own time-outs.
 async function pass(seconds: number) {
   for (let i = 0; i < seconds; i++) {
     await settle();

@@ -1,4 +1,4 @@
-// What the browser keeps: drafts with their base, and never a secret.
+// What the browser stores: drafts with their base values, and never a secret.
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById, type SectionId} from '../../src/model/sections';

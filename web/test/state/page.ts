@@ -1,4 +1,5 @@
-// Stands for what a browser gives the state modules: memory, an address, a recorder that answers.
+// Replaces what a browser provides for the state modules: storage, an address, a recorder that
+// answers.
 
 class Memory {
   private kept = new Map<string, string>();
@@ -19,12 +20,12 @@ export const session = new Memory();
 export const asked: string[] = [];
 export const moves: string[] = [];
 
-// Answers by endpoint; a missing one is a service that does not answer.
+// Answers by endpoint; for a missing one the service does not answer.
 export const answers: Record<string, string | (() => string | Promise<string>)> = {};
 export const bodies: string[] = [];
 export const cookie = {value: ''};
 
-// An answer that does not come ends with the request's own limit.
+// A missing answer ends with the request's own time-out.
 const cut = (answer: string | Promise<string>, {signal}: RequestInit) => Promise.race([answer,
   new Promise<never>((_, fail) => {
     signal?.addEventListener('abort', () => fail(new TypeError('aborted')));

@@ -13,7 +13,7 @@ const kPath = 'stNetWorkMode/ucFD_NetType';
 const netMode = sectionById('netMode');
 let held = '1';
 
-// The recorder takes what is sent, as after a restart, when it may.
+// The recorder applies what is sent, as after a restart, if allowed.
 function recorder(takes: boolean) {
   Object.assign(answers, {
     'page.css': '', 'favicon.svg': '',

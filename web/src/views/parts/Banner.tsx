@@ -1,4 +1,4 @@
-// One line for the health of the recorder, over everything that depends on it.
+// One line for the recorder's health, above everything that depends on it.
 import {retryNow} from '../../state/health';
 import {get} from '../../state/store';
 import {t} from '../../words';

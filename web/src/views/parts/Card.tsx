@@ -1,4 +1,4 @@
-// A card that is no form, and a list of facts.
+// A card without a form, and a list of facts.
 import type {ComponentChildren} from 'preact';
 import {t, type WordKey} from '../../words';
 import {Icon, type IconName} from './Icon';

@@ -1,4 +1,4 @@
-// Changes in words: what it was, what it becomes.
+// Changes in words: old and new values.
 import type {Change} from '../../model/fields';
 import {t} from '../../words';
 import {display, labelOf} from './words';

@@ -1,4 +1,4 @@
-// One control per kind of field. Values are texts as the recorder has them.
+// One control per kind of field. Values are the recorder's own texts.
 import {useState} from 'preact/hooks';
 import {isOn, type Field} from '../../model/fields';
 import {clockText} from '../../model/clock';
@@ -9,7 +9,7 @@ export interface ControlProps {
   field: Field;
   id: string;
   value: string | undefined;
-  name?: string;  // where no label is seen
+  name?: string;  // where no label is visible
   invalid: boolean;
   busy: boolean;
   describedBy: string;
@@ -81,7 +81,7 @@ function ChoiceControl(props: ControlProps & {held: string}) {
 const kPicked = /^\d{4}-\d\d-\d\d \d\d:\d\d(?::\d\d)?$/;
 
 // '' leaves the clock alone; 'now' becomes this device's time when it is sent. Date and time are a
-// text, as not every browser has a control of 24 hours for them.
+// text field, because not every browser has a 24-hour control for them.
 function ClockControl(props: ControlProps & {held: string}) {
   const {value = '', onValue} = props;
   const mode = value === '' ? 'keep' : value === 'now' ? 'now' : 'set';

@@ -1,4 +1,4 @@
-// A field with label, help, limit, error and, where somebody else changed it too, the choice.
+// A field with label, help, limit, error and, if somebody else has changed it, too, the choice.
 import {storedLength, wireLength} from '../../recorder/gbk';
 import type {Field} from '../../model/fields';
 import type {SectionId} from '../../model/sections';
@@ -20,7 +20,7 @@ function limitText(field: Field): string {
   return most && least > 1 ? t('limit.between', {least, most}) : '';
 }
 
-// Bytes are counted only where the field is nearly full.
+// The byte count is shown only when the field is nearly full.
 function Counter({field, value}: {field: Field; value: string}) {
   const limit = field.most || field.bytes;
   if (!limit) return null;

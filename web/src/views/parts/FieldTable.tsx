@@ -1,11 +1,11 @@
-// Fields of one kind in columns, a row for each channel; a list on a phone.
+// Fields of one kind in columns, one row per channel; a list on a phone.
 import type {Field, Label} from '../../model/fields';
 import type {SectionId} from '../../model/sections';
 import {t, type WordKey} from '../../words';
 import {FieldRow} from './FieldRow';
 import {wordOf} from './words';
 
-// `long`: values that want the whole width of a phone.
+// `long`: values that need the whole width of a phone.
 interface Props { section: SectionId; head: WordKey; fields: Field[]; long?: boolean }
 
 const channelOf = (field: Field) => Number(field.labelValues && field.labelValues.channel);

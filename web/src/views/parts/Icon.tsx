@@ -1,4 +1,4 @@
-// Drawn on a grid of 24, stroked in the text's colour.
+// Drawn on a grid of 24, in the text's colour.
 const kIcons = {
   recorder: 'M3 7h13v10H3z M16 10.5l5-3v9l-5-3',
   status: 'M3 12h4l3-7 4 14 3-7h4',

@@ -1,4 +1,4 @@
-// The line that says what goes on and how it ended; screen readers hear it.
+// The line with progress and result; screen readers announce it.
 import type {ComponentChildren} from 'preact';
 import {Icon, type IconName} from './Icon';
 
@@ -7,10 +7,10 @@ export type Tone = 'busy' | 'good' | 'warn' | 'bad' | 'info';
 const kSigns: Record<Exclude<Tone, 'busy'>, IconName> =
     {good: 'done', bad: 'alert', warn: 'alert', info: 'info'};
 
-// `name` says for scripts what `text` says for people.
+// `name` tells scripts what `text` tells people.
 interface Props { tone?: Tone; name?: string; text?: string; children?: ComponentChildren }
 
-// It stands in the page before it has something to say, or it would not be heard.
+// It is in the page even while empty, otherwise screen readers would not announce it.
 export function Notice({tone, name, text, children}: Props) {
   return <div class={`status ${tone || ''}`} role="status" data-note={name}>
     {tone && (tone === 'busy' ? <span class="spinner" /> : <Icon name={kSigns[tone]} />)}

@@ -1,4 +1,4 @@
-// The form of one section: skeleton, fields, what is going on, what can be done.
+// The form of one section: skeleton, fields, progress, actions.
 import type {ComponentChildren} from 'preact';
 import {sectionById, type SectionId} from '../../model/sections';
 import {discard} from '../../state/editing';

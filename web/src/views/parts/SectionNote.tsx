@@ -1,4 +1,4 @@
-// What is said below a form: the step of a save, how it ended, what else happened.
+// The status below a form: the step of a save, its result, other events.
 import type {SaveEnd} from '../../model/save';
 import type {Known, Note, SectionState, Step} from '../../state/store';
 import {t} from '../../words';

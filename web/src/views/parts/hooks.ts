@@ -7,9 +7,9 @@ export function useStore() {
   useEffect(() => subscribe(() => setTurn((turn) => turn + 1)), []);
 }
 
-const kTickMs = 250;  // a second that has passed is seen at once
+const kTickMs = 250;  // a passed second is shown at once
 
-// The time in milliseconds, moving while it is needed.
+// The time in milliseconds, updated while it is needed.
 export function useNow(needed: boolean): number {
   const [, setNow] = useState(0);
   useEffect(() => {

@@ -1,4 +1,4 @@
-// Values and fields as the user knows them.
+// Values and fields in the user's words.
 import {nameOf} from '../../state/labels';
 import {isOn, type Field, type Label} from '../../model/fields';
 import {t} from '../../words';
