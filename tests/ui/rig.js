@@ -41,7 +41,7 @@ export class Rig extends Pair {
     if (language) {
       await context.addInitScript((chosen) => {
         if (location.protocol !== 'http:') return;
-      if (!localStorage['language.chosen']) localStorage['language.chosen'] = chosen;
+        if (!localStorage['language.chosen']) localStorage['language.chosen'] = chosen;
       }, language);
     }
     const page = await context.newPage();

@@ -1,33 +1,19 @@
 // The access point as a QR code: what another program reads from the screen is what a phone reads.
 import assert from 'node:assert/strict';
 import {join} from 'node:path';
-import test, {after, before, beforeEach} from 'node:test';
+import test from 'node:test';
 import {violations} from '../axe.js';
 import {pictures} from '../pair.js';
 import {decode} from '../qr.js';
-import {forget, get, kCab, kPhone, put, Rig, save, section, visit} from '../rig.js';
+import {get, kCab, kPhone, put, save, section} from '../rig.js';
+import {page, sharePage} from '../shared.js';
 
 const kName = 'stWifiAp/strFD_SSID';
 const kPassword = 'stWifiAp/strFD_Passwd';
 const kFolder = pictures();
 const kMode = 'stWifi/ucFD_WorkMode';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await page.setViewportSize(kCab);
-  await forget(page);
-  await visit(rig, page, 'network');
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage('network', () => page.setViewportSize(kCab));
 
 const card = () => section(page, 'accessPoint');
 const code = () => card().locator('svg.code');

@@ -3,26 +3,13 @@
 import assert from 'node:assert/strict';
 import {execFileSync} from 'node:child_process';
 import {readFileSync} from 'node:fs';
-import test, {after, before, beforeEach} from 'node:test';
+import test from 'node:test';
 import {
-  agree, button, cancel, dialog, ended, forget, line, press, put, Rig, section, until, visit,
+  agree, button, cancel, dialog, ended, line, press, put, section, until, visit,
 } from '../rig.js';
+import {page, rig, sharePage} from '../shared.js';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await forget(page);
-  await visit(rig, page, 'maintenance');
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage('maintenance');
 
 const row = (path) => page.locator(`[data-setting="${path}"]`);
 const tick = (path) => row(path).locator('input');

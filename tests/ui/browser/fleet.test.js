@@ -1,11 +1,12 @@
 // A template for many recorders: made here, applied elsewhere, told line by line, kept on a list.
 import assert from 'node:assert/strict';
 import {readFileSync} from 'node:fs';
-import test, {after, before, beforeEach} from 'node:test';
+import test from 'node:test';
 import {violations} from '../axe.js';
 import {
-  agree, button, cancel, dialog, ended, forget, kCab, kPhone, memory, press, Rig, section, visit,
+  agree, button, cancel, dialog, ended, kCab, kPhone, memory, press, section, visit,
 } from '../rig.js';
+import {page, rig, sharePage} from '../shared.js';
 
 const kApn = 'stMobileGNet/strFD_Apn';
 const kPlate = 'stVehicle/strFD_LicensePlate';
@@ -13,22 +14,8 @@ const kSecret = 'stWifi/strFD_Passwd';
 const kTemplate = '<VariCfgSec><stMobileGNet strFD_Apn="fleet" strFD_PhoneNo="*99#"/>' +
     '<stPower usPOffDelayTime="120"/><stWifi strFD_Passwd="geheim"/></VariCfgSec>';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await forget(page);
-  await page.evaluate(() => localStorage.removeItem('fleet.runs'));
-  await visit(rig, page, 'fleet');
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage('fleet', () =>
+  page.evaluate(() => localStorage.removeItem('fleet.runs')));
 
 const group = (name) => section(page, 'template').locator(`[data-group="${name}"]`);
 const take = (path) => section(page, 'template').locator(`[data-setting="${path}"] input`);

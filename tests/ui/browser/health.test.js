@@ -1,23 +1,11 @@
 // A recorder that fails, partly works and recovers, and a service that does: reported once, and
 // cleared by itself.
 import assert from 'node:assert/strict';
-import test, {after, before, beforeEach} from 'node:test';
-import {field, forget, go, health, Rig, shown, until, visit} from '../rig.js';
+import test from 'node:test';
+import {field, go, health, shown, until, visit} from '../rig.js';
+import {page, rig, sharePage} from '../shared.js';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await forget(page);
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage();
 
 const ssid = () => field(page, 'stWifi/strFD_SSID');
 const gone = (state) => health(page, state).waitFor({state: 'detached'});

@@ -1,29 +1,16 @@
 // Every way in which a save can end, with its message, and what must never happen meanwhile.
 import assert from 'node:assert/strict';
-import test, {after, before, beforeEach} from 'node:test';
+import test from 'node:test';
 import {
-  agree, button, cancel, dialog, ended, field, focused, forget, health, line, painted, press, put,
-  Rig, save, shown, until, visit, words,
+  agree, button, cancel, dialog, ended, field, focused, health, line, painted, press, put, save,
+  shown, until, visit, words,
 } from '../rig.js';
+import {page, rig, sharePage} from '../shared.js';
 
 const kForm = 'mobile';
 const kSection = 'stMobileGNet';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await forget(page);
-  await visit(rig, page, 'network');
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage('network');
 
 const apn = () => field(page, 'stMobileGNet/strFD_Apn');
 const stored = (name = 'strFD_Apn') => rig.setting(kSection, name);

@@ -1,32 +1,19 @@
 // All settings: found, changed in place, reviewed, sent alone, read back; on paper and copied.
 import assert from 'node:assert/strict';
-import test, {after, before, beforeEach} from 'node:test';
+import test from 'node:test';
 import {violations} from '../axe.js';
 import {
-  agree, button, dialog, ended, error, fieldRow, forget, go, kCab, line, memory, painted, press,
-  put, Rig, section, visit,
+  agree, button, dialog, ended, error, fieldRow, go, kCab, line, memory, painted, press, put,
+  section, visit,
 } from '../rig.js';
+import {page, rig, sharePage} from '../shared.js';
 
 const kApn = 'stMobileGNet/strFD_Apn';
 const kCrash = 'stGSensor/fFD_Crash';
 const kPower = 'stPower/usPOffDelayTime';
 const kSecret = 'stWifi/strFD_Passwd';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await forget(page);
-  await visit(rig, page, 'settings');
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage('settings');
 
 const find = (text) => page.fill('#find-setting', text);
 const group = (name) => page.locator(`[data-group="${name}"]`);

@@ -1,26 +1,14 @@
 // Every field of every section: read, changed, saved, and found in the recorder's own file;
 // everything else there stays the same.
 import assert from 'node:assert/strict';
-import test, {after, before, beforeEach} from 'node:test';
+import test from 'node:test';
 import {
-  agree, button, dialog, ended, error, field, fieldRow, focused, forget, get, kPassword, press, put,
-  Rig, save, section, shown, visit, words,
+  agree, button, dialog, ended, error, field, fieldRow, focused, get, kPassword, press, put, save,
+  section, shown, visit, words,
 } from '../rig.js';
+import {page, rig, sharePage} from '../shared.js';
 
-let rig;
-let page;
-before(async () => {
-  rig = await Rig.start();
-  page = await rig.enter();
-});
-beforeEach(async () => {
-  await rig.reset();
-  await forget(page);
-});
-after(async () => {
-  assert.deepEqual(page.errors, []);
-  await rig.stop();
-});
+sharePage();
 
 const kGb = 'stGB28181/';
 const kSubId = `${kGb}stGB28181SubID/SUBDEVID_`;
