@@ -45,6 +45,11 @@ def test_documents_name_the_packages_of_it():
     assert set(named) == {VERSION}
 
 
+def test_description_of_the_endpoints_names_it():
+    description = read(ROOT, "docs/openapi.yaml")
+    assert re.search(r"^  version: (.*)$", description, re.M)[1] == VERSION
+
+
 def test_it_stands_in_no_source():
     """A release changes only VERSION, the changelog and the documents."""
     told = subprocess.run(["git", "grep", "-lF", VERSION], cwd=ROOT, check=True,
