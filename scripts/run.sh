@@ -120,9 +120,20 @@ addresses() {
   ip -4 -o address show up scope global | awk '{ sub("/.*", "", $4); print $4 }'
 }
 
+# The password that the simulated recorder holds: build/run keeps a changed one from run to run. In
+# its XML five characters are entities; &amp; comes last, or "&amp;lt;" would become "<".
+settings_password() {
+  local file=$state/recorder.xml
+  [ -f "$file" ] || file=$bin/devsim_default.xml
+  iconv -f gbk -t utf-8 "$file" |
+    grep -o '<USER_0 [^>]*' |
+    sed "s/.*strFD_UserPWD=[\"']\([^\"']*\).*/\1/" |
+    sed "s/&lt;/</g; s/&gt;/>/g; s/&quot;/\"/g; s/&apos;/'/g; s/&amp;/\&/g"
+}
+
 tell_what_to_do() {
   local address
-  say "ready; open one of these and sign in with the password admin123:"
+  say "ready; open one of these and sign in with the password $(settings_password):"
   for address in $(addresses); do
     echo "    http://$address/login.html"
   done
