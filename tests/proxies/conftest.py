@@ -16,7 +16,9 @@ _spec.loader.exec_module(_rig)
 globals().update({name: value for name, value in vars(_rig).items() if not name.startswith("_")})
 
 import pytest  # noqa: E402
+from entrance import Entrance, why_not  # noqa: E402
 from fronts import FRONTS, front, program  # noqa: E402
+from relay import PORT as RELAY  # noqa: E402
 from relay import Relay  # noqa: E402
 
 _PROXIES = os.environ.get("PROXIES", "").split() or list(FRONTS)
@@ -47,3 +49,12 @@ def proxy(request, relay, tmp_path_factory):
         pytest.skip(f"{FRONTS[request.param][1][0]} is not installed")
     with front(request.param, str(tmp_path_factory.mktemp(request.param))):
         yield request.param
+
+
+@pytest.fixture(scope="module")
+def entrance(relay, tmp_path_factory):
+    if reason := why_not():
+        pytest.skip(reason)
+    entrance = Entrance(tmp_path_factory.mktemp("entrance"), port=RELAY)
+    yield entrance
+    entrance.close()

@@ -13,6 +13,7 @@ from collections import namedtuple
 import netns
 from daemon import wait_until
 from documents import ROOT, blocks, commands
+from reading import requests
 
 PASSWORD = "correct horse"
 USER = f"technician:{PASSWORD}"
@@ -125,6 +126,11 @@ class Guest:
         """The status of each request of a row, as curl spells rows: /?[1-9]."""
         row = self._start(uris, "-o", "/dev/null", "-w", "%{http_code} ", *words)
         return [int(status) for status in row.communicate()[0].split()]
+
+
+def came(relay):
+    """The requests that the daemon has received since the last call."""
+    return [list(requests(passage.sent)) for passage in relay.end_passages()]
 
 
 def answer(process):

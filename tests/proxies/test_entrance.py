@@ -7,10 +7,8 @@ import yaml
 from device import ACCEPTED, change
 from documents import read
 from endpoints import routes
-from entrance import NAME, USER, Entrance, Guest, answer, why_not
+from entrance import NAME, Guest, answer, came
 from http_client import Client, get, post
-from reading import requests
-from relay import PORT as RELAY
 from test_limits import constants
 
 SET = change('<stNetWorkMode ucFD_NetType="2"/>')
@@ -20,6 +18,10 @@ FOREIGN = "Origin: https://example.com"
 SITE = "Sec-Fetch-Site: "
 FOLLOWED = [SITE + "cross-site", "Sec-Fetch-Mode: navigate"]
 EMBEDDED = [SITE + "cross-site", "Sec-Fetch-Mode: no-cors"]
+# Browsers that may send neither Origin nor Sec-Fetch-Site with a form.
+FIREFOX_60 = "User-Agent: Mozilla/5.0 (X11; Linux x86_64; rv:60.0) Gecko/20100101 Firefox/60.0"
+IE_11 = "User-Agent: Mozilla/5.0 (Windows NT 10.0; WOW64; Trident/7.0; rv:11.0) like Gecko"
+PAGE_WANTED = "Accept: text/html,application/xhtml+xml,application/xml;q=0.9,*/*;q=0.8"
 
 # What the daemon reads of a request.
 PASSED = {"host", "connection", "referer", "accept-encoding", "if-none-match", "if-modified-since",
@@ -35,23 +37,9 @@ PAGE = yaml.safe_load(read("docs/openapi.yaml"))
 MEANT_FOR_POST = ("/set_", "/import_", "/cmp_")
 
 
-@pytest.fixture(scope="module")
-def entrance(relay, tmp_path_factory):
-    if reason := why_not():
-        pytest.skip(reason)
-    entrance = Entrance(tmp_path_factory.mktemp("entrance"), port=RELAY)
-    yield entrance
-    entrance.close()
-
-
 @pytest.fixture
 def guest(entrance):
     return Guest(entrance)
-
-
-def came(relay):
-    """The requests that the daemon has received since the last call."""
-    return [list(requests(passage.sent)) for passage in relay.end_passages()]
 
 
 def own(*fields):
@@ -162,7 +150,14 @@ REQUESTS = [
     ("a script that uploads", "/other.css", ["-T", "/dev/null"], [], 405),
     ("a link to the pages", "/other.css", [], FOLLOWED, 200),
     ("another site that embeds", "/other.css", [], EMBEDDED, 403),
-]
+    ("a form of another site in 2018", "/set_NetWModeInfo", SETTING, [FIREFOX_60], 403),
+    ("a form of another site in IE 11", "/set_NetWModeInfo", SETTING, [IE_11], 403),
+    ("a form with a wrong cookie", "/set_NetWModeInfo", SETTING,
+     [FIREFOX_60, "Cookie: webctrl_entry=0"], 403),
+    ("an import of another site in 2018", "/import_CfgFile", ["-d", "x=1"], [FIREFOX_60], 403),
+    ("a sign-in of another site in 2018", "/cmp_UserSecurity", ["-d", "x=1"], [FIREFOX_60], 403),
+    ("a link to the pages in 2018", "/other.css", [], [FIREFOX_60, PAGE_WANTED], 200),
+]  # fmt: skip
 
 
 @pytest.mark.parametrize("row", REQUESTS, ids=[row[0] for row in REQUESTS])
@@ -174,6 +169,41 @@ def test_pages_of_other_sites_change_and_read_nothing(rig, relay, guest, row):
     assert len(came(relay)) == (status == 200)
     sets = [request for request in rig.device.requests if b"DEVICE_SET" in request]
     assert sets == ([SET] if status == 200 and uri.startswith("/set") else [])
+
+
+@pytest.mark.parametrize("browser", [FIREFOX_60, IE_11])
+def test_pages_in_a_browser_of_before_2020_may_change_settings(rig, entrance, browser):
+    guest = Guest(entrance, keep=True)
+    assert guest.ask("/", *own(browser, PAGE_WANTED)).status == 200
+    rig.device.play()
+    assert guest.ask("/set_NetWModeInfo", *SETTING, *own(browser)).status == 200
+    assert rig.device.requests == [SET]
+    foreign = own(browser, FOREIGN)
+    assert guest.ask("/set_NetWModeInfo", *SETTING, *foreign).status == 403
+
+
+# Who asks while the daemon is away, and the status; none for a connection that just ends.
+WAITING = [
+    ("a person", [SITE + "none", "Sec-Fetch-Mode: navigate", FIREFOX_60, PAGE_WANTED], 502),
+    ("a script of the pages", [SITE + "same-origin", "Sec-Fetch-Mode: cors", FIREFOX_60], None),
+    ("a person in 2018", [FIREFOX_60, PAGE_WANTED], 502),
+    ("a script of the pages in 2018", [FIREFOX_60, "Accept: */*"], None),
+    ("a script of the pages in IE 11", [IE_11, "Accept: application/json"], None),
+    ("a script", ["Accept: */*"], 502),
+    ("a script that names nothing", ["Accept:", "User-Agent:"], 502),
+]
+
+
+@pytest.mark.parametrize("row", WAITING, ids=[row[0] for row in WAITING])
+def test_people_alone_get_a_page_while_the_daemon_is_away(relay, guest, row):
+    _, fields, status = row
+    relay.told = lambda data: b""
+    try:
+        reply = guest.ask("/get_LangInfo", *own(*fields))
+    finally:
+        relay.told = bytes
+    assert reply.status == status
+    assert (b"does not answer" in reply.body) == (status is not None)
 
 
 def test_no_page_shows_the_recorder_in_a_frame(guest):
@@ -215,28 +245,6 @@ def test_the_longest_exchanges_have_time_in_a_row_of_requests():
     of = constants()
     assert waits >= 4 * (of["kImportTimeoutSec"] + of["kRestartPauseSec"])
     assert f"504 after {waits} seconds" in read("docs/deployment.md")
-
-
-def test_guesses_are_few(entrance, relay):
-    guesser = Guest(entrance)
-    browser = Guest(entrance, keep=True, address=guesser.address)  # already logged in
-    assert browser.ask("/other.css").status == 200
-    relay.end_passages()
-    answers = guesser.statuses("/?[1-60]", "-u", "technician:wrong")
-    assert set(answers) == {401, 429} and answers.count(401) < 40
-    assert guesser.ask("/").status == 429  # not even with the right password
-    assert came(relay) == []
-    assert browser.statuses("/other.css?[1-60]") == [200] * 60
-    assert Guest(entrance).ask("/other.css").status == 200
-
-
-@pytest.mark.parametrize("uri", ["/cmp_UserSecurity", "/set_Login"])
-def test_guesses_of_the_recorders_own_passwords_are_few(rig, entrance, uri):
-    rig.device.play()
-    guest = Guest(entrance, keep=True)
-    assert guest.ask("/").status == 200
-    answers = guest.statuses(f"{uri}?[1-40]", "-d", "strFD_AdminPasswd=1")
-    assert set(answers) == {200, 429} and answers.count(200) < 25
 
 
 def test_a_set_is_sent_once_whatever_becomes_of_it(rig, relay, guest):

@@ -120,6 +120,15 @@ def test_a_setting_can_be_changed(browser, recorder):
     assert "webctrl_entry" not in browser.tell("run", "document.cookie")
 
 
+def test_nobody_at_the_pages_meets_a_limit(browser, entrance):
+    browser.enter()
+    browser.tell("signIn", SETTINGS_PASSWORD)
+    for number in range(20):  # each number is another address, so that the browser loads all anew
+        page = ("status", "network", "platforms", "video")[number % 4]
+        assert browser.tell("goto", f"{URL}/app.html?{number}#/{page}") == 200
+    assert '" 429 ' not in entrance.log()
+
+
 @contextlib.contextmanager
 def foreign_site():
     class Site(http.server.BaseHTTPRequestHandler):
