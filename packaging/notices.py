@@ -8,6 +8,7 @@ static executable contains the libraries, too. --texts adds the licences to whic
 only refer, for systems without /usr/share/common-licenses.
 """
 
+import json
 import os
 import re
 import sys
@@ -38,13 +39,24 @@ def notices_in(source):
     return "\n\n".join(dict.fromkeys(plain))
 
 
+def modules_of_the_pages(top):
+    """The npm modules that the pages import; the others only build them."""
+    found = []
+    for folder, _, names in os.walk(os.path.join(top, "web/src")):
+        for name in names:
+            found += re.findall(r"from '([^'.][^']*)'", read(folder, name))
+    known = json.loads(read(top, "web/package.json"))["dependencies"]
+    return [name for name in known if any(f"{text}/".startswith(f"{name}/") for text in found)]
+
+
 def parts(top, mongoose, kind, *options):
     yield "webctrl", read(top, "LICENSE")
     notices = notices_in(read(mongoose, "mongoose.c"))
     if not notices:
         sys.exit(f"notices: {mongoose}/mongoose.c names no holder of rights")
     yield "Mongoose, the HTTP library", notices
-    yield "Preact, in the pages", read(top, "web/node_modules/preact/LICENSE")
+    for name in modules_of_the_pages(top):
+        yield f"{name}, in the pages", read(top, "web/node_modules", name, "LICENSE")
     for what, package in PACKAGES[kind]:
         yield what, read("/usr/share/doc", package, "copyright")
     for name in TEXTS if options else []:

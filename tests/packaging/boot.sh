@@ -28,4 +28,4 @@ cd "$top"
 pivot_root . mnt
 umount -l mnt
 exec env -i container=other PATH=/usr/sbin:/usr/bin:/sbin:/bin /lib/systemd/systemd \
-  --show-status=no --log-target=console
+  --show-status=no --log-target=journal

@@ -14,6 +14,13 @@ inside=()
 
 inside() { "${inside[@]}" "$@"; }
 
+# skip <reason>: run.sh reads it from the file.
+skip() {
+  echo "$1" >"$work/$name.skipped"
+  say "skipped: $1"
+  exit 77
+}
+
 # wait_until <what> <command>...
 wait_until() {
   local tries what=$1
@@ -114,6 +121,7 @@ case_sysvinit() {
 
 check_sysvinit() {
   check_script /etc/init.d/webctrl '^/opt/webctrl/bin/webctrl'
+  check_locks /etc/init.d/webctrl
   check_stranger /etc/init.d/webctrl
 }
 
@@ -153,13 +161,12 @@ has_booted() {
 
 case_systemd() {
   unpack_debian
-  enter_group 2>/dev/null || { say "skipped: no control group of its own" && exit 77; }
+  enter_group 2>/dev/null || skip "no control group of its own"
   unshare --mount --pid --fork --kill-child --cgroup --uts --ipc \
     "$root/tests/packaging/boot.sh" "$top" >"$work/$name.boot.log" 2>&1 &
   booter=$!
   trap leave_group EXIT
-  (wait_until "a running systemd" has_booted) 2>/dev/null ||
-    { say "skipped: systemd does not run here" && exit 77; }
+  (wait_until "a running systemd" has_booted) 2>/dev/null || skip "systemd does not run here"
   has_booted
   lifecycle check_unit
 }
@@ -228,6 +235,7 @@ case_recorder() {
   inside /etc/init.d/S90webctrl restart
   expect_new_service "after a restart"
   check_script /etc/init.d/S90webctrl webctrl.arm
+  check_locks /etc/init.d/S90webctrl
   inside /etc/init.d/S90webctrl start
   expect_new_service "after a start"
   expect_stop

@@ -61,6 +61,7 @@ check_notices() {
     has "the notices of $1" "General Public License version 2" "$text"
     has "the notices of $1" "Copyright.*Fedor Indutny" "$text"
     has "the notices of $1" "Copyright.*Jason Miller" "$text"
+    has "the notices of $1" "Copyright.*David Evans" "$text"
     has "the notices of $1" "Permission is hereby granted, free of charge" "$text"
     has "the notices of $1" "apache.org/licenses/LICENSE-2.0" "$text"
   done

@@ -49,12 +49,37 @@ check_unit() {
 
 # The check that the timer makes every minute.
 check_health() {
+  local told
   inside systemctl start webctrl-health.service
   [ "$(listener)" = "$last" ] || fail "a daemon in good health was restarted"
+  inside journalctl --sync
+  told=$(journal_of webctrl-health)
+  [ -z "$told" ] || fail "a check without a complaint tells: $told"
+  check_busy
   kill -STOP "$last"
   inside systemctl start webctrl-health.service || true
+  wait_until "the complaint" complains
   expect_active "after it did not answer"
 }
+
+journal_of() { inside journalctl --quiet --output=cat --unit "$1"; }
+complains() { journal_of webctrl-health | grep -q "does not answer"; }
+
+# Without a recorder each of these requests takes 5 seconds, and a newcomer waits for all of them.
+check_busy() {
+  local clients
+  curl -s --max-time 120 --parallel --parallel-immediate --parallel-max 12 -o /dev/null \
+    "http://127.0.0.1/get_LangInfo?[1-12]" 2>/dev/null &
+  clients=$!
+  wait_until "twelve clients" are_clients 12
+  inside systemctl start webctrl-health.service || fail "a busy daemon fails the check"
+  kill "$clients" 2>/dev/null || fail "the daemon was busy for too short a time"
+  wait "$clients" || true
+  [ "$(listener)" = "$last" ] || fail "a busy daemon was restarted"
+  say "is left alone while it is busy"
+}
+
+are_clients() { [ "$(ss -H -nt state established 'dport = :80' | wc -l)" -ge "$1" ]; }
 
 # The init script leaves the work to the unit.
 check_deference() {
@@ -77,6 +102,7 @@ check_script() {
   [ "$(daemons "$daemon")" = 1 ] || fail "more than one daemon after the supervisor's death"
   inside "$script" stop
   silent || fail "still there after a stop"
+  ln -s 999999 "$top$(inside readlink -f /var/run)/webctrl.lock" # of a script that was killed
   inside "$script" start &
   inside "$script" start
   wait $!
@@ -85,6 +111,44 @@ check_script() {
   pkill -9 -f 'webctrl supervise -'
   inside "$script" stop
   silent || fail "a stop leaves the daemon of a killed supervisor"
+  check_deaf "$script"
+}
+
+# A stopped process does not take the signal to end either.
+check_deaf() {
+  inside "$1" start
+  expect_new_service "after another start"
+  kill -STOP "$last"
+  inside "$1" stop || fail "a daemon that does not end cannot be stopped"
+  silent || fail "a stop leaves a daemon that does not end"
+}
+
+# expect_no_wait <what> <command>...: it works without waiting for a lock.
+expect_no_wait() {
+  local what=$1 end=$((SECONDS + 10))
+  shift
+  "$@" || fail "fails with a lock $what"
+  [ $SECONDS -lt $end ] || fail "waits for a lock $what"
+  [ ! -L "$top$run/webctrl.lock" ] || fail "leaves its lock"
+}
+
+# What a death, a loss of power or a full disk leaves does not stop the script.
+check_locks() {
+  local run told
+  run=$(inside readlink -f /var/run)
+  : >"$top$run/webctrl.lock"
+  expect_no_wait "that is an empty file" inside "$1" stop
+  ln -s 999999 "$top$run/webctrl.lock"
+  ln -s 999999 "$top$run/webctrl.lock.stale"
+  expect_no_wait "of nobody" inside "$1" stop
+  ln -s $$ "$top$run/webctrl.lock"
+  expect_no_wait "with another program's number" inside "$1" stop
+  # shellcheck disable=SC2016  # for the inner shell
+  expect_no_wait "with its own number" inside sh -c 'ln -s $$ /var/run/webctrl.lock; exec "$0" stop' "$1"
+  mount -t tmpfs -o ro tmpfs "$top$run"
+  ! told=$(inside "$1" stop 2>&1) || fail "works without a lock"
+  umount "$top$run"
+  grep -q "Read-only file system" <<<"$told" || fail "a read-only folder gives: $told"
 }
 
 # A daemon started by hand is neither killed nor started twice.
@@ -93,8 +157,20 @@ check_stranger() {
   wait_until "a daemon started by hand" is_new_service
   ! inside "$1" start 2>/dev/null || fail "a second daemon beside one started by hand"
   [ "$(daemons '^/opt/webctrl/bin/webctrl')" = 1 ] || fail "the daemon started by hand is gone"
+  cp -p "$top/opt/webctrl/bin/webctrl" "$top/opt/webctrl/bin/later"
+  mv "$top/opt/webctrl/bin/later" "$top/opt/webctrl/bin/webctrl"
+  ! inside "$1" start 2>/dev/null || fail "a second daemon beside one of an older version"
   kill "$(listener)"
   wait_until "its end" silent
+  mv "$top/opt" "$top/srv/opt"
+  ln -s srv/opt "$top/opt"
+  inside /opt/webctrl/bin/webctrl >/dev/null 2>&1 &
+  wait_until "a daemon started by hand in a linked folder" is_new_service
+  ! inside "$1" start 2>/dev/null || fail "a second daemon where /opt is a link"
+  kill "$(listener)"
+  wait_until "its end" silent
+  rm "$top/opt"
+  mv "$top/srv/opt" "$top/opt"
   inside "$1" start
   expect_new_service "after the one started by hand"
 }
