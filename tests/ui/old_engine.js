@@ -9,6 +9,15 @@ import {until} from './until.js';
 
 const kProgram = fileURLToPath(new URL('old_engine.py', import.meta.url));
 
+// In the page: where an element that can be clicked has its middle.
+function middle(wanted) {
+  const node = document.querySelector(wanted);
+  if (!node || node.disabled) return null;
+  node.scrollIntoView({block: 'center'});
+  const {left, top, width, height} = node.getBoundingClientRect();
+  return width && [Math.round(left + width / 2), Math.round(top + height / 2)];
+}
+
 export class OldEngine {
   constructor(dir, language) {
     chmodSync(dir, 0o700);  // as the engine requires of its runtime folder
@@ -43,16 +52,32 @@ export class OldEngine {
     return until(() => this.run(probe, ...args), `${probe} ${JSON.stringify(args)}`);
   }
 
-  // Clicks the middle of the selector's element once it is there.
+  // Clicks the middle of the selector's element once it is there and has come to rest.
   async click(selector) {
-    const place = await this.until((wanted) => {
-      const node = document.querySelector(wanted);
-      if (!node || node.disabled) return null;
-      node.scrollIntoView({block: 'center'});
-      const {left, top, width, height} = node.getBoundingClientRect();
-      return width && [Math.round(left + width / 2), Math.round(top + height / 2)];
+    let before = '';
+    const place = await until(async () => {
+      const now = await this.run(middle, selector);
+      const rests = now && String(now) === before;
+      before = String(now);
+      return rests && now;
     }, selector);
     await this.tell({click: place});
+  }
+
+  // Puts a text in place of what an input holds, as a user does.
+  async fill(selector, text) {
+    await until(async () => {
+      await this.click(selector);
+      return this.run((wanted) => {
+        const node = document.querySelector(wanted);
+        if (node !== document.activeElement) return false;
+        node.select();
+        return true;
+      }, selector);
+    }, `the focus on ${selector}`);
+    await this.type(text);
+    await this.until((wanted, value) => document.querySelector(wanted).value === value,
+        selector, text);
   }
 
   type(text) { return this.tell({type: text}); }

@@ -41,9 +41,7 @@ test('it is as old as it should be', async () => {
 test('sign-in with the keyboard', async () => {
   await engine.run(() => { localStorage['language.chosen'] = 'en'; });
   await engine.goto(`${pair.url}/login.html`);
-  await engine.click('#password');
-  await engine.type(kPassword);
-  assert.equal(await engine.run(() => document.querySelector('#password').value), kPassword);
+  await engine.fill('#password', kPassword);
   await picture('login');
   await engine.click('button[type=submit]');
   await shown('status');
@@ -70,12 +68,7 @@ test('each page shows what the recorder holds', async () => {
 test('a save arrives', async () => {
   await engine.click('nav a[data-page="network"]');
   await shown('network');
-  const input = '[data-field="stMobileGNet/strFD_Apn"] input';
-  await engine.click(input);
-  await engine.until((selector) => document.querySelector(selector) === document.activeElement,
-      input);
-  await engine.run(() => document.activeElement.select());
-  await engine.type('fleet');
+  await engine.fill('[data-field="stMobileGNet/strFD_Apn"] input', 'fleet');
   await engine.click('[data-section="mobile"] .main');
   await engine.click('[role=dialog] .main');
   await engine.until(() =>
@@ -86,8 +79,7 @@ test('a save arrives', async () => {
 test('a setting is found among all', async () => {
   await engine.click('nav a[data-page="settings"]');
   await shown('settings');
-  await engine.click('#find-setting');
-  await engine.type('strFD_Apn');
+  await engine.fill('#find-setting', 'strFD_Apn');
   // The value of the visit before may stand there until the recorder has been asked again.
   await engine.until(() => {
     const rows = document.querySelectorAll('[data-setting] input');
