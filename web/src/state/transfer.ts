@@ -98,7 +98,7 @@ async function sendAndRead(rows: ImportRow[], before: Settings) {
   step('sending');
   const still = async () => ({[kLocalIp]: (await load()).get(kLocalIp) || ''});
   const moved = await sendMove(send, still, before.get(kLocalIp) || '');
-  if (moved !== 'waiting') return settle(wanted, moved, before);
+  if (moved !== 'waiting') return settle(wanted, moved, moved === 'deviceSilent' ? null : before);
   step('moving');
   patch({moving: {where: origin, silent: false}});
   if (!await followTo(origin)) patch({moving: {where: origin, silent: true}});
@@ -109,6 +109,7 @@ export async function importRows() {
   const {rows, step: busy} = get().transfer;
   const chosen = chosenOf(rows);
   if (busy || !chosen.length) return;
+  patch({moving: null});
   const from = rows.find(({path}) => path === kLocalIp);
   const move = newOrigin((from && from.from) || undefined, new Map(chosen).get(kLocalIp));
   if (!await askUser({kind: 'import', count: chosen.length, move})) return;
@@ -131,7 +132,7 @@ export async function importRows() {
 export async function restoreImported() {
   const {former, step: busy} = get().transfer;
   if (!former || busy) return;
-  step('compare');
+  patch({moving: null, step: {name: 'compare', since: Date.now()}});
   try {
     const rows = compareFile((await config()).settings, former);
     patch({rows: rows.map((row) => ({...row, chosen: true})), file: former, end: null, former: null});
