@@ -113,6 +113,14 @@ test('what the recorder tells about itself can be read and not be changed', asyn
   assert.equal(await page.locator('[data-setting] input').count(), 0);
 });
 
+test('the password of the sign-in is changed where the present one is asked for', async () => {
+  await find('USER_0 strFD_UserPWD');
+  const [path, ...more] = await rows();
+  assert.deepEqual([path, more], ['stUserSec/stCustomUser/USER_0/strFD_UserPWD', []]);
+  assert.equal(await row(path).locator('input').count(), 0);
+  assert.match(await row(path).innerText(), /Security/);
+});
+
 test('the sheet for the workshop has every setting and no password', async () => {
   await page.emulateMedia({media: 'print'});
   await page.evaluate(() => window.dispatchEvent(new Event('beforeprint')));

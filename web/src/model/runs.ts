@@ -24,12 +24,13 @@ const kEnds: Record<SaveEnd, true> = {applied: true, partly: true, unchanged: tr
   deviceSilent: true, serviceSilent: true, lost: true, moved: true};
 const kMostRuns = 500;
 
+const kNotTaken: readonly Took[] = ['kept', 'other', 'absent', 'unknown'];
+
 const count = (lines: Line[], wanted: Took) => lines.filter(({took}) => took === wanted).length;
 
 export const countsOf = (lines: Line[]): Pick<Run, 'taken' | 'same' | 'left' | 'kept'> => ({
   taken: count(lines, 'taken'), same: count(lines, 'same'), left: count(lines, 'left'),
-  kept: lines.filter(({took}) => took === 'kept' || took === 'unknown').map(({path}) => path)
-      .join(' '),
+  kept: lines.filter(({took}) => kNotTaken.includes(took)).map(({path}) => path).join(' '),
 });
 
 export function isRun(value: unknown): value is Run {

@@ -65,7 +65,7 @@ export const zh: Record<keyof typeof en, string> = {
   'step.reading': '正在从录像机读回…',
   'step.moving': '正在新地址等待录像机…',
   'end.applied': '已保存。重新读取录像机，确认为这些值。',
-  'end.partly': '已接受，但录像机中的以下值不同：',
+  'end.partly': '已接受，但录像机中的值与发送的不同。',
   'end.unchanged': '无需保存：录像机已是这些值。',
   'end.refused': '录像机拒绝，其中的值没有变化。',
   'end.deviceSilent': '录像机没有确认修改。',

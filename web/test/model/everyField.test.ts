@@ -75,6 +75,8 @@ test('passwords are secret, what moves is fixed but the clock, what names a reco
   const rows: [string, Partial<Field>][] = [
     ['stWifi/strFD_Passwd', {kind: 'secret', fixed: false, apart: false}],
     ['stUserSec/stUser/USER_0/strFD_UserPWD', {kind: 'secret'}],
+    ['stUserSec/stCustomUser/USER_0/strFD_UserPWD', {kind: 'secret', fixed: true, help: 'help.signIn'}],
+    ['stUserSec/stCustomUser/USER_1/strFD_UserPWD', {kind: 'secret', fixed: false}],
     ['stNew/strPassword', {kind: 'secret'}],
     ['stBaseInfo/strFD_CurTime', {kind: 'clock', fixed: false, live: true}],
     ['stLockOfPassword/ucFD_ErrorCount', {fixed: true, live: true}],

@@ -20,6 +20,8 @@ test('each line of a file says what the recorder made of it', () => {
   assert.deepEqual(lines.map(({path, from, took}) => [path, from, took]), [
     ['a/b', '1', 'same'], ['a/c', '1', 'taken'], ['a/d', '1', 'kept'], ['a/e', '1', 'left']]);
   assert.deepEqual(countsOf(lines), {taken: 1, same: 1, left: 1, kept: 'a/d'});
+  const others = linesOf(file, rows, new Map([['a/b', '1'], ['a/c', '3']]));
+  assert.equal(countsOf(others).kept, 'a/c a/d');
   assert.deepEqual(linesOf(file, rows, null).map(({took}) => took),
       ['same', 'unknown', 'unknown', 'left']);
 });

@@ -38,7 +38,7 @@ class Row extends Component<RowProps> {
   override render({field, value}: RowProps) {
     return <div class="setting" data-setting={field.path}>
       {field.fixed ? <dl class="field"><dt>{wordOf(field.label)}</dt>
-        <dd>{display(field, value)}</dd></dl> : <FieldRow section="all" field={field} />}
+        <dd>{display(field, value)} {field.help && <span class="hint">{t(field.help)}</span>}</dd></dl> : <FieldRow section="all" field={field} />}
       <Raw {...field} />
     </div>;
   }
