@@ -99,7 +99,8 @@ const kSections: Record<string, string> = {
 };
 
 const kBits: Record<string, number> = {c: 8, s: 16, i: 32};
-const kKinds: Record<string, Kind> = {a: 'address', m: 'mask', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
+const kKinds: Record<string, Kind> =
+    {a: 'address', m: 'mask', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
 const kRow = /^(\w+?)(?::([a-z-]?)(\d*))?(!?)$/;
 const kPrefix = /^(?:u([csi])|(f))(?=FD_|[A-Z])/;
 const kOnOff = new RegExp('(?:Enable|EnableFlag|Enable(?:HR808|JSIASS|ROI)|' +

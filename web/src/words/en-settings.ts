@@ -84,7 +84,7 @@ export const settings = {
   'runs.clear': 'Empty the list',
   'runs.sure': 'Really empty it',
   'runs.foreign': 'This file is no such list.',
-  'runs.unkept': 'This browser does not keep {count} of these. Save the list as CSV before you leave the page, then empty it.',
+  'runs.unkept': 'Lost when you leave this page: {count}. Save the list as CSV, then empty it.',
   'run.applied': 'Applied.',
   'run.partly': 'Applied in part.',
   'run.unchanged': 'Nothing to change.',

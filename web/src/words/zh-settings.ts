@@ -86,7 +86,7 @@ export const settings: Record<keyof typeof en, string> = {
   'runs.clear': '清空清单',
   'runs.sure': '确认清空',
   'runs.foreign': '该文件不是这样的清单。',
-  'runs.unkept': '此浏览器未能保存其中 {count} 条记录。请在离开页面前保存为 CSV 清单，然后清空清单。',
+  'runs.unkept': '离开页面后将丢失 {count} 条。请保存为 CSV 清单，然后清空。',
   'run.applied': '已应用。',
   'run.partly': '部分应用。',
   'run.unchanged': '无需更改。',
