@@ -83,6 +83,28 @@ test('what was changed is checked, reviewed, sent alone and read back', async ()
   assert.equal(rig.setting('stPower', 'usPOffDelayTime'), former[0]);
 });
 
+test('a wrong field is shown wherever it is, and stays while it is mended', async () => {
+  await find('');
+  await open('stMainStream');
+  await group('stMainStream').locator('[data-action=more]').click();
+  const paths = (await rows()).filter((path) => path.startsWith('stMainStream/'));
+  const path = paths.filter((each) => each.endsWith('ucFD_FrameRate')).pop();
+  assert.ok(paths.indexOf(path) >= 40);
+  await put(page, path, '61');
+  await open('stMainStream');
+  assert.deepEqual(await rows(), []);
+  await find('stVehicle');
+  await press(page, 'all');
+  assert.match(await error(page, path), /1[^]*60/);
+  const input = fieldRow(page, path).locator('input');
+  assert.ok(await input.evaluate((each) => each === document.activeElement));
+  await page.keyboard.press('End');
+  await page.keyboard.press('Backspace');
+  await page.keyboard.type('0');
+  assert.equal(await input.inputValue(), '60');
+  await button(page, 'all', 'discard').click();
+});
+
 test('changes outlast a reload, passwords do not', async () => {
   await change(kApn, 'fleet');
   await change(kSecret, 'geheim');

@@ -40,11 +40,12 @@ function ofAttribute(attribute: Attribute, value: string): Kind {
 
 // Settings that the recorder's tables lack.
 function guess(path: string, value: string): Kind {
+  if (isSecret(path)) return {kind: 'secret'};
   const name = path.split('/').pop() || '';
   const [, letters = ''] = kNumber.exec(name.replace('FD_', '')) || [];
   if (letters === 'ui' && isAddress(value)) return {kind: 'address'};
   if (letters && /^\d+$/.test(value)) return {kind: 'number', min: 0, max: kMost[letters]};
-  return {kind: isSecret(path) ? 'secret' : 'text'};
+  return {kind: 'text'};
 }
 
 function kindOf(path: string, value: string, form: Field | undefined): Kind {

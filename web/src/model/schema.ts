@@ -2,8 +2,8 @@
 // for. A setting is known by its section and its own name, whichever item of a list it belongs to.
 import {isSecret} from '../recorder/config';
 
-export type Kind = 'text' | 'number' | 'decimal' | 'address' | 'time' | 'hex';
-export type Unit = 'kbit' | 'fps' | 'percent' | 'second' | 'day' | 'baud';
+export type Kind = 'text' | 'number' | 'decimal' | 'address' | 'mask' | 'time' | 'hex';
+export type Unit = 'kbit' | 'fps' | 'percent' | 'day' | 'baud';
 
 export interface Attribute {
   section: string;
@@ -23,10 +23,10 @@ export interface Attribute {
 }
 
 // A number's width and a decimal show in the name's prefix. Behind ":" stands what does not: the
-// width of a text, "c" or "i" a number of 8 or 32 bits, "a" an address, "t" a time of day, "x128"
-// digits for 128 bytes, "-" no value that is kept. "!" marks what belongs to one recorder: what
-// identifies it, its vehicle, its driver or its place in a network, and what its own disks and
-// sensors need.
+// width of a text, "c" or "i" a number of 8 or 32 bits, "a" an address, "m" a network mask, "t" a
+// time of day, "x128" digits for 128 bytes, "-" no value that is kept. "!" marks what belongs to one
+// recorder: what identifies it, its vehicle, its driver or its place in a network, and what its own
+// disks and sensors need.
 const kSections: Record<string, string> = {
   stBaseInfo: 'strFD_DeviceNo:15! ucFD_TimeZone ucFD_TZAdjust ucFD_DstEnable ucFD_DstFromMon ' +
       'ucFD_DstFromDay ucFD_DstToMon ucFD_DstToDay ucFD_NowIsDst ucFD_DateStyle ucFD_GpsMode ' +
@@ -47,9 +47,9 @@ const kSections: Record<string, string> = {
       'ucFD_EnableHR808 ucFD_EnableJSIASS usFD_ExtFunBitFlag usFD_GPSInterval',
   stMobileGNet: 'ucFD_NetType strFD_Apn:31 strFD_PhoneNo:23! strFD_UserName:35 strFD_UserPasswd:35',
   stWifi: 'ucFD_WorkMode ucFD_AuthMode ucFD_CryptType ucFD_DhcpEnableFlag strFD_SSID:31! ' +
-      'strFD_Passwd:31 uiFD_IP:a! uiFD_GateWay:a! uiFD_NetMask:a! uiFD_DNS:a!',
+      'strFD_Passwd:31 uiFD_IP:a! uiFD_GateWay:a! uiFD_NetMask:m! uiFD_DNS:a!',
   stWifiAp: 'ucFD_AuthMode ucFD_CryptType ucFD_DhcpEnableFlag strFD_SSID:31! strFD_Passwd:31',
-  stLocalEth0: 'ucFD_DhcpEnableFlag uiFD_LocalIp:a! uiFD_NetMask:a! uiFD_GateWay:a! strFD_Mac:23!',
+  stLocalEth0: 'ucFD_DhcpEnableFlag uiFD_LocalIp:a! uiFD_NetMask:m! uiFD_GateWay:a! strFD_Mac:23!',
   stCMS: 'ucFD_AddressType uiFD_IP:a strFD_Domain:63 usFD_Port',
   stGB28181: 'ucFD_Enable ucFD_WebSEnable usFD_ServerPort usFD_DevicePort strFD_WebSAddr:255 ' +
       'strFD_Manufacturer:31 strFD_ModelName:31 strFD_ServerIp:31 strFD_ServerID:31 ' +
@@ -108,7 +108,8 @@ export const isStatus = (path: string) => kNoSetting.test(path);
 export const isLive = (path: string) => kLive.test(path);
 
 const kBits: Record<string, number> = {c: 8, s: 16, i: 32};
-const kKinds: Record<string, Kind> = {a: 'address', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
+const kKinds: Record<string, Kind> =
+    {a: 'address', m: 'mask', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
 const kRow = /^(\w+?)(?::([a-z-]?)(\d*))?(!?)$/;
 const kPrefix = /^(?:u([csi])|(f))(?=FD_|[A-Z])/;
 const kOnOff = new RegExp('(?:Enable|EnableFlag|Enable(?:HR808|JSIASS|ROI)|' +
@@ -117,7 +118,7 @@ const kFlags = 'stGB28181/ucFD_Enable';  // more than one switch in a byte
 const kDeviceNo = 'stBaseInfo/strFD_DeviceNo';
 
 const kUnits: Record<string, Unit> = {
-  uiFD_BitRate: 'kbit', ucFD_FrameRate: 'fps', ucFD_Percent: 'percent', uiFD_LockTime: 'second',
+  uiFD_BitRate: 'kbit', ucFD_FrameRate: 'fps', ucFD_Percent: 'percent',
   uiFD_AlarmRecordDays: 'day', ucFD_SaveDays: 'day', uiBaudRate: 'baud',
 };
 

@@ -95,6 +95,7 @@ export interface Fleet {
   name: string;
   saved: {name: string} | {used: number} | null;  // the file, or its bytes when it is too long
   runs: readonly Run[];
+  unkept: number;  // of them, that are lost when the page is left
 }
 
 // A save that came to its end, whatever it was.
@@ -125,7 +126,7 @@ const kStart: State = {
   transfer: {exporting: false, exported: null, name: null, error: null, rows: [],
     changed: [], foreign: null, purpose: 'file', file: null, lines: [], step: null, end: null, moving: null, former: null},
   labels: {names: new Map(), error: null},
-  fleet: {chosen: new Set(), name: '', saved: null, runs: []}, scripts: {},
+  fleet: {chosen: new Set(), name: '', saved: null, runs: [], unkept: 0}, scripts: {},
 };
 
 let state = kStart;

@@ -119,7 +119,7 @@ export const zh: Record<keyof typeof en, string> = {
   'section.server': '平台服务器',
   'section.gb28181': 'GB28181 平台',
   'section.password': '密码',
-  'section.all': '分段设置',
+  'section.all': '按类别的设置',
   'section.lock': '输错密码后的锁定',
   'section.export': '导出配置文件',
   'section.import': '导入配置文件',

@@ -33,7 +33,8 @@ test('every kind is the one that the daemon reads', () => {
   for (const row of rows) {
     const member = memberOf(row);
     const plain = !member || member.text ? 'text' : member.type === 'float' ? 'decimal' : 'number';
-    assert.equal(known(row).kind, kKinds[row.store] || plain, `${row.section}/${row.name}`);
+    const wanted = row.name === 'uiFD_NetMask' ? 'mask' : kKinds[row.store] || plain;
+    assert.equal(known(row).kind, wanted, `${row.section}/${row.name}`);
   }
 });
 
@@ -98,11 +99,13 @@ test('what belongs to one recorder is told by one rule', () => {
 const pathsWhere = (is: (attribute: Attribute) => boolean | undefined) =>
   knownAttributes().filter(is).map(({section, name}) => `${section}/${name}`).sort();
 
-test('every password is secret', () => {
+test('passwords and the authentication code are secret, and nothing else is', () => {
   assert.deepEqual(pathsWhere(({secret}) => secret), [
     'stGB28181/strFD_DevicePass', 'stIpc/strFD_Pass', 'stMobileGNet/strFD_UserPasswd',
     'stServerGroup/strFD_UserPWD', 'stUserSec/strFD_AdminPasswd', 'stUserSec/strFD_NormalPasswd',
-    'stUserSec/strFD_UserPWD', 'stWifi/strFD_Passwd', 'stWifiAp/strFD_Passwd']);
+    'stUserSec/strFD_UserPWD', 'stVehicle/strFD_Authentication', 'stWifi/strFD_Passwd',
+    'stWifiAp/strFD_Passwd']);
+  for (const {secret, kind, name} of knownAttributes()) if (secret) assert.equal(kind, 'text', name);
 });
 
 test('what moves by itself and what is only told are no settings', () => {
@@ -111,6 +114,10 @@ test('what moves by itself and what is only told are no settings', () => {
     'stLockOfPassword/uiFD_LockTime']);
   const sections = new Set(pathsWhere(({status}) => status).map((path) => path.split('/')[0]));
   assert.deepEqual([...sections], ['stSystemInfo', 'stVersion']);
+});
+
+test('the moment of the last wrong entry has no unit', () => {
+  assert.equal(attributeOf('stLockOfPassword/uiFD_LockTime')!.unit, undefined);
 });
 
 test('a switch is a number of its own', () => {
