@@ -9,7 +9,7 @@ import {watchHealth, whenRecovered} from './state/health';
 import {loadLabels} from './state/labels';
 import {watchHistory} from './state/history';
 import {loadPreferences} from './state/preferences';
-import {read, startRoute} from './state/route';
+import {read, readAgain, startRoute} from './state/route';
 import {setScripts} from './state/scripts';
 import {expire, setBuild, takeNewPages} from './state/session';
 import {watchVisibility} from './state/status';
@@ -72,7 +72,7 @@ function leaveIfSignedOut(event: PageTransitionEvent) {
 function openApp(root: HTMLElement) {
   watchHealth();
   watchHistory();
-  whenRecovered(read);
+  whenRecovered(readAgain);
   watchVisibility();
   window.addEventListener('beforeunload', askBeforeLeaving);
   window.addEventListener('pageshow', leaveIfSignedOut);

@@ -85,7 +85,21 @@ test('a row can be left out', async () => {
   assert.equal(rig.setting('stMobileGNet', 'strFD_PhoneNo'), '*99#');
 });
 
-// The settings that identify this recorder.
+test('what somebody changed while the file was looked at is asked about again', async () => {
+  const {text} = await exportFile();
+  await choose('edited.xml', text.replace('"CMNET"', '"fleet"'));
+  await row('stMobileGNet/strFD_Apn').waitFor();
+  await rig.change('<stMobileGNet strFD_Apn="colleague"/>');
+  const sets = rig.sets();
+  assert.equal(await bring(), 'conflict', await said());
+  assert.equal(rig.sets(), sets);
+  assert.match(await row('stMobileGNet/strFD_Apn').innerText(), /changed by somebody else[^]*colleague/i);
+  await line(page, 'import').evaluate((node) => node.removeAttribute('data-note'));
+  assert.equal(await bring(), 'applied', await said());
+  assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
+});
+
+// The settings that belong to this recorder alone.
 const kOwn = [
   'stBaseInfo/strFD_DeviceNo', 'stVehicle/strFD_DeviceNum', 'stVehicle/strFD_LicensePlate',
   'stLocalEth0/uiFD_LocalIp', 'stGB28181/strFD_DeviceId', 'stGB28181/strFD_DeviceUser',

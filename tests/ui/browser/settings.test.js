@@ -83,6 +83,28 @@ test('what was changed is checked, reviewed, sent alone and read back', async ()
   assert.equal(rig.setting('stPower', 'usPOffDelayTime'), former[0]);
 });
 
+test('a wrong field is shown wherever it is, and stays while it is mended', async () => {
+  await find('');
+  await open('stMainStream');
+  await group('stMainStream').locator('[data-action=more]').click();
+  const paths = (await rows()).filter((path) => path.startsWith('stMainStream/'));
+  const path = paths.filter((each) => each.endsWith('ucFD_FrameRate')).pop();
+  assert.ok(paths.indexOf(path) >= 40);
+  await put(page, path, '61');
+  await open('stMainStream');
+  assert.deepEqual(await rows(), []);
+  await find('stVehicle');
+  await press(page, 'all');
+  assert.match(await error(page, path), /1[^]*60/);
+  const input = fieldRow(page, path).locator('input');
+  assert.ok(await input.evaluate((each) => each === document.activeElement));
+  await page.keyboard.press('End');
+  await page.keyboard.press('Backspace');
+  await page.keyboard.type('0');
+  assert.equal(await input.inputValue(), '60');
+  await button(page, 'all', 'discard').click();
+});
+
 test('changes outlast a reload, passwords do not', async () => {
   await change(kApn, 'fleet');
   await change(kSecret, 'geheim');
@@ -111,6 +133,14 @@ test('what the recorder tells about itself can be read and not be changed', asyn
   await find('stVersion');
   assert.ok((await rows()).length > 5);
   assert.equal(await page.locator('[data-setting] input').count(), 0);
+});
+
+test('the password of the sign-in is changed where the present one is asked for', async () => {
+  await find('USER_0 strFD_UserPWD');
+  const [path, ...more] = await rows();
+  assert.deepEqual([path, more], ['stUserSec/stCustomUser/USER_0/strFD_UserPWD', []]);
+  assert.equal(await row(path).locator('input').count(), 0);
+  assert.match(await row(path).innerText(), /Security/);
 });
 
 test('the sheet for the workshop has every setting and no password', async () => {

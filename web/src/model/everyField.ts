@@ -4,8 +4,8 @@ import type {Settings} from '../recorder/config';
 import {isSecret} from '../recorder/config';
 import type {Field} from './fields';
 import {isAddress} from './checks';
-import {identifies, isLive, isStatus} from './import';
-import {attributeOf, type Attribute} from './schema';
+import {kSignInPassword} from './import';
+import {attributeOf, identifies, isLive, isStatus, type Attribute} from './schema';
 import {kSections} from './sections';
 
 type Kind = Pick<Field, 'kind' | 'min' | 'max' | 'bytes' | 'least' | 'most' | 'options' | 'inside'
@@ -40,11 +40,12 @@ function ofAttribute(attribute: Attribute, value: string): Kind {
 
 // Settings that the recorder's tables lack.
 function guess(path: string, value: string): Kind {
+  if (isSecret(path)) return {kind: 'secret'};
   const name = path.split('/').pop() || '';
   const [, letters = ''] = kNumber.exec(name.replace('FD_', '')) || [];
   if (letters === 'ui' && isAddress(value)) return {kind: 'address'};
   if (letters && /^\d+$/.test(value)) return {kind: 'number', min: 0, max: kMost[letters]};
-  return {kind: isSecret(path) ? 'secret' : 'text'};
+  return {kind: 'text'};
 }
 
 function kindOf(path: string, value: string, form: Field | undefined): Kind {
@@ -56,21 +57,18 @@ function kindOf(path: string, value: string, form: Field | undefined): Kind {
   return attribute ? ofAttribute(attribute, value) : guess(path, value);
 }
 
-// Names this recorder, its people or its place in a network.
-function isApart(path: string): boolean {
-  const {identity = identifies(path)} = attributeOf(path) || {};
-  return identity;
-}
-
 // In the order of the configuration. What changes by itself is shown as it is; the clock can be set.
+// The password of the sign-in is changed only where the present one is asked for.
 export function everyField(settings: Settings, nameOf: (path: string) => Name): Field[] {
   const forms = formFields(settings);
   const fields: Field[] = [];
   for (const [path, value] of settings) {
     const kind = kindOf(path, value, forms.get(path));
     const moves = isStatus(path) || isLive(path);
-    fields.push({path, ...kind, ...nameOf(path), live: moves,
-      fixed: moves && kind.kind !== 'clock', apart: isApart(path)});
+    const signsIn = path === kSignInPassword;
+    fields.push({path, ...kind, ...nameOf(path), live: moves, apart: identifies(path),
+      fixed: signsIn || moves && kind.kind !== 'clock',
+      ...(signsIn ? {help: 'help.signIn' as const} : {})});
   }
   return fields;
 }

@@ -26,8 +26,8 @@ export interface Field {
   live?: boolean;  // changes by itself, so it is never compared
   inside?: readonly [string, string];  // paths of the address and mask of its network
   needed?: boolean;  // must be known before it is sent
-  fixed?: boolean;  // told by the recorder, no setting
-  apart?: boolean;  // identifies this recorder: nothing for another one
+  fixed?: boolean;  // told by the recorder, or changed elsewhere
+  apart?: boolean;  // belongs to this recorder: nothing for another one
   entities?: boolean;  // the value is sent with entities, which must fit, too
 }
 

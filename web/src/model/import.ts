@@ -1,23 +1,19 @@
 // Compares a file with the recorder: what an import would change, and what to leave out by default.
 import type {Settings} from '../recorder/config';
+import {identifies, isLive, isStatus} from './schema';
 
 // `from` is null where the recorder lacks a setting of the file.
 export interface ImportRow { path: string; from: string | null; to: string; chosen: boolean }
 
 export const kDeviceNo = 'stBaseInfo/strFD_DeviceNo';
 
-// What a recorder reports about itself is not a setting.
-const kNoSetting = /^(?:stSystemInfo|stVersion)\//;
-// Changes by itself: an old value would set it back.
-const kLive = /^(?:stBaseInfo\/(?:strFD_CurTime|ucFD_NowIsDst)|stLockOfPassword\/.*)$/;
-// Identifies this recorder, its vehicle or its place in the network.
-const kIdentity = new RegExp('/(?:strFD_(?:DeviceNo|DeviceNum|LicensePlate|Phonenumber|' +
-    'Authentication|TerminalID|CarVIN|DeviceId|DeviceUser|LensId|AudioInId|AlarmInId|Mac)|' +
-    'uiFD_(?:LocalIp|IP|NetMask|GateWay|DNS))$');
+// What the sign-in compares with. Whoever sets it without knowing locks himself out.
+export const kSignInPassword = 'stUserSec/stCustomUser/USER_0/strFD_UserPWD';
 
-export const identifies = (path: string) => kIdentity.test(path);
-export const isStatus = (path: string) => kNoSetting.test(path);
-export const isLive = (path: string) => kLive.test(path);
+const heldOf = (settings: Settings, path: string): string | null => {
+  const held = settings.get(path);
+  return held === undefined ? null : held;
+};
 
 // The file's device number when it is not this recorder's.
 export function foreignNumber(now: Settings, file: Settings): string | null {
@@ -25,35 +21,55 @@ export function foreignNumber(now: Settings, file: Settings): string | null {
   return number && number !== now.get(kDeviceNo) ? number : null;
 }
 
-// What the recorder has and the file lacks does not change.
-export function compareFile(now: Settings, file: Settings): ImportRow[] {
+// What the recorder has and the file lacks does not change. What the user chose before stays chosen.
+export function compareFile(now: Settings, file: Settings, seen: ImportRow[] = []): ImportRow[] {
   const foreign = foreignNumber(now, file) !== null;
+  const choices = new Map(seen.map(({path, chosen}) => [path, chosen]));
   const rows: ImportRow[] = [];
   for (const [path, to] of file) {
-    const held = now.get(path);
-    const from = held === undefined ? null : held;
+    const from = heldOf(now, path);
     if (isStatus(path) || from === to) continue;
-    rows.push({path, from, to, chosen: !isLive(path) && !(foreign && identifies(path))});
+    const byHand = isLive(path) || path === kSignInPassword || foreign && identifies(path);
+    const choice = choices.get(path);
+    rows.push({path, from, to, chosen: choice === undefined ? !byHand : choice});
   }
   return rows;
 }
 
+// The chosen rows whose value on the recorder is not the one that the user has seen.
+export const changedSince = (rows: ImportRow[], now: Settings): string[] =>
+  rows.filter(({path, from, chosen}) => chosen && !isLive(path) && heldOf(now, path) !== from)
+      .map(({path}) => path);
+
 // What became of a setting of a file: the recorder held it already, took it, kept its own value
-// instead, was not asked, or did not tell.
-export type Took = 'same' | 'taken' | 'kept' | 'left' | 'unknown';
-export interface Line { path: string; from: string | null; to: string; took: Took }
+// instead, holds a third one, has no such setting, was not asked, or did not tell.
+export type Took = 'same' | 'taken' | 'kept' | 'other' | 'absent' | 'left' | 'unknown';
+
+// `now` is what the recorder holds: null when it lacks the setting, undefined when it was not read.
+export interface Line {
+  path: string;
+  from: string | null;
+  to: string;
+  now: string | null | undefined;
+  took: Took;
+}
+
+function tookOf({from, to, chosen}: ImportRow, now: Line['now']): Took {
+  if (!chosen) return 'left';
+  if (now === undefined) return 'unknown';
+  if (now === null) return 'absent';
+  return now === to ? 'taken' : now === from ? 'kept' : 'other';
+}
 
 // Every setting of a file after its import; `after` is null when it could not be read back.
 export function linesOf(file: Settings, rows: ImportRow[], after: Settings | null): Line[] {
   const compared = new Map(rows.map((row) => [row.path, row]));
-  const took = (row: ImportRow | undefined, path: string, to: string): Took =>
-    !row ? 'same' : !row.chosen ? 'left' : !after ? 'unknown'
-      : after.get(path) === to ? 'taken' : 'kept';
   const lines: Line[] = [];
   for (const [path, to] of file) {
     if (isStatus(path)) continue;
     const row = compared.get(path);
-    lines.push({path, to, from: row ? row.from : to, took: took(row, path, to)});
+    const now = after ? heldOf(after, path) : undefined;
+    lines.push({path, to, now, from: row ? row.from : to, took: row ? tookOf(row, now) : 'same'});
   }
   return lines;
 }

@@ -22,14 +22,15 @@ export const kColumns: readonly Column[] = ['at', 'number', 'plate', 'where', 't
 const kCounts: readonly Column[] = ['taken', 'same', 'left'];
 const kEnds: Record<SaveEnd, true> = {applied: true, partly: true, unchanged: true, refused: true,
   deviceSilent: true, serviceSilent: true, lost: true, moved: true};
-const kMostRuns = 500;
+export const kMostRuns = 500;  // that a browser keeps
+
+const kNotTaken: readonly Took[] = ['kept', 'other', 'absent', 'unknown'];
 
 const count = (lines: Line[], wanted: Took) => lines.filter(({took}) => took === wanted).length;
 
 export const countsOf = (lines: Line[]): Pick<Run, 'taken' | 'same' | 'left' | 'kept'> => ({
   taken: count(lines, 'taken'), same: count(lines, 'same'), left: count(lines, 'left'),
-  kept: lines.filter(({took}) => took === 'kept' || took === 'unknown').map(({path}) => path)
-      .join(' '),
+  kept: lines.filter(({took}) => kNotTaken.includes(took)).map(({path}) => path).join(' '),
 });
 
 export function isRun(value: unknown): value is Run {
@@ -43,11 +44,10 @@ export function isRun(value: unknown): value is Run {
 const keyOf = ({at, number, template, action, end}: Run) =>
   [at, number, template, action, end].join(' ');
 
-// Together, each once, the latest first and no more than a browser keeps.
+// Together, each once, the latest first.
 export function joinRuns(known: readonly Run[], more: readonly Run[]): Run[] {
   const all = new Map([...known, ...more].map((run) => [keyOf(run), run]));
-  return [...all.values()].sort((a, b) => a.at < b.at ? 1 : a.at > b.at ? -1 : 0)
-      .slice(0, kMostRuns);
+  return [...all.values()].sort((a, b) => a.at < b.at ? 1 : a.at > b.at ? -1 : 0);
 }
 
 // Spreadsheets calculate what begins like a formula, wide signs included; a quote makes it a text.

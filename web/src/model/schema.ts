@@ -1,10 +1,9 @@
 // What the recorder's records know of a setting: its kind, its width or range, and what it is not
 // for. A setting is known by its section and its own name, whichever item of a list it belongs to.
 import {isSecret} from '../recorder/config';
-import {isLive, isStatus} from './import';
 
-export type Kind = 'text' | 'number' | 'decimal' | 'address' | 'time' | 'hex';
-export type Unit = 'kbit' | 'fps' | 'percent' | 'second' | 'day' | 'baud';
+export type Kind = 'text' | 'number' | 'decimal' | 'address' | 'mask' | 'time' | 'hex';
+export type Unit = 'kbit' | 'fps' | 'percent' | 'day' | 'baud';
 
 export interface Attribute {
   section: string;
@@ -18,18 +17,20 @@ export interface Attribute {
   unit?: Unit;
   onOff?: boolean;  // 0 or 1
   secret?: boolean;  // hidden in print, copies, reports and templates
-  identity?: boolean;  // identifies this recorder or its place in a network: nothing for others
+  identity?: boolean;  // belongs to this recorder alone: nothing for others
   live?: boolean;  // changes by itself
   status?: boolean;  // told by the recorder, no setting
 }
 
 // A number's width and a decimal show in the name's prefix. Behind ":" stands what does not: the
-// width of a text, "c" or "i" a number of 8 or 32 bits, "a" an address, "t" a time of day, "x128"
-// digits for 128 bytes, "-" no value that is kept. "!" marks identity.
+// width of a text, "c" or "i" a number of 8 or 32 bits, "a" an address, "m" a network mask, "t" a
+// time of day, "x128" digits for 128 bytes, "-" no value that is kept. "!" marks what belongs to one
+// recorder: what identifies it, its vehicle, its driver or its place in a network, and what its own
+// disks and sensors need.
 const kSections: Record<string, string> = {
   stBaseInfo: 'strFD_DeviceNo:15! ucFD_TimeZone ucFD_TZAdjust ucFD_DstEnable ucFD_DstFromMon ' +
       'ucFD_DstFromDay ucFD_DstToMon ucFD_DstToDay ucFD_NowIsDst ucFD_DateStyle ucFD_GpsMode ' +
-      'ucFD_GpsSTFlag ucFD_DiskFormatFlag usFD_DstAdjust usFD_SizeOf2ndPart strFD_CurTime:23',
+      'ucFD_GpsSTFlag ucFD_DiskFormatFlag! usFD_DstAdjust usFD_SizeOf2ndPart! strFD_CurTime:23',
   stUserSec: 'ucFD_PWEnableFlag ucFD_UserStatus strFD_NormalPasswd:7 strFD_AdminPasswd:7 ' +
       'strFD_UserName:15 strFD_UserPWD:127 usFD_UserRoles',
   stLockOfPassword: 'ucFD_ErrorCount uiFD_LockTime',
@@ -46,9 +47,9 @@ const kSections: Record<string, string> = {
       'ucFD_EnableHR808 ucFD_EnableJSIASS usFD_ExtFunBitFlag usFD_GPSInterval',
   stMobileGNet: 'ucFD_NetType strFD_Apn:31 strFD_PhoneNo:23! strFD_UserName:35 strFD_UserPasswd:35',
   stWifi: 'ucFD_WorkMode ucFD_AuthMode ucFD_CryptType ucFD_DhcpEnableFlag strFD_SSID:31! ' +
-      'strFD_Passwd:31 uiFD_IP:a! uiFD_GateWay:a! uiFD_NetMask:a! uiFD_DNS:a!',
+      'strFD_Passwd:31 uiFD_IP:a! uiFD_GateWay:a! uiFD_NetMask:m! uiFD_DNS:a!',
   stWifiAp: 'ucFD_AuthMode ucFD_CryptType ucFD_DhcpEnableFlag strFD_SSID:31! strFD_Passwd:31',
-  stLocalEth0: 'ucFD_DhcpEnableFlag uiFD_LocalIp:a! uiFD_NetMask:a! uiFD_GateWay:a! strFD_Mac:23!',
+  stLocalEth0: 'ucFD_DhcpEnableFlag uiFD_LocalIp:a! uiFD_NetMask:m! uiFD_GateWay:a! strFD_Mac:23!',
   stCMS: 'ucFD_AddressType uiFD_IP:a strFD_Domain:63 usFD_Port',
   stGB28181: 'ucFD_Enable ucFD_WebSEnable usFD_ServerPort usFD_DevicePort strFD_WebSAddr:255 ' +
       'strFD_Manufacturer:31 strFD_ModelName:31 strFD_ServerIp:31 strFD_ServerID:31 ' +
@@ -80,8 +81,8 @@ const kSections: Record<string, string> = {
       'ucFD_PeakingIsEnable ucFD_TimeUnit ucFD_FatigueEnable usFD_LowSpeed usFD_OverSpeed ' +
       'usFD_OverTime usFD_DrivingTime usFD_RestTime',
   stTempAlarm: 'ucFD_TempType ucFD_LowTempEnable ucFD_HighTempEnable fFD_LowTemp fFD_HighTemp',
-  stGSensor: 'fFD_X fFD_XLimit fFD_Y fFD_YLimit fFD_Z fFD_ZLimit fFD_RAccel fFD_RDecel fFD_Crash ' +
-      'fFD_Swerve fFD_TrunOver ucFD_AlarmEnable ReCalibrate:-',
+  stGSensor: 'fFD_X! fFD_XLimit fFD_Y! fFD_YLimit fFD_Z! fFD_ZLimit fFD_RAccel fFD_RDecel ' +
+      'fFD_Crash fFD_Swerve fFD_TrunOver ucFD_AlarmEnable ReCalibrate:-',
   stVda: 'ucFD_Enable ucFD_Wday1 ucFD_Wday2 ucFD_Wday3 ucFD_Percent uiStartT1 uiEndT1 uiStartT2 ' +
       'uiEndT2 uiStartT3 uiEndT3 uiFD_Mask',
   stVehicle: 'strFD_CompanyName:31 strFD_LicensePlate:31! strFD_DriverName:31! ' +
@@ -98,8 +99,17 @@ const kSections: Record<string, string> = {
       'strFD_Pass:31 strFD_Wday:31 uiFD_IP:a! strFD_StartT:t strFD_EndT:t',
 };
 
+// What a recorder reports about itself is not a setting.
+const kNoSetting = /^(?:stSystemInfo|stVersion)\//;
+// Changes by itself: an old value would set it back.
+const kLive = /^(?:stBaseInfo\/(?:strFD_CurTime|ucFD_NowIsDst)|stLockOfPassword\/.*)$/;
+
+export const isStatus = (path: string) => kNoSetting.test(path);
+export const isLive = (path: string) => kLive.test(path);
+
 const kBits: Record<string, number> = {c: 8, s: 16, i: 32};
-const kKinds: Record<string, Kind> = {a: 'address', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
+const kKinds: Record<string, Kind> =
+    {a: 'address', m: 'mask', t: 'time', f: 'decimal', x: 'hex', '-': 'text'};
 const kRow = /^(\w+?)(?::([a-z-]?)(\d*))?(!?)$/;
 const kPrefix = /^(?:u([csi])|(f))(?=FD_|[A-Z])/;
 const kOnOff = new RegExp('(?:Enable|EnableFlag|Enable(?:HR808|JSIASS|ROI)|' +
@@ -108,7 +118,7 @@ const kFlags = 'stGB28181/ucFD_Enable';  // more than one switch in a byte
 const kDeviceNo = 'stBaseInfo/strFD_DeviceNo';
 
 const kUnits: Record<string, Unit> = {
-  uiFD_BitRate: 'kbit', ucFD_FrameRate: 'fps', ucFD_Percent: 'percent', uiFD_LockTime: 'second',
+  uiFD_BitRate: 'kbit', ucFD_FrameRate: 'fps', ucFD_Percent: 'percent',
   uiFD_AlarmRecordDays: 'day', ucFD_SaveDays: 'day', uiBaudRate: 'baud',
 };
 
@@ -154,3 +164,13 @@ export const knownAttributes = () => [...all().values()];
 // By its path, "stWifi/strFD_SSID" or with items on the way; undefined when the records lack it.
 export const attributeOf = (path: string): Attribute | undefined =>
   all().get(path.replace(/\/.*\//, '/'));
+
+let own: Set<string> | null = null;
+
+// Belongs to one recorder alone. What the records lack is known by its name in other sections.
+export function identifies(path: string): boolean {
+  const attribute = attributeOf(path);
+  if (attribute) return Boolean(attribute.identity);
+  own = own || new Set(knownAttributes().filter(({identity}) => identity).map(({name}) => name));
+  return own.has(path.replace(/.*\//, ''));
+}

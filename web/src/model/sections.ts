@@ -94,6 +94,8 @@ function wifiFields({reply}: Read): Field[] {
 
 const entities = {entities: true};
 
+export const kNewPassword = secret('fresh', 'newPassword', 127, {least: 1, ...entities});
+
 // Every setting has a field once the script of the pages that show them has come.
 let every: Section['fields'] = () => [];
 export const giveFields = (fields: Section['fields']) => { every = fields; };
@@ -178,7 +180,7 @@ export const kSections: readonly Section[] = [
   {
     id: 'password', page: 'security', title: 'section.password',
     fields: list(secret('current', 'currentPassword', 127),
-        secret('fresh', 'newPassword', 127, {least: 1, ...entities}),
+        kNewPassword,
         secret('repeat', 'repeatPassword', 127, {least: 1, ...entities})),
     values: () => ({current: '', fresh: '', repeat: ''}),
   },

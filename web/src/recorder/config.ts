@@ -7,14 +7,16 @@ import {printXml, readXml, type Element, type XmlError} from './xml';
 
 // What the service accepts.
 export const kImportBytes = 30719;
-const kDepth = 32;
+const kFileBytes = 1 << 20;  // with all the blanks and comments of an editor
 const kRoot = 'VariCfgSec';
 
 export type Settings = Map<string, string>;
 
-export const isSecret = (path: string) => /pass(?:wd|word)?$|pwd$/i.test(path);
+// What lets somebody in, by its name.
+const kSecret = /(?:pass(?:wd|word)?|pwd|psw|psk|key|secret|token)_?\d*$|Authentication$/i;
+export const isSecret = (path: string) => kSecret.test(path);
 
-export type FileError = XmlError | {error: 'foreign' | 'empty' | 'deep'}
+export type FileError = XmlError | {error: 'foreign' | 'empty'}
     | {error: 'char'; char: string; name: string} | {error: 'long'; used: number};
 
 // Every setting by its path; `repeated` is called for a path that occurs twice.
@@ -68,8 +70,6 @@ export async function fetchConfig(turn: Turn = {}) {
   return {result, root, settings: settingsOf(root)};
 }
 
-const depthOf = (element: Element): number => 1 + Math.max(0, ...element.children.map(depthOf));
-
 function decodeFile(bytes: Uint8Array): string {
   try {
     return new TextDecoder('utf-8', {fatal: true}).decode(bytes);
@@ -80,7 +80,6 @@ function decodeFile(bytes: Uint8Array): string {
 
 function check(root: Element): FileError | null {
   if (!root.children.length) return {error: 'empty'};
-  if (depthOf(root) > kDepth) return {error: 'deep'};
   let twice = '';
   const settings = settingsOf(root, (path) => { twice = path; });
   if (twice) return {error: 'repeated', name: twice, line: 0};
@@ -94,6 +93,7 @@ function check(root: Element): FileError | null {
 
 // A file's settings, or the reason why the recorder could not use it.
 export function openFile(bytes: Uint8Array): {settings: Settings} | FileError {
+  if (bytes.length > kFileBytes) return {error: 'long', used: bytes.length};
   const text = decodeFile(bytes);
   const begin = text.indexOf(`<${kRoot}`);
   if (begin < 0) return {error: 'foreign'};

@@ -5,14 +5,16 @@
 export interface Element { name: string; attributes: [string, string][]; children: Element[] }
 
 export type XmlError =
+    | {error: 'deep'}
     | {error: 'cut' | 'broken'; line: number}
     | {error: 'repeated'; name: string; line: number};
 
+const kDepth = 32;  // more than any recorder's, less than a browser's stack holds
 const kNamed: Record<string, string> = {lt: '<', gt: '>', amp: '&', quot: '"', apos: "'"};
 const kName = /[A-Za-z_][\w.-]*/y;
 const kAttribute = /\s+([A-Za-z_][\w.-]*)\s*=\s*(?:"([^"]*)"|'([^']*)')/y;
 const kTagEnd = /\s*(\/?)>/y;
-const kSkipped = /(?:\s+|<!--[^]*?-->|<\?[^]*?\?>|<!\[CDATA\[[^]*?\]\]>|[^<])+/y;
+const kSkipped = /(?:<!--[^]*?-->|<\?[^]*?\?>|<!\[CDATA\[[^]*?\]\]>|[^<]+)+/y;
 const kClosing = /<\/([A-Za-z_][\w.-]*)\s*>/y;
 
 function decode(text: string): string {
@@ -43,13 +45,15 @@ class Reader {
   }
 
   private attributes(element: Element) {
+    const known = new Set<string>();
     for (let match = this.take(kAttribute); match; match = this.take(kAttribute)) {
       const name = match[1] || '';
-      if (element.attributes.some(([known]) => known === name)) {
+      if (known.has(name)) {
         const line = this.text.slice(0, this.at).split('\n').length;
         if (this.strict) throw {error: 'repeated', name, line};
         continue;
       }
+      known.add(name);
       element.attributes.push([name, decode(match[2] !== undefined ? match[2] : match[3] || '')]);
     }
   }
@@ -58,7 +62,8 @@ class Reader {
 
   get rest() { return this.text.slice(this.at); }
 
-  element(): Element {
+  element(depth = 1): Element {
+    if (depth > kDepth) throw {error: 'deep'};
     if (this.text[this.at] !== '<') this.fail();
     this.at++;
     const name = this.take(kName);
@@ -73,7 +78,7 @@ class Reader {
       const closing = this.take(kClosing);
       if (closing && closing[1] === element.name) return element;
       if (closing) this.fail();
-      element.children.push(this.element());
+      element.children.push(this.element(depth + 1));
     }
   }
 }

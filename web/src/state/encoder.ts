@@ -6,4 +6,12 @@ type Encode = (text: string) => Squares;
 let encode: Encode | null = null;
 
 export const giveEncoder = (encoder: Encode) => { encode = encoder; };
-export const encoder = () => encode;
+
+// Null for what is too long for a code: a recorder may export any text.
+export function squaresOf(text: string): Squares | null {
+  try {
+    return encode && encode(text);
+  } catch {
+    return null;
+  }
+}

@@ -3,7 +3,7 @@
 import {clockText} from '../model/clock';
 import type {Field} from '../model/fields';
 import {kDeviceNo} from '../model/import';
-import {countsOf, isRun, joinRuns, readCsv, type Run} from '../model/runs';
+import {countsOf, isRun, joinRuns, kMostRuns, readCsv, type Run} from '../model/runs';
 import type {SaveEnd} from '../model/save';
 import {byteLength, configOf, kImportBytes, printFile, printMessage} from '../recorder/config';
 import {recall, remember} from './memory';
@@ -50,27 +50,34 @@ export function saveTemplate(offer: Offer) {
   return patch({saved: {name: `${name}.xml`}});
 }
 
-function keep(runs: Run[]) {
-  patch({runs});
-  remember(kRuns, JSON.stringify(runs));
-}
-
-export function loadRuns() {
+function stored(): Run[] {
   try {
     const runs: unknown = JSON.parse(recall(kRuns) || '[]');
-    if (Array.isArray(runs)) patch({runs: joinRuns(runs.filter(isRun), [])});
+    return Array.isArray(runs) ? joinRuns(runs.filter(isRun), []) : [];
   } catch {
-    patch({runs: []});
+    return [];
   }
 }
 
+// Another window may have written meanwhile. What this browser does not keep stays as long as the
+// page is open, to be saved as a file.
+function keep(more: readonly Run[]) {
+  const {runs: shown, unkept} = get().fleet;
+  const runs = joinRuns(joinRuns(stored(), more), unkept ? shown : []);
+  const newest = runs.slice(0, kMostRuns);
+  const kept = remember(kRuns, JSON.stringify(newest)) ? newest : stored();
+  patch({runs, unkept: runs.length - kept.length});
+}
+
+export const loadRuns = () => patch({runs: stored(), unkept: 0});
+
 function note(action: Run['action'], end: SaveEnd) {
-  const {transfer, fleet} = get();
+  const {transfer} = get();
   const {held} = sectionState('all');
   const run: Run = {at: clockText(new Date()), number: held[kDeviceNo] || '',
     plate: held[kPlate] || '', where: location.hostname, template: transfer.name || '', action, end,
     ...countsOf(transfer.lines)};
-  keep(joinRuns([run], fleet.runs));
+  keep([run]);
 }
 
 // Notes how an import ended, also when it takes the recorder to another address, and reads what the
@@ -104,8 +111,11 @@ export function noteUnchanged() {
 // Adds the list of another browser, or of another address in this one. False when it is none.
 export function addRuns(text: string): boolean {
   const more = readCsv(text);
-  if (more) keep(joinRuns(get().fleet.runs, more));
+  if (more) keep(more);
   return Boolean(more);
 }
 
-export const clearRuns = () => keep([]);
+export function clearRuns() {
+  remember(kRuns, '[]');
+  loadRuns();
+}

@@ -9,8 +9,21 @@ const kMostEnds = 20;
 const isSilent = ({health}: State) =>
   health.state === 'deviceSilent' || health.state === 'serviceSilent';
 
-// A device may set its clock while the page is open.
-export const steadyNow = () => performance.now();
+const kSleepMs = 20000;
+
+const leadOf = (steady: number) => Date.now() - steady;
+let lead = leadOf(performance.now());
+let slept = 0;
+
+// A clock that only goes on, as a device may set its own while the page is open. The browser's
+// stands still while the computer sleeps: then the clock of the day has run ahead.
+export function steadyNow(): number {
+  const steady = performance.now();
+  const now = leadOf(steady);
+  if (now - lead > kSleepMs) slept += now - lead;
+  lead = now;
+  return steady + slept;
+}
 
 function newEntry(before: State, now: State): Entry | null {
   if (now.status && now.status !== before.status) return readingOf(steadyNow(), now.status.values);

@@ -11,8 +11,11 @@ function attempt<T>(work: () => T, otherwise: T): T {
   }
 }
 
-export const remember = (key: string, value: string) =>
-  attempt(() => localStorage.setItem(key, value), undefined);
+// Whether it is kept.
+export const remember = (key: string, value: string) => attempt(() => {
+  localStorage.setItem(key, value);
+  return true;
+}, false);
 export const recall = (key: string) => attempt(() => localStorage.getItem(key), null);
 
 // `sent`: the values were being sent when the page was left.

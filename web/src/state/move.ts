@@ -1,4 +1,5 @@
 // The recorder's own address changes: where the pages go, and how they follow.
+import {isAddress} from '../model/checks';
 import type {Values} from '../model/fields';
 import {kRestartMs, type Answer, type SaveEnd} from '../model/save';
 import {kindOf} from '../recorder/fault';
@@ -8,10 +9,12 @@ const kTries = 30;
 const kPauseMs = 2000;
 export const kLocalIp = 'stLocalEth0/uiFD_LocalIp';
 
-// Where the pages will be, or null when they do not move with the recorder's address.
+// Where the pages will be, or null when they do not move with the recorder's address. A file may
+// hold anything as an address; the pages go to none but a recorder's.
 export function newOrigin(held: string | undefined, wanted: string | undefined): string | null {
   if (!held || !wanted || held === wanted || location.hostname !== held) return null;
-  return location.origin.replace(held, wanted.trim());
+  const address = wanted.trim();
+  return isAddress(address) ? location.origin.replace(held, address) : null;
 }
 
 export type Moved = SaveEnd | 'waiting';

@@ -19,8 +19,10 @@ function requireHealth() {
 
 export interface Fresh { fields: SectionState['fields']; values: Values }
 
-// A configuration that is too long for the service gets no answer; it is not requested again.
+// A configuration that is too long for the service gets no answer; it is requested again only when
+// something has changed, or somebody wants it.
 let tooLong = false;
+export const tryWhole = () => { tooLong = false; };
 
 async function wholeConfig(turn: Turn): Promise<Settings | null> {
   if (tooLong) return null;

@@ -2,7 +2,7 @@
 import {sectionsOf, type PageId} from '../model/sections';
 import {queue, readClock} from '../recorder/wire';
 import {loadLock} from './passwordLock';
-import {loadPage} from './reading';
+import {loadPage, tryWhole} from './reading';
 import {bring} from './scripts';
 import {renewBehind} from './session';
 import {get, patchSection, sectionState, set, type ScriptName} from './store';
@@ -44,6 +44,12 @@ export function read() {
   if (script) void readWith(script, page);
   else if (page !== 'status') void loadPage(page);
   if (page === 'security') void loadLock();
+}
+
+// After a recovery, or because the user wants it.
+export function readAgain() {
+  tryWhole();
+  read();
 }
 
 // Messages of an earlier visit are dropped.

@@ -96,7 +96,10 @@ async function moveAway(section: Section, values: Values, origin: string) {
   const still = async () => (await readSection(section, kTurn)).values;
   const moved = await sendMove(() => transmit(section, before, values), still,
       before.held[kLocalIp] || '');
-  if (moved !== 'waiting') return settle(section, before, values, moved, before.held);
+  if (moved !== 'waiting') {
+    const read = moved === 'deviceSilent' ? null : before.held;
+    return settle(section, before, values, moved, read);
+  }
   step(id, 'moving');
   say(id, {kind: 'moving', where: origin});
   dropDraft(id);

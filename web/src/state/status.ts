@@ -4,29 +4,34 @@ import {query, queue} from '../recorder/wire';
 import {get, set} from './store';
 
 const kPauseMs = 5000;
+const kRestartPauseMs = 1000;  // asks nobody
 
 let timer: ReturnType<typeof setTimeout> | undefined;
 
 // The versions on the maintenance page are read only once.
-function wanted(): boolean {
-  const {page, status, health} = get();
-  const shown = page === 'status' || (page === 'maintenance' && !status);
-  return shown && !document.hidden && health.state === 'answers';
+function shown(): boolean {
+  const {page, status} = get();
+  return !document.hidden && (page === 'status' || (page === 'maintenance' && !status));
 }
 
-// Reads repeatedly as long as the page is visible and the recorder answers; starts again when the
-// recorder recovers.
-export async function pollStatus() {
-  clearTimeout(timer);
-  if (!wanted()) return;
+async function readStatus() {
   try {
     const {result, values} = await query('get_SystemInfo', {group: 'poll'});
     if (result) set({status: {at: Date.now(), values}});
   } catch (caught) {
     if (!(caught instanceof Fault)) throw caught;
   }
+}
+
+// Reads repeatedly as long as the page is visible and the recorder answers, and waits for a restart
+// to end; starts again when the recorder recovers.
+export async function pollStatus() {
   clearTimeout(timer);
-  timer = setTimeout(() => void pollStatus(), kPauseMs);
+  const {state} = get().health;
+  if (!shown() || (state !== 'answers' && state !== 'restarting')) return;
+  if (state === 'answers') await readStatus();
+  clearTimeout(timer);
+  timer = setTimeout(() => void pollStatus(), state === 'answers' ? kPauseMs : kRestartPauseMs);
 }
 
 export function watchVisibility() {

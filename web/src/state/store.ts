@@ -1,7 +1,7 @@
 // The only state of the pages. Views are functions of it; only the modules of this folder change
 // it.
 import type {Change, Field, Values} from '../model/fields';
-import type {Problems} from '../model/checks';
+import type {Problem, Problems} from '../model/checks';
 import type {Entry} from '../model/history';
 import type {SaveEnd} from '../model/save';
 import type {PageId, SectionId} from '../model/sections';
@@ -68,12 +68,17 @@ export interface LockState {
 // Which page a file was chosen on.
 export type Purpose = 'file' | 'template';
 
+// `password`: the one of the sign-in could never be entered.
+export type TransferError = FileError | {error: 'read'; why: FaultKind}
+    | {error: 'password'; problem: Problem};
+
 export interface Transfer {
   exporting: boolean;
   exported: {name: string} | {why: FaultKind} | null;
   name: string | null;  // of the file that was chosen
-  error: FileError | {error: 'read'; why: FaultKind} | null;
+  error: TransferError | null;
   rows: ImportRow[];
+  changed: string[];  // paths of rows that were changed elsewhere while the user looked at them
   foreign: string | null;  // the file's device number, when it is another recorder's
   purpose: Purpose;
   file: Settings | null;  // all that it holds
@@ -90,6 +95,7 @@ export interface Fleet {
   name: string;
   saved: {name: string} | {used: number} | null;  // the file, or its bytes when it is too long
   runs: readonly Run[];
+  unkept: number;  // of them, that are lost when the page is left
 }
 
 // A save that came to its end, whatever it was.
@@ -117,10 +123,10 @@ const kStart: State = {
   language: 'en', theme: 'auto', page: 'status', health: {state: 'answers'},
   sections: {}, status: null, history: [], ends: [], dialog: null, expired: false,
   lock: {lock: null, at: 0, loading: {state: 'waiting'}, busy: false, end: null},
-  transfer: {exporting: false, exported: null, name: null, error: null, rows: [], foreign: null,
-    purpose: 'file', file: null, lines: [], step: null, end: null, moving: null, former: null},
+  transfer: {exporting: false, exported: null, name: null, error: null, rows: [],
+    changed: [], foreign: null, purpose: 'file', file: null, lines: [], step: null, end: null, moving: null, former: null},
   labels: {names: new Map(), error: null},
-  fleet: {chosen: new Set(), name: '', saved: null, runs: []}, scripts: {},
+  fleet: {chosen: new Set(), name: '', saved: null, runs: [], unkept: 0}, scripts: {},
 };
 
 let state = kStart;

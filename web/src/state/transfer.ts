@@ -1,7 +1,10 @@
 // Exports the configuration to a file and imports it. An import sends only the selected settings.
 import {clockText} from '../model/clock';
-import {chosenOf, compareFile, foreignNumber, kDeviceNo, linesOf, type ImportRow} from '../model/import';
+import {check} from '../model/checks';
+import {changedSince, chosenOf, compareFile, foreignNumber, kDeviceNo, kSignInPassword,
+  linesOf, type ImportRow} from '../model/import';
 import {save, type SaveEnd} from '../model/save';
+import {kNewPassword} from '../model/sections';
 import {configOf, fetchConfig, openFile, printFile, printMessage, type Settings}
   from '../recorder/config';
 import {Fault, kindOf} from '../recorder/fault';
@@ -43,7 +46,7 @@ export async function exportFile(offer: (name: string, text: string) => void) {
 
 export async function chooseFile(name: string, bytes: Uint8Array, purpose: Purpose = 'file') {
   if (get().transfer.step) return;
-  patch({name, purpose, error: null, rows: [], foreign: null, end: null, moving: null,
+  patch({name, purpose, error: null, rows: [], changed: [], foreign: null, end: null, moving: null,
     file: null, lines: []});
   const file = openFile(bytes);
   if ('error' in file) return patch({error: file});
@@ -64,7 +67,7 @@ export async function chooseFile(name: string, bytes: Uint8Array, purpose: Purpo
 export function chooseRows(paths: string[], chosen: boolean) {
   const {rows, step: busy} = get().transfer;
   if (busy) return;
-  patch({rows: rows.map((row) => paths.includes(row.path) ? {...row, chosen} : row)});
+  patch({error: null, rows: rows.map((row) => paths.includes(row.path) ? {...row, chosen} : row)});
 }
 
 function settle(wanted: ImportRow[], end: SaveEnd, after: Settings | null) {
@@ -98,17 +101,36 @@ async function sendAndRead(rows: ImportRow[], before: Settings) {
   step('sending');
   const still = async () => ({[kLocalIp]: (await load()).get(kLocalIp) || ''});
   const moved = await sendMove(send, still, before.get(kLocalIp) || '');
-  if (moved !== 'waiting') return settle(wanted, moved, before);
+  if (moved !== 'waiting') return settle(wanted, moved, moved === 'deviceSilent' ? null : before);
   step('moving');
   patch({moving: {where: origin, silent: false}});
   if (!await followTo(origin)) patch({moving: {where: origin, silent: true}});
+}
+
+// The rows against what the recorder holds by now. False when the user must look again.
+function stillSeen(now: Settings): boolean {
+  const {rows, file} = get().transfer;
+  const changed = changedSince(rows, now);
+  if (!changed.length || !file) return true;
+  const again = compareFile(now, file, rows);
+  patch({rows: again, ...(again.length ? {changed}
+    : {end: {end: 'unchanged', rows: [], known: 'read'}, lines: linesOf(file, [], now)})});
+  return false;
+}
+
+// Whether nobody could sign in any more.
+function locksOut(chosen: [string, string][]): boolean {
+  const value = new Map(chosen).get(kSignInPassword);
+  const problem = value === undefined ? null : check(kNewPassword, {fresh: value}, {});
+  patch({moving: null, changed: [], error: problem && {error: 'password', problem}});
+  return Boolean(problem);
 }
 
 // Asks, then sends the selection.
 export async function importRows() {
   const {rows, step: busy} = get().transfer;
   const chosen = chosenOf(rows);
-  if (busy || !chosen.length) return;
+  if (busy || !chosen.length || locksOut(chosen)) return;
   const from = rows.find(({path}) => path === kLocalIp);
   const move = newOrigin((from && from.from) || undefined, new Map(chosen).get(kLocalIp));
   if (!await askUser({kind: 'import', count: chosen.length, move})) return;
@@ -117,7 +139,8 @@ export async function importRows() {
     step('session');
     await renew();
     step('compare');
-    await sendAndRead(rows, (await config()).settings);
+    const {settings} = await config();
+    if (stillSeen(settings)) await sendAndRead(rows, settings);
   } catch (caught) {
     const kind = kindOf(caught);
     if (kind === 'refused') return expire();
@@ -131,7 +154,7 @@ export async function importRows() {
 export async function restoreImported() {
   const {former, step: busy} = get().transfer;
   if (!former || busy) return;
-  step('compare');
+  patch({moving: null, step: {name: 'compare', since: Date.now()}});
   try {
     const rows = compareFile((await config()).settings, former);
     patch({rows: rows.map((row) => ({...row, chosen: true})), file: former, end: null, former: null});

@@ -4,7 +4,7 @@ import {useState} from 'preact/hooks';
 import {checkAll} from '../model/checks';
 import {drawingOf, joinText} from '../model/joinCode';
 import {isAccessPoint, kApName, kApPassword} from '../model/sections';
-import {encoder} from '../state/encoder';
+import {squaresOf} from '../state/encoder';
 import {bring} from '../state/scripts';
 import {get, sectionState, shownValues} from '../state/store';
 import {t} from '../words';
@@ -13,10 +13,11 @@ import {Notice} from './parts/Notice';
 
 const kQuiet = 4;  // squares of white around a code, as readers want it
 
+const Invalid = () => <Notice tone="info" name="invalid" text={t('ap.invalid')} />;
+
 function Picture({name, password}: {name: string; password: string}) {
-  const encode = encoder();
-  if (!encode) return null;
-  const squares = encode(joinText(name, password));
+  const squares = squaresOf(joinText(name, password));
+  if (!squares) return <Invalid />;
   const side = squares.size + 2 * kQuiet;
   return <svg class="code" role="img" aria-label={t('ap.picture', {name})}
     viewBox={`${-kQuiet} ${-kQuiet} ${side} ${side}`}>
@@ -47,7 +48,7 @@ function Code({name, password}: {name: string; password: string}) {
   const fields = state.fields.filter(({path}) => kPaths.includes(path));
   const wrong = Object.keys(checkAll(fields, shownValues(state), state.held)).length;
   const {qr} = get().scripts;
-  if (!name || wrong) return <Notice tone="info" name="invalid" text={t('ap.invalid')} />;
+  if (!name || wrong) return <Invalid />;
   if (qr === 'failed') return <Failed />;
   if (qr !== 'there') return <Notice tone="busy" text={t('ap.coming')} />;
   return <><Picture name={name} password={password} /><Hints name={name} password={password} /></>;

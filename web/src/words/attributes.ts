@@ -62,7 +62,7 @@ EndT#=时段 # 结束=Period # end;Wday#=时段 # 星期=Period # weekdays;
 LowSpeedIsEnable=低速报警=Low speed alarm;LowSpeedUnit=低速单位=Low speed unit;
 LowSpeed=低速值=Low speed;OverSpeedIsEnable=超速报警=Overspeed alarm;
 OverSpeedUnit=超速单位=Overspeed unit;OverSpeed=超速值=Overspeed;
-PeakingIsEnable=启用 Peaking=Peaking in use;TimeUnit=时间单位=Time unit;OverTime=超时时间=Over time;
+PeakingIsEnable=启用 Peaking=Peaking in use;TimeUnit=时间单位=Time unit;OverTime=OverTime 数值=OverTime;
 FatigueEnable=疲劳驾驶报警=Fatigue driving alarm;DrivingTime=驾驶时间=Driving time;
 RestTime=休息时间=Rest time;
 TempType=温度类型=Temperature type;LowTempEnable=低温报警=Low temperature alarm;

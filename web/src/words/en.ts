@@ -63,7 +63,7 @@ export const en = {
   'step.reading': 'Reading back from the recorder…',
   'step.moving': 'Waiting for the recorder at its new address…',
   'end.applied': 'Saved. The recorder was read again and holds these values.',
-  'end.partly': 'Accepted, but the recorder holds other values here:',
+  'end.partly': 'Accepted, but the recorder holds other values than were sent.',
   'end.unchanged': 'Nothing to save: the recorder holds these values already.',
   'end.refused': 'Refused by the recorder. Its values have not changed.',
   'end.deviceSilent': 'The recorder did not confirm the change.',

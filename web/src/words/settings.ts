@@ -29,7 +29,7 @@ stAlarmInIO=报警输入=Alarm input;stAlarmOutIO=报警输出=Alarm output;Item
 Day=日=Day;Temp=温度传感器=Temperature sensor;Ipc=摄像机=Camera;Time=时段=Period`;
 
 const kUnitWords = `
-kbit=kbit/s=kbit/s;fps=帧/秒=frames/s;percent=%=%;second=秒=s;day=天=days;baud=波特=Bd`;
+kbit=kbit/s=kbit/s;fps=帧/秒=frames/s;percent=%=%;day=天=days;baud=波特=Bd`;
 
 type Pair = readonly [zh: string, en: string];
 

@@ -43,6 +43,7 @@ test('what the recorder holds is right', () => {
 const kWrong: [string, string, string, string | null][] = [
   ['stBaseInfo/strFD_DeviceNo', '80012345', '8001', 'error.short'],
   ['stLocalEth0/uiFD_NetMask', '255.255.255.0', '255.0.255.0', 'error.mask'],
+  ['stWifi/uiFD_NetMask', '255.255.255.0', '255.0.255.0', 'error.mask'],
   ['stMainStream/stVideoPara/VChn_7/ucFD_FrameRate', '25', '61', 'error.range'],
   ['stPower/ucPowerMode', '1', '256', 'error.range'],
   ['stPower/ucPowerMode', '1', '255', null],
@@ -75,7 +76,11 @@ test('passwords are secret, what moves is fixed but the clock, what names a reco
   const rows: [string, Partial<Field>][] = [
     ['stWifi/strFD_Passwd', {kind: 'secret', fixed: false, apart: false}],
     ['stUserSec/stUser/USER_0/strFD_UserPWD', {kind: 'secret'}],
-    ['stNew/strPassword', {kind: 'secret'}],
+    ['stNew/strPassword', {kind: 'secret'}], ['stNew/uiToken', {kind: 'secret'}],
+    ['stVehicle/strFD_Authentication', {kind: 'secret'}],
+    ['stWifi/ucFD_AuthMode', {kind: 'number'}],
+    ['stUserSec/stCustomUser/USER_0/strFD_UserPWD', {kind: 'secret', fixed: true, help: 'help.signIn'}],
+    ['stUserSec/stCustomUser/USER_1/strFD_UserPWD', {kind: 'secret', fixed: false}],
     ['stBaseInfo/strFD_CurTime', {kind: 'clock', fixed: false, live: true}],
     ['stLockOfPassword/ucFD_ErrorCount', {fixed: true, live: true}],
     ['stSystemInfo/ACC', {fixed: true, live: true}],

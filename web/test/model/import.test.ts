@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {chosenOf, compareFile, foreignNumber, identifies, kDeviceNo} from '../../src/model/import';
+import {chosenOf, compareFile, foreignNumber, kDeviceNo, linesOf} from '../../src/model/import';
 
 const now = new Map([[kDeviceNo, '80012345'], ['stVehicle/strFD_LicensePlate', 'A1'],
   ['stLocalEth0/uiFD_LocalIp', '192.168.1.88'], ['stMobileGNet/strFD_Apn', 'CMNET'],
@@ -32,13 +32,41 @@ test('of another recorder’s file number, plate and addresses are left out at f
   assert.equal(chosenOf(compareFile(now, file)).length, 3);
 });
 
-test('what names one recorder is known', () => {
-  const rows: [string, boolean][] = [
-    [kDeviceNo, true], ['stVehicle/strFD_CarVIN', true], ['stLocalEth0/strFD_Mac', true],
-    ['stWifi/uiFD_GateWay', true], ['stGB28181/strFD_DeviceId', true],
-    ['stGB28181/stGB28181SubID/SUBDEVID_3/strFD_LensId', true], ['stCMS/uiFD_IP', true],
-    ['stWifi/strFD_SSID', false], ['stSubStream/ucFD_FrameRate', false],
-    ['stGB28181/strFD_ServerID', false], ['stVideoCrop/stVideoCropPara/VChn_0/uiFD_X', false],
-  ];
-  for (const [path, names] of rows) assert.equal(identifies(path), names, path);
+test('a foreign file brings no driver, no network name and no dial number of its own', () => {
+  const now = new Map([[kDeviceNo, '80012345']]);
+  const own = ['stVehicle/strFD_DriverName', 'stVehicle/strFD_DrivingLicense', 'stWifi/strFD_SSID',
+    'stWifiAp/strFD_SSID', 'stMobileGNet/strFD_PhoneNo', 'stServerGroup/strFD_UserName'];
+  const ofFleet = ['stCMS/uiFD_IP', 'stServerGroup/uiFD_IP', 'stMobileGNet/strFD_Apn'];
+  const file = new Map([[kDeviceNo, '90054321'], ...[...own, ...ofFleet].map((path) => [path, 'x'])] as
+      [string, string][]);
+  assert.deepEqual(chosenOf(compareFile(now, file)).map(([path]) => path), ofFleet);
+});
+
+test('the password of the sign-in comes from no file unless it is chosen by hand', () => {
+  const path = 'stUserSec/stCustomUser/USER_0/strFD_UserPWD';
+  const other = 'stUserSec/stCustomUser/USER_1/strFD_UserPWD';
+  const rows = compareFile(new Map([[path, 'a'], [other, 'a']]), new Map([[path, 'b'], [other, 'b']]));
+  assert.deepEqual(rows.map((row) => [row.path, row.chosen]), [[path, false], [other, true]]);
+});
+
+// before, file, after, what became of it
+const kTook: [string | undefined, string, string | undefined, string][] = [
+  ['64', '100', '100', 'taken'], ['64', '100', '64', 'kept'], ['64', '100', '112', 'other'],
+  ['64', '100', undefined, 'absent'], [undefined, '100', undefined, 'absent'],
+  [undefined, '100', '100', 'taken'], [undefined, '100', '', 'other'], ['100', '100', '100', 'same'],
+];
+
+test('a line tells what the recorder holds now, and never claims that it kept what it changed', () => {
+  const path = 'stPower/usPOffDelayTime';
+  const map = (value: string | undefined) =>
+    new Map(value === undefined ? [] : [[path, value] as [string, string]]);
+  for (const [before, file, after, took] of kTook) {
+    const [line] = linesOf(map(file), compareFile(map(before), map(file)), map(after));
+    assert.ok(line);
+    assert.deepEqual([line.took, line.now], [took, after === undefined ? null : after],
+        JSON.stringify([before, file, after]));
+  }
+  const [unread] = linesOf(map('100'), compareFile(map('64'), map('100')), null);
+  assert.ok(unread);
+  assert.deepEqual([unread.took, unread.now], ['unknown', undefined]);
 });

@@ -1,8 +1,7 @@
 // What the pages know of every setting against the daemon's own tables and records.
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {identifies} from '../../src/model/import';
-import {attributeOf, knownAttributes, knownSections, type Attribute} from '../../src/model/schema';
+import {attributeOf, identifies, knownAttributes, knownSections, type Attribute} from '../../src/model/schema';
 import {deviceNoLength, readRecords, readTables, type Member, type Row} from './daemon';
 
 const rows = readTables();
@@ -34,7 +33,8 @@ test('every kind is the one that the daemon reads', () => {
   for (const row of rows) {
     const member = memberOf(row);
     const plain = !member || member.text ? 'text' : member.type === 'float' ? 'decimal' : 'number';
-    assert.equal(known(row).kind, kKinds[row.store] || plain, `${row.section}/${row.name}`);
+    const wanted = row.name === 'uiFD_NetMask' ? 'mask' : kKinds[row.store] || plain;
+    assert.equal(known(row).kind, wanted, `${row.section}/${row.name}`);
   }
 });
 
@@ -74,27 +74,38 @@ test('a setting of an item is known by its section and its own name', () => {
     assert.equal(attributeOf(path), undefined, path);
 });
 
-// Where a platform is, is the same for a whole fleet.
-const kOfPlatforms = ['stCMS/uiFD_IP', 'stServerGroup/uiFD_IP'];
-
-test('what an import of another recorder’s file leaves out identifies a recorder', () => {
-  for (const {section, name, identity} of knownAttributes()) {
-    const path = `${section}/${name}`;
-    if (identifies(path)) assert.equal(identity, !kOfPlatforms.includes(path), path);
-  }
-  for (const path of ['stWifi/strFD_SSID', 'stWifiAp/strFD_SSID', 'stMobileGNet/strFD_PhoneNo',
-    'stVehicle/strFD_CarVIN'])
-    assert.ok(attributeOf(path)!.identity, path);
+test('what belongs to one recorder is told by one rule', () => {
+  for (const {section, name, identity} of knownAttributes())
+    assert.equal(identifies(`${section}/${name}`), identity, `${section}/${name}`);
+  const rows: [string, boolean][] = [
+    ['stBaseInfo/strFD_DeviceNo', true], ['stVehicle/strFD_CarVIN', true],
+    ['stLocalEth0/strFD_Mac', true], ['stWifi/uiFD_GateWay', true], ['stWifi/strFD_SSID', true],
+    ['stWifiAp/strFD_SSID', true], ['stMobileGNet/strFD_PhoneNo', true],
+    ['stGB28181/strFD_DeviceId', true], ['stGB28181/stGB28181SubID/SUBDEVID_3/strFD_LensId', true],
+    // Disks and sensors differ from one recorder to the next.
+    ['stBaseInfo/ucFD_DiskFormatFlag', true], ['stBaseInfo/usFD_SizeOf2ndPart', true],
+    ['stGSensor/fFD_X', true], ['stGSensor/fFD_Y', true], ['stGSensor/fFD_Z', true],
+    ['stGSensor/fFD_XLimit', false],
+    // Where a platform is, is the same for a whole fleet.
+    ['stCMS/uiFD_IP', false], ['stServerGroup/uiFD_IP', false],
+    ['stGB28181/strFD_ServerID', false], ['stSubStream/ucFD_FrameRate', false],
+    ['stVideoCrop/stVideoCropPara/VChn_0/uiFD_X', false],
+    // What the records lack is known by its name.
+    ['stNew/strFD_Mac', true], ['stNew/stItem/Item_2/strFD_SSID', true], ['stNew/strFD_Apn', false],
+  ];
+  for (const [path, own] of rows) assert.equal(identifies(path), own, path);
 });
 
 const pathsWhere = (is: (attribute: Attribute) => boolean | undefined) =>
   knownAttributes().filter(is).map(({section, name}) => `${section}/${name}`).sort();
 
-test('every password is secret', () => {
+test('passwords and the authentication code are secret, and nothing else is', () => {
   assert.deepEqual(pathsWhere(({secret}) => secret), [
     'stGB28181/strFD_DevicePass', 'stIpc/strFD_Pass', 'stMobileGNet/strFD_UserPasswd',
     'stServerGroup/strFD_UserPWD', 'stUserSec/strFD_AdminPasswd', 'stUserSec/strFD_NormalPasswd',
-    'stUserSec/strFD_UserPWD', 'stWifi/strFD_Passwd', 'stWifiAp/strFD_Passwd']);
+    'stUserSec/strFD_UserPWD', 'stVehicle/strFD_Authentication', 'stWifi/strFD_Passwd',
+    'stWifiAp/strFD_Passwd']);
+  for (const {secret, kind, name} of knownAttributes()) if (secret) assert.equal(kind, 'text', name);
 });
 
 test('what moves by itself and what is only told are no settings', () => {
@@ -103,6 +114,10 @@ test('what moves by itself and what is only told are no settings', () => {
     'stLockOfPassword/uiFD_LockTime']);
   const sections = new Set(pathsWhere(({status}) => status).map((path) => path.split('/')[0]));
   assert.deepEqual([...sections], ['stSystemInfo', 'stVersion']);
+});
+
+test('the moment of the last wrong entry has no unit', () => {
+  assert.equal(attributeOf('stLockOfPassword/uiFD_LockTime')!.unit, undefined);
 });
 
 test('a switch is a number of its own', () => {

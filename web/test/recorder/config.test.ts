@@ -26,7 +26,11 @@ test('a file that is no configuration, is cut or repeats something is refused wi
     ['<VariCfgSec><stWifi a="1"/><stWifi b="2"/></VariCfgSec>', null],
     ['<VariCfgSec><stWifi a="&#xC0;"/></VariCfgSec>', 'char'],
     [`<VariCfgSec><a b="${'x'.repeat(30719)}"/></VariCfgSec>`, 'long'],
+    [`<VariCfgSec>${'<a>'.repeat(30)}<b c="1"/>${'</a>'.repeat(30)}</VariCfgSec>`, null],
     [`<VariCfgSec>${'<a>'.repeat(31)}<b c="1"/>${'</a>'.repeat(31)}</VariCfgSec>`, 'deep'],
+    [`<VariCfgSec>${'<a>'.repeat(8000)}`, 'deep'],
+    [`<VariCfgSec>${'x'.repeat(20 << 20)}<a b="1"/></VariCfgSec>`, 'long'],
+    [`<VariCfgSec>${'x'.repeat(900 << 10)}<a b="1"/></VariCfgSec>`, null],
   ];
   for (const [text, error] of rows) assert.equal(errorOf(text), error, text.slice(0, 80));
 });
@@ -68,10 +72,20 @@ test('a recorder that writes markup into values is read all the same', () => {
   assert.deepEqual([...settingsOf(root as Element)], [['a/b', 'x<y&z'], ['a/c', '&unknown;']]);
 });
 
-test('passwords are known by their names', () => {
+test('a file of a great many attributes is looked through at once', () => {
+  const many = Array.from({length: 60000}, (_, i) => ` a${i}="1"`).join('');
+  const begin = Date.now();
+  assert.equal(errorOf(`<VariCfgSec><a${many}/></VariCfgSec>`), 'long');
+  assert.ok(Date.now() - begin < 2000, `${Date.now() - begin} ms`);
+});
+
+test('passwords, keys and tokens are known by their names', () => {
   const secrets = ['stWifi/strFD_Passwd', 'stUserSec/stCustomUser/USER_0/strFD_UserPWD',
-    'stGB28181/strFD_DevicePass', 'stMobileGNet/strFD_UserPasswd', 'stIpc/stChnIpc/Ipc_0/strFD_Pass'];
+    'stGB28181/strFD_DevicePass', 'stMobileGNet/strFD_UserPasswd', 'stIpc/stChnIpc/Ipc_0/strFD_Pass',
+    'stVehicle/strFD_Authentication', 'stNew/strFD_ApiKey', 'stNew/strFD_Psk', 'stNew/strFD_Psw',
+    'stNew/strFD_Token', 'stNew/strFD_ClientSecret', 'stNew/strFD_Passwd2'];
   for (const path of secrets) assert.ok(isSecret(path), path);
-  for (const path of ['stExport/ucFD_PasswdEnable', 'stWifi/strFD_SSID'])
+  for (const path of ['stExport/ucFD_PasswdEnable', 'stWifi/strFD_SSID', 'stWifi/ucFD_AuthMode',
+    'stWifi/ucFD_CryptType', 'stNetWorkMode/ucFD_GNAuthMode', 'stUserSec/ucFD_PWEnableFlag'])
     assert.ok(!isSecret(path), path);
 });

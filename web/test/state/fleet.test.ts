@@ -10,7 +10,7 @@ import {addRuns, applyTemplate, choosePaths, chosenSettings, clearRuns, loadRuns
 import {readSection, take} from '../../src/state/reading';
 import {get, resetStore, sectionState} from '../../src/state/store';
 import {chooseFile} from '../../src/state/transfer';
-import {kColumns, printCsv} from '../../src/model/runs';
+import {kColumns, printCsv, type Run} from '../../src/model/runs';
 
 const kApn = 'stMobileGNet/strFD_Apn';
 const kPhone = 'stMobileGNet/strFD_PhoneNo';
@@ -156,6 +156,58 @@ test('a saved list is added once, anything else is refused', async () => {
   assert.equal(addRuns('<VariCfgSec/>'), false);
   assert.deepEqual(get().fleet.runs, runs);
 });
+
+const noted = (number: string, at = '2026-01-31 18:30:00') => ({at, number, plate: '', where: '',
+  template: 'depot.xml', action: 'apply', end: 'applied', taken: 1, same: 0, left: 0, kept: ''});
+const numbers = () => get().fleet.runs.map(({number}) => number);
+const stored = () => JSON.parse(local.getItem('fleet.runs') || '[]')
+    .map(({number}: {number: string}) => number);
+
+test('what another window has noted meanwhile stays on the list', async () => {
+  await apply(template('fleet', '*99#'));
+  const [mine] = get().fleet.runs;
+  local.setItem('fleet.runs', JSON.stringify([mine, noted('80012346')]));
+  await chooseFile('depot.xml', template('fleet', '*99#'), 'template');
+  noteUnchanged();
+  assert.deepEqual(numbers(), ['80012345', '80012345', '80012346']);
+  assert.deepEqual([stored(), get().fleet.unkept], [numbers(), 0]);
+});
+
+test('a list that another window has emptied begins anew', async () => {
+  await apply(template('fleet', '*99#'));
+  local.setItem('fleet.runs', '[]');
+  assert.ok(addRuns(printCsv([...kColumns], [noted('2') as Run])));
+  assert.deepEqual(numbers(), ['2']);
+});
+
+test('what is beyond the kept list is counted, and stays while the page is open', () => {
+  const many = Array.from({length: 500}, (_, i) => noted(String(i), '2026-02-01 08:00:00'));
+  local.setItem('fleet.runs', JSON.stringify(many));
+  loadRuns();
+  assert.ok(addRuns(printCsv([...kColumns], [noted('a'), noted('b')] as Run[])));
+  assert.deepEqual([get().fleet.runs.length, get().fleet.unkept, stored().length], [502, 2, 500]);
+  assert.ok(addRuns(printCsv([...kColumns], [noted('c')] as Run[])));
+  assert.deepEqual([get().fleet.runs.length, get().fleet.unkept, stored().length], [503, 3, 500]);
+  clearRuns();
+  assert.deepEqual([get().fleet.runs.length, get().fleet.unkept, stored().length], [0, 0, 0]);
+});
+
+test('a browser that refuses to keep the list is told about, and loses nothing before it is left',
+    async () => {
+      await apply(template('fleet', '*99#'));
+      const {setItem} = local;
+      local.setItem = () => { throw new Error('quota'); };
+      try {
+        for (const number of ['2', '3'])
+          assert.ok(addRuns(printCsv([...kColumns], [noted(number) as Run])));
+      } finally {
+        local.setItem = setItem;
+      }
+      assert.deepEqual([numbers(), stored(), get().fleet.unkept],
+          [['80012345', '3', '2'], ['80012345'], 2]);
+      assert.ok(addRuns(printCsv([...kColumns], [noted('4') as Run])));
+      assert.deepEqual([stored().sort(), get().fleet.unkept], [['2', '3', '4', '80012345'], 0]);
+    });
 
 test('a kept list that is broken is none', () => {
   for (const text of ['{', 'null', '{"a":1}', '[1,{"at":2}]']) {

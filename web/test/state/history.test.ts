@@ -1,11 +1,17 @@
 import './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
-import {watchHistory} from '../../src/state/history';
+import {stopsOf} from '../../src/model/history';
+import {steadyNow, watchHistory} from '../../src/state/history';
 import {get, kEmptySection, patchSection, resetStore, set, type Health} from '../../src/state/store';
 
-let steady = 0;
+// Both clocks of a browser; the steady one stands still while the computer sleeps.
+let steady = 1000;
+let date = Date.now();
 performance.now = () => steady;
+Date.now = () => date;
+const pass = (ms: number) => { steady += ms; date += ms; };
+const sleep = (ms: number) => { date += ms; };
 
 const poll = (values = {}) => set({status: {at: Date.now(), values}});
 const health = (state: Health['state']) =>
@@ -15,39 +21,60 @@ const kinds = () => get().history.map((entry) =>
 
 beforeEach(() => {
   resetStore();
-  steady = 1000;
   watchHistory();
 });
+
+// The ages of the readings, as a plot shows them now.
+const ages = () => {
+  const now = steadyNow();
+  return get().history.map(({at}) => now - at);
+};
 
 test('each reading is remembered, once, whatever else changes', () => {
   poll({uiFD_GNetSignal: '24'});
   set({theme: 'dark'});
-  steady += 5000;
+  pass(5000);
   poll({uiFD_GNetSignal: '25'});
-  assert.deepEqual(get().history.map(({at}) => at), [1000, 6000]);
+  assert.deepEqual(ages(), [5000, 0]);
   const [, last] = get().history;
   assert.equal(last && 'values' in last && last.values.uiFD_GNetSignal, '25');
 });
 
-test('a clock that is set meanwhile moves nothing', () => {
-  const {now} = Date;
-  try {
-    for (const hour of [0, -5, 30, 2]) {
-      Date.now = () => now() + hour * 3600000;
-      poll();
-      steady += 5000;
-    }
-  } finally {
-    Date.now = now;
+test('a clock that is set back or corrected meanwhile moves nothing', () => {
+  for (const ms of [0, -5 * 3600000, 15000, -100]) {
+    date += ms;
+    poll();
+    pass(5000);
   }
-  assert.deepEqual(get().history.map(({at}) => at), [1000, 6000, 11000, 16000]);
+  assert.deepEqual(ages(), [20000, 15000, 10000, 5000]);
+});
+
+test('the time in which the computer slept has passed, also before anything is heard', () => {
+  poll();
+  pass(5000);
+  poll();
+  sleep(10 * 60000);
+  assert.deepEqual(ages(), [605000, 600000]);
+  pass(5000);
+  poll();
+  assert.deepEqual(ages(), [610000, 605000, 0]);
+  assert.deepEqual(stopsOf(get().history, steadyNow()).map(({kind}) => kind),
+      ['reading', 'reading', 'unread', 'reading']);
+});
+
+test('nothing of yesterday is among the last 30 minutes', () => {
+  poll();
+  sleep(14 * 3600000);
+  assert.deepEqual(stopsOf(get().history, steadyNow()).map(({kind}) => kind), ['unread']);
+  poll();
+  assert.equal(stopsOf(get().history, steadyNow()).filter(({kind}) => kind === 'reading').length, 1);
 });
 
 test('a silence is remembered from its beginning to its end', () => {
   poll();
   for (const state of ['deviceSilent', 'deviceSilent', 'serviceSilent', 'answers', 'restarting',
     'answers'] as const) {
-    steady += 10000;
+    pass(10000);
     health(state);
   }
   assert.deepEqual(kinds(), ['reading', 'silence', 'end']);

@@ -78,6 +78,68 @@ test('what an import replaced comes back', async () => {
   assert.equal(held.get('apn'), 'CMNET');
 });
 
+const kSignIn = 'stUserSec/stCustomUser/USER_0/strFD_UserPWD';
+const choosePassword = async (value: string) => {
+  await choose(`<VariCfgSec><stMobileGNet strFD_Apn="fleet"/><stUserSec><stCustomUser>` +
+      `<USER_0 strFD_UserPWD="${value}"/></stCustomUser></stUserSec></VariCfgSec>`);
+  chooseRows([kSignIn], true);
+};
+
+test('a password that could never sign in again is not sent, even when it is chosen', async () => {
+  for (const [value, why] of [['', 'error.empty'], ['&amp;'.repeat(40), 'error.entities']] as const) {
+    await choosePassword(value);
+    await importNow();
+    const {error} = get().transfer;
+    assert.deepEqual([error?.error, error && 'problem' in error && error.problem.key],
+        ['password', why]);
+    assert.deepEqual([sent(), get().dialog], [[], null]);
+  }
+  chooseRows([kSignIn], false);
+  assert.equal(get().transfer.error, null);
+  await importNow();
+  assert.deepEqual(sent(), ['<VariCfgSec><stMobileGNet strFD_Apn="fleet"/></VariCfgSec>']);
+});
+
+test('a password that the Security page would take is sent when it is chosen', async () => {
+  await choosePassword('geheim');
+  await importNow();
+  assert.match(sent().join(), /strFD_UserPWD="geheim"/);
+});
+
+test('what a colleague changed since the file was opened is not overwritten without asking', async () => {
+  await choose('<VariCfgSec><stBaseInfo strFD_DeviceNo="80012346"/>' +
+      '<stMobileGNet strFD_Apn="fleet"/></VariCfgSec>');
+  chooseRows(['stBaseInfo/strFD_DeviceNo'], false);
+  held.set('apn', 'colleague');
+  await importNow();
+  assert.deepEqual(sent(), []);
+  const {rows, changed, end} = get().transfer;
+  assert.deepEqual(rows.map(({from, to, chosen}) => [from, to, chosen]),
+      [['80012345', '80012346', false], ['colleague', 'fleet', true]]);
+  assert.deepEqual([changed, end], [['stMobileGNet/strFD_Apn'], null]);
+  await importNow();
+  assert.deepEqual([held.get('apn'), get().transfer.changed], ['fleet', []]);
+  assert.deepEqual([...get().transfer.former || []], [['stMobileGNet/strFD_Apn', 'colleague']]);
+});
+
+test('a change elsewhere of what is left out stops nothing', async () => {
+  await choose('<VariCfgSec><stBaseInfo strFD_DeviceNo="80012346"/>' +
+      '<stMobileGNet strFD_Apn="fleet"/></VariCfgSec>');
+  chooseRows(['stBaseInfo/strFD_DeviceNo'], true);
+  chooseRows(['stMobileGNet/strFD_Apn'], false);
+  held.set('apn', 'colleague');
+  await importNow();
+  assert.equal(get().transfer.end?.end, 'applied');
+});
+
+test('a colleague who did the same leaves nothing to send', async () => {
+  await choose('<VariCfgSec><stMobileGNet strFD_Apn="fleet"/></VariCfgSec>');
+  held.set('apn', 'fleet');
+  await importNow();
+  const {rows, end, lines} = get().transfer;
+  assert.deepEqual([sent(), rows, end?.end, lines.map(({took}) => took)], [[], [], 'unchanged', ['same']]);
+});
+
 test('a file that the recorder could not take is not compared', async () => {
   await choose('<VariCfgSec><a b="1"');
   assert.deepEqual([get().transfer.error?.error, get().transfer.rows], ['cut', []]);

@@ -75,7 +75,7 @@ test('saves are told with their ends and without their values', () => {
   });
   patchSection('mobile', {note: {kind: 'end', end: 'deviceSilent', known: 'unsent', rows: []}});
   const text = reportText();
-  assert.match(text, /\d Wi-Fi: Accepted, but the recorder holds other values here:/);
+  assert.match(text, /\d Wi-Fi: Accepted, but the recorder holds other values than were sent\.$/m);
   assert.match(text, /\d Mobile network: The recorder does not .* Nothing was sent\./);
   assert.ok(!text.includes(secret));
 });

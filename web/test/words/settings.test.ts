@@ -83,7 +83,7 @@ test('a digit in a name comes back in its words, and a section may have words of
     ['stBaseInfo/usFD_SizeOf2ndPart', '第二分区大小', 'Size of second partition'],
     ['stOverlay/ucFD_IOEnable', '叠加输入输出', 'Show inputs and outputs'],
     ['stAlarm/stAlarmInIO/IO_0/ucIOEnable', '启用', 'In use'],
-    ['stGSensor/fFD_X', 'X 轴', 'X axis'],
+    ['stGSensor/fFD_X', 'X 轴', 'X axis'], ['stSpeed/usFD_OverTime', 'OverTime 数值', 'OverTime'],
     ['stVideoCrop/stVideoCropPara/VChn_0/uiFD_X', 'X 坐标', 'X'],
   ];
   for (const [path, zh, en] of rows)

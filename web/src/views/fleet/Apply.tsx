@@ -8,13 +8,14 @@ import {sectionWords} from '../../words/settings';
 import {FileCard} from '../parts/FileCard';
 import {shown} from '../parts/FileRows';
 
-const kOrder: readonly Took[] = ['kept', 'unknown', 'taken', 'same', 'left'];
+const kOrder: readonly Took[] = ['kept', 'other', 'absent', 'unknown', 'taken', 'same', 'left'];
 
-const Result = ({path, from, to, took}: Line) => <tr data-line={path} data-took={took}
+const Result = ({path, from, to, now, took}: Line) => <tr data-line={path} data-took={took}
   class={`took-${took}`}>
   <th scope="row" title={path}>{sectionWords(sectionOf(path))} · {settingName(path)}</th>
   <td data-label={t('line.before')}>{shown(path, from)}</td>
   <td data-label={t('import.file')}>{shown(path, to)}</td>
+  <td data-label={t('import.now')}>{now === undefined ? t('took.unknown') : shown(path, now)}</td>
   <td>{t(`took.${took}`)}</td>
 </tr>;
 
@@ -24,7 +25,8 @@ const Lines = ({lines}: {lines: Line[]}) => <>
     <table class="lines">
       <thead><tr>
         <th scope="col">{t('change.setting')}</th><th scope="col">{t('line.before')}</th>
-        <th scope="col">{t('import.file')}</th><th scope="col">{t('line.took')}</th>
+        <th scope="col">{t('import.file')}</th><th scope="col">{t('import.now')}</th>
+        <th scope="col">{t('line.took')}</th>
       </tr></thead>
       <tbody>{kOrder.map((took) => lines.filter((line) => line.took === took).map((line) =>
         <Result key={line.path} {...line} />))}</tbody>

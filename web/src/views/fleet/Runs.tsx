@@ -40,7 +40,7 @@ function save() {
 export function Runs() {
   const [bad, setBad] = useState(false);
   const [sure, setSure] = useState(false);
-  const {runs} = get().fleet;
+  const {runs, unkept} = get().fleet;
   const take = async ({currentTarget: input}: {currentTarget: HTMLInputElement}) => {
     const file = input.files && input.files[0];
     if (!file) return;
@@ -52,6 +52,8 @@ export function Runs() {
     <p class="hint">{t('runs.help')}</p>
     {runs.length > 0 && <Table runs={runs} />}
     {bad ? <Notice tone="bad" name="foreign" text={t('runs.foreign')} /> : <Notice />}
+    {unkept > 0 ? <Notice tone="warn" name="unkept" text={t('runs.unkept', {count: unkept})} />
+      : <Notice />}
     <div class="actions">
       {runs.length > 0 && <button type="button" class="main" onClick={save}>{t('runs.save')}</button>}
       <label class="file">

@@ -11,13 +11,16 @@ import {display, idOf, labelOf, wordOf} from './words';
 
 const kNearlyFull = 0.8;
 
-function limitText(field: Field): string {
+// A form stays quiet about widths, which its counter tells in time.
+export function limitText(section: SectionId, field: Field): string {
   const {kind, path, min, max, least = 0} = field;
   if (namesOf(path).length) return '';
   if (kind === 'number' && min !== undefined && max !== undefined)
     return t('limit.range', {min, max});
   const most = field.most || field.bytes;
-  return most && least > 1 ? t('limit.between', {least, most}) : '';
+  if (!most) return '';
+  if (least > 1) return t('limit.between', {least, most});
+  return section === 'all' ? t('limit.most', {most}) : '';
 }
 
 // The byte count is shown only when the field is nearly full.
@@ -54,7 +57,7 @@ export function FieldRow({section, field, bare}: Props) {
   const problem = state.problems[path];
   const conflict = state.conflicts[path];
   const help = bare ? '' :
-    [field.help && t(field.help), limitText(field)].filter(Boolean).join(' ');
+    [field.help && t(field.help), limitText(section, field)].filter(Boolean).join(' ');
   const changed = path in state.typed;
   return <div class={`field ${field.kind}${changed ? ' changed' : ''}`} data-field={path}>
     {bare ? null : <label class="label" for={id}>{wordOf(field.label)}</label>}

@@ -1,11 +1,12 @@
 // A file against the recorder: compared in words, grouped by section, rows can be left out; and
 // how its import goes and ends.
-import {identifies, sectionOf, type ImportRow} from '../../model/import';
-import {isSecret, type FileError} from '../../recorder/config';
+import {kSignInPassword, sectionOf, type ImportRow} from '../../model/import';
+import {identifies} from '../../model/schema';
+import {isSecret} from '../../recorder/config';
 import {nameOf} from '../../state/labels';
 import {settingName} from '../../state/names';
 import {chooseFile, chooseRows} from '../../state/transfer';
-import {get, type Purpose} from '../../state/store';
+import {get, type Purpose, type TransferError} from '../../state/store';
 import {t, type WordKey} from '../../words';
 import {sectionWords} from '../../words/settings';
 import {Notice} from './Notice';
@@ -34,19 +35,25 @@ const Row = ({row}: {row: ImportRow}) => {
     <td><input type="checkbox" id={id} checked={chosen} class="tick"
       onClick={(event) => chooseRows([path], event.currentTarget.checked)} /></td>
     <th scope="row"><label for={id} title={path}>{settingName(path)}</label>
-      {identifies(path) && <span class="tag">{t('import.identity')}</span>}</th>
+      {identifies(path) && <span class="tag">{t('import.identity')}</span>}
+      {path === kSignInPassword && <span class="tag">{t('import.signIn')}</span>}
+      {get().transfer.changed.includes(path) &&
+        <span class="tag" data-changed={path}>{t('conflict.title')}</span>}</th>
     <td data-label={t('import.now')}>{shown(path, from)}</td>
     <td data-label={t('import.file')}>{shown(path, to)}</td>
   </tr>;
 };
 
+// The password of the sign-in is not ticked together with others.
 function Group({name, rows}: {name: string; rows: ImportRow[]}) {
-  const all = rows.every(({chosen}) => chosen);
+  const others = rows.filter(({path}) => path !== kSignInPassword);
+  const many = others.length ? others : rows;
+  const all = many.every(({chosen}) => chosen);
   const id = `group-${name}`;
   return <tbody data-group={name}>
     <tr class="group">
       <td><input type="checkbox" id={id} class="tick" checked={all}
-        onClick={() => chooseRows(rows.map(({path}) => path), !all)} /></td>
+        onClick={() => chooseRows((all ? rows : many).map(({path}) => path), !all)} /></td>
       <th scope="rowgroup" colSpan={3}><label for={id}>{sectionWords(name)}</label></th>
     </tr>
     {rows.map((row) => <Row key={row.path} row={row} />)}
@@ -68,9 +75,11 @@ export function Rows({rows}: {rows: ImportRow[]}) {
   </div>;
 }
 
-function errorText(error: FileError | {error: 'read'; why: string}): string {
+function errorText(error: TransferError): string {
   switch (error.error) {
     case 'read': return t('import.read');
+    case 'password':
+      return `${settingName(kSignInPassword)}: ${t(error.problem.key, error.problem.values)}`;
     case 'char': return t('import.char', {char: error.char, name: settingName(error.name)});
     case 'long': return t('import.long', {used: error.used});
     case 'repeated': return t('import.repeated', {name: error.name});
@@ -80,11 +89,13 @@ function errorText(error: FileError | {error: 'read'; why: string}): string {
 }
 
 export function Progress() {
-  const {step, end, error, moving} = get().transfer;
+  const {step, end, error, moving, changed} = get().transfer;
   if (moving) return <NoteLine
     note={{kind: moving.silent ? 'movedSilent' : 'moving', where: moving.where}} />;
   if (step) return <StepNote step={step} />;
   if (error) return <Notice tone="bad" text={errorText(error)} />;
+  if (changed.length)
+    return <NoteLine note={{kind: 'conflict', rows: []}} />;
   if (end && end.end === 'unchanged')
     return <Notice tone="info" name="unchanged" text={t('import.same')} />;
   return <NoteLine note={end && {kind: 'end', end: end.end, rows: [], known: end.known}} />;

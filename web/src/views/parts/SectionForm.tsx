@@ -3,7 +3,7 @@ import type {ComponentChildren} from 'preact';
 import {sectionById, type SectionId} from '../../model/sections';
 import {discard} from '../../state/editing';
 import {savePassword} from '../../state/password';
-import {read} from '../../state/route';
+import {readAgain} from '../../state/route';
 import {restoreFormer, saveSection} from '../../state/saving';
 import {get, sectionState, shownValues} from '../../state/store';
 import {shownFields} from '../../state/reading';
@@ -27,7 +27,7 @@ export function Failed({id}: {id: SectionId}) {
     return fields.length ? null : <Notice tone="info" text={t('load.waiting')} />;
   const why = loading.why === 'dropped' || loading.why === 'refused' ? 'lost' : loading.why;
   return <Notice tone="bad" text={t(`load.${why}`)}>
-    <button type="button" class="quiet" onClick={read}>{t('again')}</button>
+    <button type="button" class="quiet" onClick={readAgain}>{t('again')}</button>
   </Notice>;
 }
 

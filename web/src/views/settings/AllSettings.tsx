@@ -12,7 +12,7 @@ import {CopyButton} from '../parts/CopyButton';
 import {FieldRow} from '../parts/FieldRow';
 import {SectionForm} from '../parts/SectionForm';
 import {display, wordOf} from '../parts/words';
-import {Find, Groups} from './Groups';
+import {Find, Groups, useMarked} from './Groups';
 import {printSheet, Sheet} from './Paper';
 import {sheetText} from './sheet';
 
@@ -38,7 +38,7 @@ class Row extends Component<RowProps> {
   override render({field, value}: RowProps) {
     return <div class="setting" data-setting={field.path}>
       {field.fixed ? <dl class="field"><dt>{wordOf(field.label)}</dt>
-        <dd>{display(field, value)}</dd></dl> : <FieldRow section="all" field={field} />}
+        <dd>{display(field, value)} {field.help && <span class="hint">{t(field.help)}</span>}</dd></dl> : <FieldRow section="all" field={field} />}
       <Raw {...field} />
     </div>;
   }
@@ -59,11 +59,15 @@ function mark({fields}: Group) {
     {count}<span class="unseen"> {t('badge.unit')}</span></b>;
 }
 
-// A search finds, and the sections show, all but what does not fit its words.
+// A search finds, and the sections show, all but what does not fit its words. What is to be
+// corrected or decided is shown in any case.
 export function AllSettings() {
   const [query, setQuery] = useState('');
-  const {fields, held} = sectionState('all');
+  const {fields, held, problems, conflicts} = sectionState('all');
+  const marked = useMarked(query, [...Object.keys(problems), ...Object.keys(conflicts)]);
   const some = found(fields, held, query);
+  const fitting = new Set(some);
+  const listed = fields.filter((field) => fitting.has(field) || marked.has(field.path));
   return <div class="cards">
     {fields.length > 0 && <Card id="find" title="section.find" icon="settings" wide>
       <div class="search">
@@ -76,7 +80,7 @@ export function AllSettings() {
       </div>
     </Card>}
     <SectionForm id="all" icon="settings" help="all.help" rows={10} wide layout={() =>
-      <div><Groups fields={some} query={query} row={row} mark={mark} /></div>} />
+      <div><Groups fields={listed} query={query} marked={marked} row={row} mark={mark} /></div>} />
     <Sheet fields={some} held={held} query={query} />
   </div>;
 }

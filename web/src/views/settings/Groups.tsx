@@ -1,7 +1,7 @@
 // Settings by section, folded, so that a page of thousands stays quick: a section shows its rows
 // when it is opened or when a search finds something in it, and a part of them at first.
 import type {ComponentChildren} from 'preact';
-import {useState} from 'preact/hooks';
+import {useRef, useState} from 'preact/hooks';
 import {groupsOf, type Group} from '../../model/everyField';
 import type {Field} from '../../model/fields';
 import {t} from '../../words';
@@ -12,7 +12,8 @@ const kFound = 20;  // rows of all sections together while searching
 const kMore = 100;
 
 interface Props {
-  fields: Field[];  // what the query finds
+  fields: Field[];  // what the query finds, and what is marked
+  marked?: Set<string>;  // paths of rows that are drawn in any case
   query: string;
   row: (field: Field) => ComponentChildren;
   mark: (group: Group) => ComponentChildren;  // in the section's heading
@@ -21,14 +22,14 @@ interface Props {
 interface SectionProps extends Pick<Props, 'row' | 'mark'> {
   group: Group;
   open: boolean;
-  most: number;
+  drawn: Field[];
   onToggle: () => void;
   onMore: () => void;
 }
 
-function Section({group, open, most, row, mark, onToggle, onMore}: SectionProps) {
+function Section({group, open, drawn, row, mark, onToggle, onMore}: SectionProps) {
   const {name, fields} = group;
-  const rest = fields.length - most;
+  const rest = fields.length - drawn.length;
   return <section class="group" data-group={name}>
     <div class="fold">
       <h3><button type="button" aria-expanded={open} onClick={onToggle}>
@@ -37,7 +38,7 @@ function Section({group, open, most, row, mark, onToggle, onMore}: SectionProps)
       </button></h3>
       {mark(group)}
     </div>
-    {open && <div class="settings">{fields.slice(0, most).map(row)}</div>}
+    {drawn.length > 0 && <div class="settings">{drawn.map(row)}</div>}
     {open && rest > 0 && <button type="button" class="quiet" data-action="more"
       onClick={onMore}>{t('all.more', {count: rest})}</button>}
   </section>;
@@ -53,7 +54,20 @@ function shares(groups: Group[], searching: boolean): number[] {
   });
 }
 
-export function Groups({fields, query, row, mark}: Props) {
+const kNone = new Set<string>();
+
+// What is wrong stays in sight while it is mended: until the next search, or a fold.
+export function useMarked(query: string, paths: string[]): Set<string> {
+  const kept = useRef({query, marked: new Set<string>()});
+  if (kept.current.query !== query) kept.current = {query, marked: new Set()};
+  for (const path of paths) kept.current.marked.add(path);
+  return kept.current.marked;
+}
+
+export const drawnOf = ({fields}: Group, most: number, marked: Set<string>) =>
+  fields.filter(({path}, i) => i < most || marked.has(path));
+
+export function Groups({fields, query, row, mark, marked = kNone}: Props) {
   const [opened, setOpened] = useState<Record<string, boolean>>({});
   const [more, setMore] = useState<Record<string, number>>({});
   const searching = Boolean(query.trim());
@@ -63,9 +77,14 @@ export function Groups({fields, query, row, mark}: Props) {
     const key = `${group.name} ${query}`;
     const share = (most[i] || 0) + (more[key] || 0);
     const known = opened[key];
-    const open = known === undefined ? searching && share > 0 : known;
-    return <Section key={group.name} group={group} open={open} most={share} row={row} mark={mark}
-      onToggle={() => setOpened({...opened, [key]: !open})}
+    const stands = group.fields.some(({path}) => marked.has(path));
+    const open = known === undefined ? stands || (searching && share > 0) : known;
+    const toggle = () => {
+      for (const {path} of group.fields) marked.delete(path);
+      setOpened({...opened, [key]: !open});
+    };
+    return <Section key={group.name} group={group} open={open}
+      drawn={drawnOf(group, open ? share : 0, marked)} row={row} mark={mark} onToggle={toggle}
       onMore={() => setMore({...more, [key]: (more[key] || 0) + kMore})} />;
   })}</>;
 }
