@@ -34,6 +34,7 @@ async function underway(value) {
 
 test('applied: steps with numbers and seconds, then read back; two clicks make one set',
     async () => {
+      await rig.fault('for=set delay:3000');  // long enough for the keys to come in the middle
       await apn().fill('fleet');
       const sets = rig.sets();
       await line(page, kForm).evaluate((node) => node.removeAttribute('data-note'));
