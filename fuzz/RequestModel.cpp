@@ -65,10 +65,15 @@ bool IsOneCoding(const std::vector<Text>& values) {
   return values.size() == 1 && Small(values.front()) == "chunked";
 }
 
-// The fields that say where a body ends. Parsers differ about a TAB after their value. In the
-// trailer of a chunked body they do not belong: they are ignored, but refused when malformed.
+// The fields that say where a body ends. In the trailer of a chunked body they do not belong: they
+// are ignored, but refused when malformed.
 bool IsFraming(const stLine& line) {
   return line.strName == "content-length" || line.strName == "transfer-encoding";
+}
+
+// Parsers differ about a TAB after the value of such a field, also among blanks.
+bool EndsWithTab(Text line) {
+  return line.substr(line.find_last_not_of(" \t") + 1).find('\t') != kNone;
 }
 
 // An expectation that the service does not meet; an HTTP/1.0 client cannot have one.
@@ -118,7 +123,7 @@ bool ReadHead(Text text, stRequestHead& head) {
     const Text line = Take(text, kLineEnd);
     stLine field;
     if (!ReadFieldLine(line, field)) return false;
-    if (IsFraming(field) && line.back() == '\t') return false;
+    if (IsFraming(field) && EndsWithTab(line)) return false;
     head.lines.push_back(std::move(field));
   }
   return head.lines.size() <= kMostLines;

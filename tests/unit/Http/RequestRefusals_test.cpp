@@ -77,6 +77,8 @@ TEST(RequestRefusals, TellTheStatus) {
       {"POST / HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 1\r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length: 1, 1\r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length: 1 2\r\n\r\n", 400},
+      {"POST / HTTP/1.1\r\nContent-Length: 1\t\r\n\r\n", 400},
+      {"POST / HTTP/1.1\r\nContent-Length: 1 \t \r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length: -1\r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length: +1\r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nContent-Length: 0x1\r\n\r\n", 400},
@@ -93,6 +95,8 @@ TEST(RequestRefusals, TellTheStatus) {
       {"POST / HTTP/1.1\r\nTransfer-Encoding: gzip\r\n\r\n", 501},
       {"POST / HTTP/1.1\r\nTransfer-Encoding: gzip, chunked\r\n\r\n", 501},
       {"POST / HTTP/1.1\r\nTransfer-Encoding: chunkedx\r\n\r\n", 501},
+      {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked\t\r\n\r\n", 400},
+      {"POST / HTTP/1.1\r\nTransfer-Encoding: chunked \t \r\n\r\n", 400},
       {"POST / HTTP/1.1\r\nTransfer-Encoding: \x0B"
        "chunked\r\n\r\n",
        400},
