@@ -1,6 +1,6 @@
 // The sign-in: a separate document, because its name is part of the service's interface.
 import {render} from 'preact';
-import {useEffect, useState} from 'preact/hooks';
+import {useEffect} from 'preact/hooks';
 import {loadPreferences} from './state/preferences';
 import {look, patch, whenChanged} from './state/signIn';
 import {get} from './state/store';
@@ -8,7 +8,7 @@ import {addWords, t} from './words';
 import {login as en} from './words/en-login';
 import {login as zh} from './words/zh-login';
 import {Login} from './views/Login';
-import {useStore} from './views/parts/hooks';
+import {useChanges, useStore} from './views/parts/hooks';
 
 const kMoved = 'moved';
 const asked = location.hash.replace(/^#\/?/, '');
@@ -32,8 +32,7 @@ function prefetch() {
 
 function App() {
   useStore();
-  const [, setTurn] = useState(0);
-  useEffect(() => whenChanged(() => setTurn((turn) => turn + 1)), []);
+  useChanges(whenChanged);
   const {language} = get();
   useEffect(() => { document.title = `${t('login.title')} · ${t('brand')}`; }, [language]);
   return <Login go={go} prefetch={prefetch} />;

@@ -4,7 +4,7 @@ import {readdirSync, readFileSync, statSync} from 'node:fs';
 import {join} from 'node:path';
 import test, {after, before} from 'node:test';
 import {kWebRoot} from '../pair.js';
-import {kPages, kPassword, Rig, shown} from '../rig.js';
+import {kPages, kPassword, Rig, shown, visit} from '../rig.js';
 import {SlowLink} from '../slow_link.js';
 
 const kWholeBytes = 245000;
@@ -137,3 +137,18 @@ for (const name of kPages.slice(1)) {
     within(t, 'requests besides data', besides(requests).length, kPageRequests);
   });
 }
+
+// Frames, and whatever does not want to wait for one, come only after all answers.
+function paintLate(lateMs) {
+  const {requestAnimationFrame: frame, setTimeout: wait} = window;
+  window.requestAnimationFrame = (work) => wait(() => frame(work), lateMs);
+  window.setTimeout = (work, ms, ...rest) => wait(work, ms < 100 ? lateMs : ms, ...rest);
+}
+
+test('a terminal that paints late shows what was answered before', async () => {
+  const late = await rig.enter();
+  late.context().setDefaultTimeout(15000);
+  await late.addInitScript(paintLate, 2000);
+  for (const name of ['device', 'maintenance', 'settings']) await visit(rig, late, name);
+  await late.context().close();
+});

@@ -1,11 +1,13 @@
-import {useEffect, useState} from 'preact/hooks';
+import {useEffect, useLayoutEffect, useState} from 'preact/hooks';
 import {subscribe} from '../../state/store';
 
-// Renders again at every change of the state.
-export function useStore() {
+// Renders again at every change that `watch` tells of. The watch begins before the browser paints:
+// an answer may come before that.
+export function useChanges(watch: (changed: () => void) => void | (() => void)) {
   const [, setTurn] = useState(0);
-  useEffect(() => subscribe(() => setTurn((turn) => turn + 1)), []);
+  useLayoutEffect(() => watch(() => setTurn((turn) => turn + 1)), []);
 }
+export const useStore = () => useChanges(subscribe);
 
 const kTickMs = 250;  // a passed second is shown at once
 
