@@ -79,6 +79,9 @@ def _network():
     _ip("link", "set", "lo", "up")
     _ip("link", "add", "eth0", "type", "veth", "peer", "name", "eth0peer")
     restore_eth0_address()
+    # An address that the system adds by itself comes late, and a browser drops its requests then.
+    for name in ("eth0peer", "eth0"):
+        _ip("link", "set", name, "addrgenmode", "none")
     _ip("link", "set", "eth0peer", "up")
     _ip("link", "set", "eth0", "up")
 

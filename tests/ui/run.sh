@@ -14,6 +14,9 @@ skip() {
 inside() {
   ip link set lo up
   ip link add eth0 type veth peer name eth0-peer
+  # An address that the system adds by itself comes late, and a browser drops its requests then.
+  ip link set eth0-peer addrgenmode none
+  ip link set eth0 addrgenmode none
   ip link set eth0-peer up
   ip address add "$address/24" dev eth0
   ip link set eth0 up
