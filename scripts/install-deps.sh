@@ -26,9 +26,9 @@ packages_for() {
     test) echo libgtest-dev libgmock-dev python3 python3-pytest net-tools iproute2 procps curl \
       libxml2-utils libc-bin binutils valgrind git python3-yaml python3-jsonschema openssl nginx-light \
       haproxy lighttpd "$(node_packages)" ;;
-    # A browser of today and one of 2020 (tests/ui/old_engine.py); a font for Chinese pages; what
-    # reads QR codes.
-    ui) echo chromium python3-pyqt5.qtwebengine fonts-wqy-microhei zbar-tools net-tools iproute2 \
+    # A browser of today, with and without a window, and one of 2020 (tests/ui/old_engine.py); a font
+    # for Chinese pages; what reads QR codes.
+    ui) echo chromium chromium-headless-shell python3-pyqt5.qtwebengine fonts-wqy-microhei zbar-tools net-tools iproute2 \
       "$(node_packages)" ;;
     check) echo clang-format clang-tidy cppcheck shellcheck git ;;
     bench) echo wrk lighttpd busybox libfcgi-dev valgrind strace ;;

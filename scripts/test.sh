@@ -2,16 +2,22 @@
 # shellcheck disable=SC2317  # the stages are called by their names
 #
 # test.sh [--may-skip <file>] [stage]...: installs what is missing, builds, and runs every test and
-# check. Works on a bare Debian 12 and from any folder. Without a stage all run in order; one that fails
-# does not stop the later ones, except that nothing runs without the packages and the build. The stage
-# quick is by hand only: what a minute can tell of a change, after the stage build.
+# check. Works on a bare Debian 12 and from any folder. Stages run in the order given; one that fails
+# does not stop the later ones, except that nothing runs without the packages and the build. Without a
+# stage all run, and after the build those that mostly wait run beside those that compute; each prints
+# what it has to say at its end. The stage quick is by hand only: what a minute can tell of a change,
+# after the stage build.
 #
 # The summary counts what passed, failed and was skipped, with every reason. With --may-skip a test that
 # was skipped and is not in the file is a failure.
 # shellcheck source=scripts/common.sh
 . "$(dirname -- "$(readlink -f -- "$0")")/common.sh"
 
-stages="deps build test format asan tsan static fuzz cross package"
+# The lanes: for browsers, restarts, emulators and systems that start; and for what uses the processor
+# meanwhile, with less right to it.
+waiting="test cross package"
+computing="format static asan tsan fuzz"
+stages="deps build $waiting $computing"
 by_hand="quick"
 jobs=$(nproc)
 results=$root/build/results
@@ -31,7 +37,8 @@ run_ctest() {
   "${runner[@]}" scripts/results/ctest.sh "build/$preset" -j $((4 * jobs)) "$@"
 }
 
-stage_deps() { scripts/install-deps.sh build run test ui check; }
+# Everything at once: two lanes cannot install at a time.
+stage_deps() { scripts/install-deps.sh build run test ui check fuzz cross package; }
 stage_build() { configure_and_build release; }
 stage_test() { run_ctest release; }
 stage_quick() { run_ctest release -R '^(unit|fuzz|blackbox)\.' -LE waits; }
@@ -61,8 +68,9 @@ stage_static() {
   return "$status"
 }
 
-# A quarter of a minute for each target, beside the replay of their corpora in the other stages.
-stage_fuzz() { scripts/fuzz.sh 15; }
+# Five seconds for each target, beside the replay of their corpora in the other stages; whoever changes
+# what a target drives gives it longer.
+stage_fuzz() { scripts/fuzz.sh 5; }
 
 # For a recorder's processor, and the black-box tests under an emulator.
 stage_cross() { scripts/cross.sh; }
@@ -84,15 +92,42 @@ run_stage() {
   [ $outcome = passed ]
 }
 
+# run_stages <stage>...: fails when nothing more can run.
+run_stages() {
+  for stage in "$@"; do
+    run_stage || case $stage in deps | build) return 1 ;; esac
+  done
+}
+
+# Calls itself, so that Ctrl-C ends both lanes: what a script puts in the background ignores it.
+run_all() {
+  run_stages deps build || return 0
+  printf '%s\0' "$waiting" "$computing" | xargs -0 -n 1 -P 2 "$self_path" --lane
+}
+
+# One lane of run_all. Two stages do not print at a time.
+run_lane() {
+  [ "$1" = "$waiting" ] || renice -n 10 $$ >"$results/renice.log"
+  for stage in $1; do
+    say "$stage begins"
+    run_stage >"$results/$stage.log" 2>&1 || true
+    flock "$results" cat "$results/$stage.log"
+  done
+}
+
 runner=()
+self_path=$(readlink -f -- "$0")
 case ${1-} in -h | --help) usage && exit ;; esac
+if [ "${1-}" = --lane ]; then
+  cd "$root"
+  run_lane "$2"
+  exit
+fi
 if [ "${1-}" = --may-skip ]; then
   [ -r "${2-}" ] || fail "--may-skip takes a file"
   allowed=$(readlink -f -- "$2")
   shift 2
 fi
-# shellcheck disable=SC2086  # a list of words
-[ $# -gt 0 ] || set -- $stages
 for stage in "$@"; do
   grep -qw -- "$stage" <<<"$stages $by_hand" ||
     fail "no stage \"$stage\"; there are: $stages $by_hand"
@@ -100,7 +135,9 @@ done
 cd "$root"
 rm -rf "$results"
 mkdir -p "$results"
-for stage in "$@"; do
-  run_stage || case $stage in deps | build) break ;; esac
-done
-scripts/results/summary.sh "$results" "$allowed"
+if [ $# -gt 0 ]; then
+  run_stages "$@" || true
+else
+  run_all
+fi
+scripts/results/summary.sh "$results" $SECONDS "$allowed"

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# summary.sh <folder> [file]: summarises what the stages of test.sh have run, from the folder with
-# their results. With a file of tests that may be skipped, any other skipped test is a failure.
+# summary.sh <folder> <seconds> [file]: summarises what the stages of test.sh have run in this time,
+# from the folder with their results. With a file of tests that may be skipped, any other skipped test
+# is a failure.
 #
 # <folder>/stages has a line for each stage: name, outcome, seconds. <folder>/<stage>.tsv has lines of
 # count, outcome, test and reason, separated by tabs.
@@ -8,7 +9,8 @@
 . "$(dirname -- "$0")/../common.sh"
 
 folder=$1
-allowed=${2-}
+seconds_of_all=$2
+allowed=${3-}
 
 # "passed failed skipped" of lines of results
 counts() { awk -F '\t' '{ n[$2] += $1 } END { print n["passed"] + 0, n["failed"] + 0, n["skipped"] + 0 }'; }
@@ -63,11 +65,9 @@ tell_stage() {
 }
 
 all=passed
-seconds_of_all=0
 printf '\n=== Summary\n'
 while read -r name outcome seconds; do
   tell_stage "$name" "$outcome" "$seconds"
-  seconds_of_all=$((seconds_of_all + seconds))
 done <"$folder/stages"
-tell all $all $seconds_of_all "$folder"/*.tsv
+tell all $all "$seconds_of_all" "$folder"/*.tsv
 [ $all = passed ]

@@ -58,12 +58,16 @@ run_case() {
   return $status
 }
 
-# They mostly wait, each in its own namespaces.
-run_cases() {
+# The cases mostly wait, each in its own namespaces; the rest computes meanwhile.
+run_parts() {
   local name status
   local -A pids=()
   for name in systemd sysvinit recorder; do
     run_case $name &
+    pids[$name]=$!
+  done
+  for name in contents twice; do
+    "$root/tests/packaging/$name.sh" &
     pids[$name]=$!
   done
   for name in "${!pids[@]}"; do
@@ -73,23 +77,15 @@ run_cases() {
   done
 }
 
-# part <name>: one of the other scripts here.
-part() {
-  local status=0
-  "$root/tests/packaging/$1.sh" || status=$?
-  ended "$1" $status
-}
-
 [ "$(id -u)" = 0 ] || fail "making a root takes root"
-"$root/scripts/package.sh" release armhf
 mkdir -p "$work"
 failed=
 skipped=
-part contents
-make_bare_debian
+make_bare_debian &
+"$root/scripts/package.sh" release armhf
+wait $! || fail "there is no Debian to install them in"
 make_upgrade
-run_cases
-part twice
+run_parts
 [ -z "$failed" ] || fail "failed:$failed"
 if [ -n "$skipped" ]; then
   say "passed, but skipped:$skipped"
