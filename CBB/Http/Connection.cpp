@@ -16,8 +16,19 @@ namespace {
 
 constexpr uint64_t kPartMs = 2000;        // for a client to read the last reply
 constexpr size_t kMostAtOnce = 1U << 20;  // sent before others have their turn
+constexpr size_t kMostReceived = MG_TCP_IO_SIZE;
 
 std::string_view Text(const mbuf& buffer) { return {buffer.buf, buffer.len}; }
+
+// Takes bytes off the front of a buffer, and gives their memory back.
+void TakeOff(mbuf& buffer, size_t nSize) {
+  if (nSize == buffer.len) {
+    mbuf_free(&buffer);
+  } else if (nSize != 0) {
+    mbuf_remove(&buffer, nSize);
+    mbuf_trim(&buffer);
+  }
+}
 
 // A reply to HEAD ends with its head, however many replies the endpoint writes.
 void CutBody(mbuf& sent, size_t nFrom) {
@@ -48,26 +59,32 @@ bool CConnection::WantsBytes() const {
   return m_state == State::kReading && m_request.State() == Reading::kPartial;
 }
 
+// Other clients get their turn before more of this client's bytes are received.
 void CConnection::OnReadable() {
   if (!WantsBytes()) {
     m_host.Events().Want(m_conn, false, !AllSent(), true);
-  } else if (m_state == State::kLastReply) {
-    Drop();
-  } else {
-    m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len + MG_TCP_IO_SIZE;
-    mg_if_can_recv_cb(&m_conn);
+    return;
   }
+  const std::string_view received = Receive();
+  if (m_state == State::kLastReply || received.empty()) return;
+  // Exactly as large as needed: much may be waiting for the rest of a request.
+  mbuf_resize(&m_conn.recv_mbuf, m_conn.recv_mbuf.len + received.size());
+  mbuf_append(&m_conn.recv_mbuf, received.data(), received.size());
+  Advance();
 }
 
-// Other clients get their turn before more of this client's bytes are received.
-void CConnection::OnReceived() {
-  Advance();
-  m_conn.recv_mbuf_limit = m_conn.recv_mbuf.len;
+// The next bytes, which stay valid until the next call; none when the socket has none.
+std::string_view CConnection::Receive() {
+  static char s_buffer[kMostReceived];
+  const ssize_t nGot = recv(m_conn.sock, s_buffer, sizeof(s_buffer), 0);
+  if (nGot == 0) EndOfStream();
+  if (nGot < 0 && errno != EAGAIN && errno != EINTR) Close();
+  return {s_buffer, static_cast<size_t>(std::max<ssize_t>(nGot, 0))};
 }
 
 void CConnection::OnWritable() { Send(); }
 
-void CConnection::OnEndOfStream() {
+void CConnection::EndOfStream() {
   m_bEnded = true;
   m_host.Events().Want(m_conn, false, !AllSent(), true);
   if (m_state == State::kReading || m_state == State::kAnswering) {
@@ -82,7 +99,7 @@ void CConnection::OnEndOfStream() {
 void CConnection::Advance() {
   if (m_state == State::kReading || m_state == State::kHungUp) {
     if (m_request.State() == Reading::kPartial) {
-      if (m_request.Held() == 0) ForgetReceived(EmptyLines(Text(m_conn.recv_mbuf)));
+      if (m_request.Held() == 0) TakeOff(m_conn.recv_mbuf, EmptyLines(Text(m_conn.recv_mbuf)));
       m_request.Read(Text(m_conn.recv_mbuf));
     }
   }
@@ -152,19 +169,6 @@ void CConnection::Close() {
   m_conn.flags |= MG_F_CLOSE_IMMEDIATELY;
 }
 
-void CConnection::Drop() {
-  static char s_buffer[65536];
-  const ssize_t nGot = recv(m_conn.sock, s_buffer, sizeof(s_buffer), 0);
-  if (nGot == 0) OnEndOfStream();
-  if (nGot < 0 && errno != EAGAIN && errno != EINTR) Close();
-}
-
-void CConnection::ForgetReceived(size_t nSize) {
-  if (nSize == 0) return;
-  mbuf_remove(&m_conn.recv_mbuf, nSize);
-  mbuf_trim(&m_conn.recv_mbuf);
-}
-
 void CConnection::Serve() {
   const size_t nLength = m_request.Length();
   const bool bCloses = !m_request.KeepsOpen();
@@ -176,7 +180,7 @@ void CConnection::Serve() {
   m_conn.flags &= ~static_cast<unsigned long>(MG_F_SEND_AND_CLOSE);
   m_request.Clear();
   m_bContinued = false;
-  ForgetReceived(nLength);
+  TakeOff(m_conn.recv_mbuf, nLength);
   if (bCloses || (bAnswered && bEnds)) {
     m_state = State::kLastReply;
     m_bSilent = !bAnswered;
@@ -214,31 +218,30 @@ void CConnection::Watch() { m_host.Events().Want(m_conn, WantsBytes(), !AllSent(
 // The number of bytes sent: 0 when the socket is full, -1 when the client is gone.
 ssize_t CConnection::SendSome() {
   mbuf& head = m_conn.send_mbuf;
-  if (m_body.Left() == 0) {
-    const size_t nBefore = head.len;
-    mg_if_can_send_cb(&m_conn);
-    if ((m_conn.flags & MG_F_CLOSE_IMMEDIATELY) != 0) return -1;
-    return static_cast<ssize_t>(nBefore - head.len);
-  }
-  return head.len == 0 && !m_body.IsInMemory() ? m_body.SendTo(m_conn.sock) : SendWithBody();
-}
-
-// Head and text in one call; before a file only the head, and the file follows at once.
-ssize_t CConnection::SendWithBody() {
-  mbuf& head = m_conn.send_mbuf;
-  const bool bText = m_body.IsInMemory();
-  iovec parts[2] = {{head.buf, head.len}, {nullptr, 0}};
-  if (bText) parts[1] = {const_cast<char*>(m_body.Text()), m_body.Left()};
-  msghdr message{};
-  message.msg_iov = parts;
-  message.msg_iovlen = bText ? 2 : 1;
-  const ssize_t nSent = sendmsg(m_conn.sock, &message, MSG_NOSIGNAL | (bText ? 0 : MSG_MORE));
+  if (head.len == 0 && !m_body.IsInMemory()) return m_body.SendTo(m_conn.sock);
+  const ssize_t nSent = m_body.IsInMemory() ? SendWithText() : SendHead();
   if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
   const size_t nHead = std::min(static_cast<size_t>(nSent), head.len);
-  mbuf_remove(&head, nHead);
-  mbuf_trim(&head);
+  TakeOff(head, nHead);
   m_body.Skip(static_cast<size_t>(nSent) - nHead);
   return nSent;
+}
+
+// Like send. A file follows at once.
+ssize_t CConnection::SendHead() {
+  const mbuf& head = m_conn.send_mbuf;
+  const int nMore = m_body.Left() > 0 ? MSG_MORE : 0;
+  return send(m_conn.sock, head.buf, std::min(head.len, kMostAtOnce), MSG_NOSIGNAL | nMore);
+}
+
+// Head and text in one call.
+ssize_t CConnection::SendWithText() {
+  const mbuf& head = m_conn.send_mbuf;
+  iovec parts[2] = {{head.buf, head.len}, {const_cast<char*>(m_body.Text()), m_body.Left()}};
+  msghdr message{};
+  message.msg_iov = parts;
+  message.msg_iovlen = 2;
+  return sendmsg(m_conn.sock, &message, MSG_NOSIGNAL);
 }
 
 void CConnection::Sent() {

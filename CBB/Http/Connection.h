@@ -7,6 +7,7 @@
 #include <mongoose.h>
 
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "CBB/Http/Body.h"
@@ -43,12 +44,9 @@ class CConnection {
   // The object that belongs to an accepted connection of the library.
   static CConnection& Of(const mg_connection& conn);
 
-  // Events: the socket is readable; the library has received bytes; the socket is writable; the
-  // client has ended its stream.
+  // Events of the socket.
   void OnReadable();
-  void OnReceived();
   void OnWritable();
-  void OnEndOfStream();
 
   // Its turn has come: passes the request to the service's handler. Send sends the reply.
   void Serve();
@@ -89,16 +87,17 @@ class CConnection {
   bool AllSent() const { return m_conn.send_mbuf.len == 0 && m_body.Left() == 0; }
   bool WantsBytes() const;
   void Watch();
+  std::string_view Receive();
+  void EndOfStream();
   void Advance();
   void Act(stTurn turn);
   void Continue();
   void Refuse(int nStatus);
   void Part();
   void Answer();
-  void ForgetReceived(size_t nSize);
-  void Drop();
   ssize_t SendSome();
-  ssize_t SendWithBody();
+  ssize_t SendHead();
+  ssize_t SendWithText();
   void Sent();
 
   CHost& m_host;

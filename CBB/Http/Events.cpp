@@ -44,15 +44,6 @@ struct stEventCalls {
     if (!Of(pConn->iface).Add(*pConn)) pConn->flags |= MG_F_CLOSE_IMMEDIATELY;
   }
 
-  // The watcher decides what an orderly end means: the library would close at once.
-  static int Receive(mg_connection* pConn, void* pBuf, size_t nSize) {
-    if (nSize == 0) return 0;  // no memory for the buffer
-    const ssize_t nGot = recv(pConn->sock, pBuf, nSize, 0);
-    if (nGot == 0) Of(pConn->iface).m_watcher.EndOfStream(*pConn);
-    if (nGot < 0 && (errno == EAGAIN || errno == EINTR)) return 0;
-    return static_cast<int>(nGot);
-  }
-
   static mg_iface_vtable Table() {
     mg_iface_vtable table = mg_socket_iface_vtable;
     table.init = &Init;
@@ -61,7 +52,6 @@ struct stEventCalls {
     table.remove_conn = &RemoveConn;
     table.poll = &Poll;
     table.sock_set = &SetSocket;
-    table.tcp_recv = &Receive;
     return table;
   }
 };

@@ -16,8 +16,7 @@ class CWatcher {
   virtual void CannotAccept() = 0;  // no descriptor or no memory for a waiting client
   virtual void Readable(mg_connection& conn) = 0;
   virtual void Writable(mg_connection& conn) = 0;
-  virtual void EndOfStream(mg_connection& conn) = 0;  // during a read
-  virtual void Broken(mg_connection& conn) = 0;       // reset, or closed by both sides
+  virtual void Broken(mg_connection& conn) = 0;  // reset, or closed by both sides
 
  protected:
   ~CWatcher() = default;

@@ -131,14 +131,9 @@ void CServer::OnEvent(mg_connection* pConn, int nEvent, void* pData) {
     case MG_EV_ACCEPT:
       static_cast<CServer*>(pConn->listener->user_data)->Open(*pConn);
       break;
-    case MG_EV_RECV:
-      CConnection::Of(*pConn).OnReceived();
-      break;
     case MG_EV_CLOSE:
       if (pConn->listener != nullptr && pConn->user_data != nullptr)
         static_cast<CServer*>(pConn->listener->user_data)->Forget(CConnection::Of(*pConn));
-      break;
-    case MG_EV_SEND:
       break;
     default:
       pConn->handler(pConn, nEvent, pData);
@@ -188,8 +183,6 @@ void CServer::Writable(mg_connection& conn) {
   CConnection::Of(conn).OnWritable();
   Settle(conn);
 }
-
-void CServer::EndOfStream(mg_connection& conn) { CConnection::Of(conn).OnEndOfStream(); }
 
 void CServer::Broken(mg_connection& conn) {
   CConnection::Of(conn).Close();

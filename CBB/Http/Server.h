@@ -64,7 +64,6 @@ class CServer : private CWatcher, private CHost {
   void CannotAccept() override;
   void Readable(mg_connection& conn) override;
   void Writable(mg_connection& conn) override;
-  void EndOfStream(mg_connection& conn) override;
   void Broken(mg_connection& conn) override;
 
   void Settle(mg_connection& conn);

@@ -156,6 +156,15 @@ TEST_F(ConnectionTest, DropsWhatComesBehindTheLastReply) {
   EXPECT_EQ(1U, m_server.Connections());
 }
 
+TEST_F(ConnectionTest, HoldsNothingOfWhatComesBehindTheLastReply) {
+  CTestClient client(m_server);
+  client.Send(Get("/a", "Connection: close\r\n"));
+  client.AwaitEnd();
+  client.SendAll(std::string(kMaxHeldBytes + 1, 'x'));
+  for (size_t i = 0; i <= kMaxHeldBytes / MG_TCP_IO_SIZE; ++i) m_server.Poll();
+  EXPECT_EQ(1U, m_server.Connections());
+}
+
 TEST_F(ConnectionTest, AsksOnceForABodyThatAwaitsASign) {
   const std::string strSign = "HTTP/1.1 100 Continue\r\n\r\n";
   const std::string strHead =
