@@ -10,16 +10,21 @@
 
 namespace {
 
-// All lines with one name, joined into one list.
-std::string FieldList(const http_message& msg, std::string_view name) {
-  std::string strList;
+std::string_view Text(const mg_str& text) { return {text.p, text.len}; }
+
+// All lines with one name, as one list: joined in strJoined if there are several.
+std::string_view FieldList(const http_message& msg, std::string_view name, std::string& strJoined) {
+  std::string_view list;
   for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
-    const mg_str& own = msg.header_names[i];
-    if (!IsSameName({own.p, own.len}, name)) continue;
-    if (!strList.empty()) strList += ", ";
-    strList.append(msg.header_values[i].p, msg.header_values[i].len);
+    if (!IsSameName(Text(msg.header_names[i]), name)) continue;
+    if (list.empty()) {
+      list = Text(msg.header_values[i]);
+    } else {
+      strJoined = std::string(list).append(", ").append(Text(msg.header_values[i]));
+      list = strJoined;
+    }
   }
-  return strList;
+  return list;
 }
 
 // Takes a number off the front of text; false if there is none. A number above any file's size
@@ -55,27 +60,27 @@ bool HasTag(std::string_view list, std::string_view tag, bool bWeak) {
 // Most requests have none.
 bool HasPrecondition(const http_message& msg) {
   for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
-    const mg_str& name = msg.header_names[i];
-    if (IsSameName(std::string_view(name.p, name.len).substr(0, 3), "If-")) return true;
+    if (IsSameName(Text(msg.header_names[i]).substr(0, 3), "If-")) return true;
   }
   return false;
 }
 
 // 200 to continue, otherwise 304 or 412.
-int JudgePreconditions(http_message& msg, const stRepresentation& file) {
+int JudgePreconditions(const http_message& msg, const stRepresentation& file) {
   if (!HasPrecondition(msg)) return 200;
-  const std::string match = FieldList(msg, "If-Match");
-  const std::string none = FieldList(msg, "If-None-Match");
-  const time_t since = ParseHttpDate(FieldValue(msg, "If-Modified-Since"));
+  std::string strMatch, strNone;
+  const std::string_view match = FieldList(msg, "If-Match", strMatch);
+  const std::string_view none = FieldList(msg, "If-None-Match", strNone);
   const time_t until = ParseHttpDate(FieldValue(msg, "If-Unmodified-Since"));
   if (!match.empty() ? !HasTag(match, file.tag, false) : until != -1 && file.modified > until)
     return 412;
   if (!none.empty()) return HasTag(none, file.tag, true) ? 304 : 200;
+  const time_t since = ParseHttpDate(FieldValue(msg, "If-Modified-Since"));
   return since != -1 && file.modified <= since ? 304 : 200;
 }
 
 // The range belongs to another version of the file.
-bool IsRangeOutdated(http_message& msg, const stRepresentation& file) {
+bool IsRangeOutdated(const http_message& msg, const stRepresentation& file) {
   const std::string_view wanted = FieldValue(msg, "If-Range");
   if (wanted.empty()) return false;
   if (wanted.front() == '"') return wanted != file.tag;
@@ -118,9 +123,11 @@ bool IsRefused(std::string_view parameters) {
 
 }  // namespace
 
-std::string_view FieldValue(http_message& msg, const char* pszName) {
-  const mg_str* const pValue = mg_get_http_header(&msg, pszName);
-  return pValue == nullptr ? std::string_view() : std::string_view(pValue->p, pValue->len);
+std::string_view FieldValue(const http_message& msg, std::string_view name) {
+  for (size_t i = 0; msg.header_names[i].len > 0; ++i) {
+    if (IsSameName(Text(msg.header_names[i]), name)) return Text(msg.header_values[i]);
+  }
+  return {};
 }
 
 time_t ParseHttpDate(std::string_view text) {
@@ -143,9 +150,9 @@ void FormatHttpDate(time_t time, char* pszText) {
   strftime(pszText, kHttpDateSize, "%a, %d %b %Y %H:%M:%S GMT", &parts);
 }
 
-bool AcceptsGzip(http_message& msg) {
-  const std::string strList = FieldList(msg, "Accept-Encoding");
-  std::string_view list = strList;
+bool AcceptsGzip(const http_message& msg) {
+  std::string strJoined;
+  std::string_view list = FieldList(msg, "Accept-Encoding", strJoined);
   bool bAny = false;
   while (!list.empty()) {
     const std::string_view element = list.substr(0, list.find(','));
@@ -159,8 +166,8 @@ bool AcceptsGzip(http_message& msg) {
   return bAny;
 }
 
-stSelection Select(http_message& msg, const stRepresentation& file) {
-  const std::string_view method(msg.method.p, msg.method.len);
+stSelection Select(const http_message& msg, const stRepresentation& file) {
+  const std::string_view method = Text(msg.method);
   if (method != "GET" && method != "HEAD") return {200, 0, file.nSize};
   const int nStatus = JudgePreconditions(msg, file);
   if (nStatus != 200) return {nStatus, 0, 0};

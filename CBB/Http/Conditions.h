@@ -24,13 +24,13 @@ struct stSelection {
 // Evaluates the conditional and range fields of a GET or HEAD request in the order that HTTP
 // prescribes. An unreadable date, a malformed range and a range of several parts count as absent.
 // Other methods get the whole file.
-stSelection Select(http_message& msg, const stRepresentation& file);
+stSelection Select(const http_message& msg, const stRepresentation& file);
 
 // Whether the client accepts gzip: its Accept-Encoding names "gzip" or "*" with a weight above 0.
-bool AcceptsGzip(http_message& msg);
+bool AcceptsGzip(const http_message& msg);
 
-// The value of a field, or empty.
-std::string_view FieldValue(http_message& msg, const char* pszName);
+// The value of a field (of its first line), or empty.
+std::string_view FieldValue(const http_message& msg, std::string_view name);
 
 // Parses a date in one of HTTP's three forms into seconds since the epoch; -1 if it is none of
 // them.

@@ -13,7 +13,8 @@
 
 #include "CBB/Http/LentText.h"
 
-// Limits for the texts of all files together, and of one file.
+// Limits for the texts of all files together, and of one file. Names and fields, about 1 KiB for
+// each of at most 256 files, come on top of that.
 constexpr size_t kMaxCacheBytes = 1U << 20;
 constexpr size_t kMaxCachedFile = 256U << 10;
 
@@ -28,6 +29,10 @@ struct stForm {
   // The content in one of two forms; neither when it is too large to keep.
   std::shared_ptr<const std::string> pText;
   std::shared_ptr<const CLentText> pLent;
+  // The fields that were sent after the date with all of the content and with 304, on connections
+  // that stay open; empty as long as none were.
+  mutable std::string strWholeFields;
+  mutable std::string strSameFields;
 
   bool IsKept() const { return pText != nullptr || pLent != nullptr; }
   size_t Bytes() const;  // of what is kept

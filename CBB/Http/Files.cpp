@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -22,6 +24,7 @@
 
 namespace {
 
+constexpr char kServerAndDate[] = "\r\nServer: Mongoose/" MG_VERSION "\r\nDate: ";
 constexpr char kAllow[] = "Allow: GET, HEAD, POST, OPTIONS\r\n";
 // What browsers are told about every file and page: revalidate each time, and trust the media type.
 constexpr char kPageFields[] = "Cache-Control: no-cache\r\nX-Content-Type-Options: nosniff";
@@ -61,36 +64,59 @@ const char* Now() {
 
 // The fields that say where a part belongs.
 std::string RangeField(const stSelection& part, size_t nSize) {
-  if (part.nStatus == 416) return "Content-Range: bytes */" + std::to_string(nSize) + "\r\n";
+  if (part.nStatus == 416) return "\r\nContent-Range: bytes */" + std::to_string(nSize);
   if (part.nStatus != 206) return {};
-  return "Content-Range: bytes " + std::to_string(part.nAt) + "-" +
-         std::to_string(part.nAt + part.nSize - 1) + "/" + std::to_string(nSize) + "\r\n";
+  return "\r\nContent-Range: bytes " + std::to_string(part.nAt) + "-" +
+         std::to_string(part.nAt + part.nSize - 1) + "/" + std::to_string(nSize);
 }
 
-// The head as the library writes it, followed by the fields it does not know.
-void SendHead(const stRequest& request, const stFile& file, const stForm& form, bool bPacked,
-              const stSelection& part) {
+// Appends the texts to the reply. If memory is short, nothing of the reply will be sent.
+void Append(mbuf& sent, std::initializer_list<std::string_view> texts) {
+  size_t nSize = sent.len;
+  for (const std::string_view text : texts) nSize += text.size();
+  mbuf_resize(&sent, nSize);
+  if (sent.size < nSize) return;
+  for (const std::string_view text : texts) {
+    memcpy(sent.buf + sent.len, text.data(), text.size());
+    sent.len += text.size();
+  }
+}
+
+// The head's fields from after the date on: as the library writes them, followed by those it does
+// not know.
+std::string MakeFields(const stRequest& request, const stFile& file, const stForm& form,
+                       const stSelection& part) {
   const bool bSame = part.nStatus == 304;
-  std::string strHead = "HTTP/1.1 " + std::to_string(part.nStatus) + " ";
-  strHead.reserve(640);
-  strHead.append(ReasonPhrase(part.nStatus));
-  strHead.append("\r\nServer: Mongoose/" MG_VERSION "\r\nDate: ").append(Now());
-  strHead.append("\r\nLast-Modified: ").append(form.strModified);
+  std::string strFields = "\r\nLast-Modified: " + form.strModified;
+  if (!bSame) strFields.append("\r\nAccept-Ranges: bytes\r\nContent-Type: ").append(file.strType);
+  strFields.append("\r\nConnection: ").append(request.bKeepsOpen ? "keep-alive" : "close");
   if (!bSame) {
-    strHead.append("\r\nAccept-Ranges: bytes\r\nContent-Type: ");
-    strHead.append(file.strType);
+    strFields.append("\r\nContent-Length: ").append(std::to_string(part.nSize));
+    strFields.append(RangeField(part, static_cast<size_t>(form.stat.st_size)));
   }
-  strHead.append("\r\nConnection: ").append(request.bKeepsOpen ? "keep-alive\r\n" : "close\r\n");
-  if (!bSame) {
-    strHead.append("Content-Length: ").append(std::to_string(part.nSize)).append("\r\n");
-    strHead.append(RangeField(part, static_cast<size_t>(form.stat.st_size)));
-  }
-  strHead.append("Etag: ").append(form.strTag).append("\r\n");
-  if (bPacked && !bSame) strHead.append("Content-Encoding: gzip\r\n");
-  if (file.bHasPacked) strHead.append("Vary: Accept-Encoding\r\n");
+  strFields.append("\r\nEtag: ").append(form.strTag);
+  if (&form == &file.packed && !bSame) strFields.append("\r\nContent-Encoding: gzip");
+  if (file.bHasPacked) strFields.append("\r\nVary: Accept-Encoding");
   const bool bVersioned = request.strUri.compare(0, kVersioned.size(), kVersioned) == 0;
-  strHead.append(bVersioned ? kVersionedFields : kPageFields).append("\r\n\r\n");
-  mg_send(&request.conn, strHead.data(), static_cast<int>(strHead.size()));
+  strFields.append("\r\n").append(bVersioned ? kVersionedFields : kPageFields);
+  return strFields.append("\r\n\r\n");
+}
+
+// Where the fields of a usual reply are kept; null for any other reply.
+std::string* KeptFields(const stRequest& request, const stForm& form, const stSelection& part) {
+  if (!request.bKeepsOpen) return nullptr;
+  if (part.nStatus == 304) return &form.strSameFields;
+  return part.nStatus == 200 ? &form.strWholeFields : nullptr;
+}
+
+void SendHead(const stRequest& request, const stFile& file, const stForm& form,
+              const stSelection& part) {
+  std::string strOnce;
+  std::string* const pKept = KeptFields(request, form, part);
+  std::string& strFields = pKept != nullptr ? *pKept : strOnce;
+  if (strFields.empty()) strFields = MakeFields(request, file, form, part);
+  Append(request.conn.send_mbuf, {"HTTP/1.1 ", std::to_string(part.nStatus), " ",
+                                  ReasonPhrase(part.nStatus), kServerAndDate, Now(), strFields});
 }
 
 // nFd: the open file, which stays the caller's; -1 when the text is in memory.
@@ -114,7 +140,7 @@ void SendFile(const stRequest& request, const stFile& file, int nFd) {
                : form.pText != nullptr ? CBody(form.pText, part.nAt, part.nSize)
                                        : CBody(nOwn, static_cast<off_t>(part.nAt),
                                                static_cast<off_t>(part.nSize), form.stat.st_ctim);
-  SendHead(request, file, form, bPacked, part);
+  SendHead(request, file, form, part);
   if (bBody) CConnection::Of(request.conn).SetBody(std::move(body));
 }
 

@@ -1,7 +1,5 @@
 #include "CBB/Http/HeadRules.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cctype>
 
@@ -10,10 +8,27 @@ namespace {
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr size_t kVersionSize = 8;  // "HTTP/1.1"
 
-bool IsTokenByte(char c) {
-  return isalnum(static_cast<unsigned char>(c)) != 0 ||
-         std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
-}
+// The ASCII letters, the digits and some more bytes.
+class CByteSet {
+ public:
+  constexpr explicit CByteSet(std::string_view others) {
+    for (char c = '0'; c <= '9'; ++c) Add(c);
+    for (char c = 'A'; c <= 'Z'; ++c) Add(c);
+    for (char c = 'a'; c <= 'z'; ++c) Add(c);
+    for (const char c : others) Add(c);
+  }
+  constexpr bool Has(char c) const { return m_has[static_cast<unsigned char>(c)]; }
+
+ private:
+  constexpr void Add(char c) { m_has[static_cast<unsigned char>(c)] = true; }
+
+  bool m_has[256] = {};
+};
+
+constexpr CByteSet kTokenBytes("!#$%&'*+-.^_`|~");
+constexpr CByteSet kHostBytes("-._~%!$&'()*+,;=:[]");
+
+bool IsTokenByte(char c) { return kTokenBytes.Has(c); }
 
 std::string_view Trim(std::string_view text) {
   const size_t nFirst = text.find_first_not_of(" \t");
@@ -78,10 +93,7 @@ int JudgeBody(const stHead& head) {
 
 // Host and port, or nothing.
 bool IsHost(std::string_view value) {
-  return std::all_of(value.begin(), value.end(), [](char c) {
-    return isalnum(static_cast<unsigned char>(c)) != 0 ||
-           std::string_view("-._~%!$&'()*+,;=:[]").find(c) != std::string_view::npos;
-  });
+  return std::all_of(value.begin(), value.end(), [](char c) { return kHostBytes.Has(c); });
 }
 
 int JudgeFields(const stHead& head) {
@@ -123,10 +135,6 @@ bool AreLinesWhole(std::string_view text) {
     if (cNext == ' ' || cNext == '\t' || cNext == ':') return false;
   }
   return true;
-}
-
-bool IsSameName(std::string_view one, std::string_view other) {
-  return one.size() == other.size() && strncasecmp(one.data(), other.data(), one.size()) == 0;
 }
 
 bool HasListElement(std::string_view list, std::string_view element) {

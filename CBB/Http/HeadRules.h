@@ -1,6 +1,8 @@
 // Rules for a request's head beyond those of the parser. No I/O, no state. Any thread.
 #pragma once
 
+#include <strings.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -54,7 +56,9 @@ bool AreLinesWhole(std::string_view text);
 bool HasListElement(std::string_view list, std::string_view element);
 
 // Whether two texts are equal, ignoring case.
-bool IsSameName(std::string_view one, std::string_view other);
+inline bool IsSameName(std::string_view one, std::string_view other) {
+  return one.size() == other.size() && strncasecmp(one.data(), other.data(), one.size()) == 0;
+}
 
 // Where the path of a target begins: after the scheme and host of an absolute one, or its length if
 // it has no path; 0 for a target that is not absolute.

@@ -50,7 +50,7 @@ void CRequest::Feed(std::string_view received) {
     const size_t nLimit = parse.Limit();
     const size_t nEnd = std::min(received.size(), nLimit);
     if (parse.nFed < nEnd && parse.bSizeLine && SkipExtension(received.substr(0, nEnd))) continue;
-    const size_t nUpTo = parse.UpTo(nEnd);
+    const size_t nUpTo = parse.nUpTo = parse.UpTo(nEnd);
     if (parse.nFed >= nUpTo) {
       if (received.size() > nLimit) Refuse(parse.LimitStatus());
       return;

@@ -7,6 +7,12 @@
 
 namespace {
 
+constexpr std::string_view kHeadEnd = "\r\n\r\n";
+
+bool EndsHead(std::string_view text) {
+  return text.size() >= kHeadEnd.size() && text.substr(text.size() - kHeadEnd.size()) == kHeadEnd;
+}
+
 // The parser's callbacks. A text may come in several pieces, each starting where the one before
 // ended. Nothing here throws, because the parser's C frames are on the stack.
 struct stParserCalls {
@@ -54,16 +60,19 @@ struct stParserCalls {
 
   static int OnFieldEnd(llhttp_t* pParser) {
     stParse& parse = Of(pParser);
-    if (!IsTrailer(parse)) ++parse.nFields;
+    if (IsTrailer(parse)) return 0;
+    stSpan& value = parse.values[parse.nFields];
+    const std::string_view text = value.In(parse.received.data());
+    value.usSize = static_cast<uint16_t>(text.find_last_not_of(" \t") + 1);
+    parse.BeginField(parse.nFields + 1);
     return 0;
   }
 
   static int OnHead(llhttp_t* pParser) {
     stParse& parse = Of(pParser);
-    constexpr std::string_view kEnd = "\r\n\r\n";
-    const size_t nEnd = parse.received.find(kEnd);
-    if (nEnd == std::string_view::npos) return Refuse(parse, 400);
-    parse.nHead = nEnd + kEnd.size();
+    // The parser is fed up to the end of the head, if that is there.
+    if (!EndsHead(parse.Head(parse.nUpTo))) return Refuse(parse, 400);
+    parse.nHead = parse.nUpTo;
     parse.bHasLength = (pParser->flags & F_CONTENT_LENGTH) != 0;
     parse.bChunked = parse.bSizeLine = (pParser->flags & F_CHUNKED) != 0;
     pParser->upgrade = 0;  // upgrades are not supported
@@ -152,6 +161,12 @@ stRequestParse::stRequestParse() {
   // Our own rules decide which versions and codings are accepted, with a status for each.
   parser.lenient_flags = LENIENT_VERSION | LENIENT_TRANSFER_ENCODING;
   parser.data = this;
+  BeginField(0);
+}
+
+void stRequestParse::BeginField(size_t i) {
+  nFields = i;
+  names[i] = values[i] = {};
 }
 
 size_t stRequestParse::Limit() const {
@@ -176,10 +191,9 @@ int stRequestParse::RefusalFor(int nError) const {
 size_t stRequestParse::UpTo(size_t nEnd) const {
   const std::string_view there = received.substr(0, nEnd);
   if (nHead == 0) {
-    constexpr std::string_view kEnd = "\r\n\r\n";
-    const size_t nFrom = nFed - std::min(nFed, kEnd.size() - 1);
-    const size_t nAt = there.find(kEnd, nFrom);
-    return nAt == std::string_view::npos ? nEnd : nAt + kEnd.size();
+    const size_t nFrom = nFed - std::min(nFed, kHeadEnd.size() - 1);
+    const size_t nAt = there.find(kHeadEnd, nFrom);
+    return nAt == std::string_view::npos ? nEnd : nAt + kHeadEnd.size();
   }
   if (!bSizeLine) return nEnd;
   const size_t nNext = there.find_first_not_of(" \t", nFed);
@@ -191,9 +205,4 @@ size_t stRequestParse::UpTo(size_t nEnd) const {
 std::string_view stRequestParse::BehindBody() const {
   const size_t nFrom = std::max(nHead, nBodyEnd);
   return received.substr(nFrom, nLength - nFrom);
-}
-
-stFieldLine stRequestParse::Field(size_t i, const char* pReceived) const {
-  const std::string_view value = values[i].In(pReceived);
-  return {names[i].In(pReceived), value.substr(0, value.find_last_not_of(" \t") + 1)};
 }

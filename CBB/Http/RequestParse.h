@@ -14,8 +14,8 @@
 
 // A piece of the received bytes, which may move while a request arrives.
 struct stSpan {
-  uint16_t usAt = 0;
-  uint16_t usSize = 0;
+  uint16_t usAt;
+  uint16_t usSize;
 
   std::string_view In(const char* pReceived) const { return {pReceived + usAt, usSize}; }
 };
@@ -31,6 +31,7 @@ struct stRequestParse {
   llhttp_t parser;
   std::string_view received;  // of the current call
   size_t nFed = 0;
+  size_t nUpTo = 0;    // where the current call of the parser ends
   size_t nHead = 0;    // bytes of the head; 0 until all of it is there
   size_t nLength = 0;  // bytes of the whole request, once complete
   size_t nBodyEnd = 0;
@@ -42,11 +43,16 @@ struct stRequestParse {
   bool bEnded = false;
   bool bExpects = false;
   bool bKeepsOpen = false;
-  stSpan target;
-  size_t nFields = 0;
-  stSpan names[kMaxFieldLines];
-  stSpan values[kMaxFieldLines];
+  stSpan target{};
+  size_t nFields;
+  // Those of the first nFields lines, and what has arrived of the next one; others are not set. The
+  // values are without surrounding blanks, once complete.
+  stSpan names[kMaxFieldLines + 1];
+  stSpan values[kMaxFieldLines + 1];
   std::string strBody;  // a chunked body without its framing
+
+  // i fields are complete, and the next one begins.
+  void BeginField(size_t i);
 
   // Where feeding stops, however much has arrived: a limit that does not depend on how the bytes
   // were cut. And the status for a request that continues past it.
@@ -69,5 +75,7 @@ struct stRequestParse {
   std::string_view Method() const {
     return llhttp_method_name(static_cast<llhttp_method_t>(parser.method));
   }
-  stFieldLine Field(size_t i, const char* pReceived) const;  // i < nFields
+  stFieldLine Field(size_t i, const char* pReceived) const {  // i < nFields
+    return {names[i].In(pReceived), values[i].In(pReceived)};
+  }
 };

@@ -39,6 +39,8 @@ TEST(Select, JudgesConditionsInTheOrderOfHttp) {
       {"If-None-Match: *\r\n", "304"},
       {"If-None-Match: \"b\", W/\"c\" ,\"a\"\r\n", "304"},
       {"If-None-Match: \"b\"\r\nIf-None-Match: \"a\"\r\n", "304"},
+      {"If-None-Match: \"b\"\r\nIf-None-Match: \"c\"\r\nIf-None-Match: \"a\"\r\n", "304"},
+      {"If-None-Match: \"a\"\r\nIf-None-Match: \"b\"\r\nIf-None-Match: \"c\"\r\n", "304"},
       {"If-None-Match: \"b,a\"\r\n", "200 0+20"},
       {"If-None-Match: a\r\n", "200 0+20"},
       {"If-None-Match: \"a\r\n", "200 0+20"},

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "tests/unit/Http/Clock.h"
 #include "tests/unit/Http/Loopback.h"
@@ -192,6 +193,35 @@ TEST_F(FilesTest, SendsAPackedFormToWhoTakesIt) {
   EXPECT_EQ("Accept-Encoding", Field(strPacked, "Vary"));
   EXPECT_EQ("text/css; charset=utf-8", Field(strPacked, "Content-Type"));
   EXPECT_NE(Field(strPlain, "Etag"), Field(strPacked, "Etag"));
+}
+
+// The fields of the usual replies are made once for each version of a file.
+TEST_F(FilesTest, SendsTheSameReplyWhateverWasSentBefore) {
+  const char* const pszFields[] = {"",
+                                   "Connection: close\r\n",
+                                   "If-None-Match: *\r\n",
+                                   "If-None-Match: *\r\nConnection: close\r\n",
+                                   "Range: bytes=1-2\r\n",
+                                   "Range: bytes=99-\r\n",
+                                   "Accept-Encoding: gzip\r\n",
+                                   "Accept-Encoding: gzip\r\nIf-None-Match: *\r\n"};
+  const auto time = std::filesystem::last_write_time(Path("root/page.css"));
+  std::vector<std::string> firsts;
+  for (const char* pszOne : pszFields) {
+    const std::string strName = "root/first" + std::to_string(firsts.size()) + ".css";
+    Write(strName, kPage);
+    Write(strName + ".gz", "packed");
+    std::filesystem::last_write_time(Path(strName), time);
+    std::filesystem::last_write_time(Path(strName + ".gz"), time);
+    firsts.push_back(Fetch(strName.substr(4), pszOne));
+  }
+  std::filesystem::rename(Path("root/first0.css.gz"), Path("root/page.css.gz"));
+  for (const char* pszBefore : pszFields) {
+    for (size_t i = 0; i < firsts.size(); ++i) {
+      Fetch("/page.css", pszBefore);
+      EXPECT_EQ(firsts[i], Fetch("/page.css", pszFields[i])) << pszBefore << pszFields[i];
+    }
+  }
 }
 
 TEST_F(FilesTest, ShowsNoPathInThePlaceOfAnInclude) {

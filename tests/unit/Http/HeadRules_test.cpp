@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -134,6 +136,15 @@ TEST(JudgeHead, RefusesWhatMayNotBeCarriedOut) {
   for (const auto& row : rows) {
     const std::string strText = std::string(row.pszLine) + "\r\n" + row.pszFields + "\r\n";
     EXPECT_EQ(row.nStatus, JudgeHead(CHead(strText).Get())) << strText;
+  }
+}
+
+TEST(JudgeHead, TakesTheBytesThatAHostMayHave) {
+  for (int nByte = '!'; nByte <= 0xFF; ++nByte) {
+    const bool bTaken = nByte < 0x80 && (isalnum(nByte) || strchr("-._~%!$&'()*+,;=:[]", nByte));
+    const std::string strHost = std::string("a") + static_cast<char>(nByte) + "b";
+    const CHead head("GET / HTTP/1.1\r\nHost: " + strHost + "\r\n\r\n");
+    EXPECT_EQ(bTaken ? 0 : 400, JudgeHead(head.Get())) << nByte;
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 #include <set>
 #include <string>
@@ -129,6 +130,34 @@ TEST_F(LibraryMemoryTest, RequestIsAnsweredWholeOrNotAtAll) {
     ++nUnanswered;
   }
   EXPECT_GT(nUnanswered, 3);
+}
+
+std::string WithoutDate(std::string strReply) {
+  const size_t nDate = strReply.find("\r\nDate: ");
+  if (nDate != std::string::npos) strReply.erase(nDate, strReply.find("\r\n", nDate + 2) - nDate);
+  return strReply;
+}
+
+// The first reply of a version allocates more than later ones.
+TEST_F(LibraryMemoryTest, FileIsSentWholeOrNotAtAll) {
+  CWebRoot root;
+  CTestServer server(&CWebRoot::Serve);
+  root.Write("root/page.css", "a page");
+  const std::string strWhole = WithoutDate(Exchange(server, "GET /page.css HTTP/1.1\r\n\r\n"));
+  const auto time = std::filesystem::last_write_time(root.Path("root/page.css"));
+  for (const bool bFirst : {true, false}) {
+    int nFailing = 1;
+    for (bool bMet = true; bMet; ++nFailing) {
+      const std::string strName = bFirst ? std::to_string(nFailing) + ".css" : "page.css";
+      root.Write("root/" + strName, "a page");
+      std::filesystem::last_write_time(root.Path("root/" + strName), time);
+      CTestClient client(server);
+      client.Send("GET /" + strName + " HTTP/1.1\r\n\r\n");
+      bMet = CNoHeap(nFailing).Meets([&] { server.Poll(); });
+      EXPECT_EQ(bMet ? "" : strWhole, WithoutDate(client.Received())) << strName;
+    }
+    EXPECT_GT(nFailing, 3);
+  }
 }
 
 }  // namespace
