@@ -56,7 +56,7 @@ async function make() {
     files.set(name, squeeze(read('documents', name))
         .replace(/\{([A-Z]+)\}/g, (_, word) => words[word] || mark));
   for (const page of kOldPages)
-    files.set(`${page}.html`, `<!doctype html><meta charset="utf-8"><title>…</title>` +
+    files.set(`${page}.html`, '<!doctype html><title>Recorder</title>' +
         `<meta http-equiv="refresh" content="0; url=app.html#/${page}">\n`);
   return files;
 }

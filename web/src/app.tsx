@@ -59,7 +59,9 @@ function sheet(name: string): Promise<void> {
 }
 
 function askBeforeLeaving(event: BeforeUnloadEvent) {
-  if (get().expired || !Object.keys(waiting()).length) return;
+  const {expired, transfer, fleet} = get();
+  const busy = transfer.step && !transfer.moving;
+  if (expired || !(busy || fleet.unkept || Object.keys(waiting()).length)) return;
   event.preventDefault();
   event.returnValue = '';
 }

@@ -1,6 +1,7 @@
 // The sign-in: a separate document, because its name is part of the service's interface.
 import {render} from 'preact';
 import {useEffect} from 'preact/hooks';
+import {draftsWait} from './state/memory';
 import {loadPreferences} from './state/preferences';
 import {look, patch, whenChanged} from './state/signIn';
 import {get} from './state/store';
@@ -45,6 +46,7 @@ function start() {
   loadPreferences();
   root.textContent = '';
   if (asked === kMoved) patch({note: {kind: 'moved'}});
+  else if (draftsWait()) patch({note: {kind: 'kept'}});
   render(<App />, root);
   void look();
 }

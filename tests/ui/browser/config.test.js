@@ -186,7 +186,9 @@ async function arrive(address) {
   assert.match(await page.locator('body').innerText(), /new address/i);
 }
 
-test('the recorder\'s new address is said before, and followed', async () => {
+test('the recorder\'s new address is said before, and followed without a question', async () => {
+  const asked = [];
+  page.on('dialog', (question) => asked.push(question.type()));
   await visit(rig, page, 'network');
   await put(page, 'stLocalEth0/uiFD_LocalIp', '192.168.1.89');
   await button(page, 'localEth0', 'save').click();
@@ -202,6 +204,7 @@ test('the recorder\'s new address is said before, and followed', async () => {
   await agree(page);
   await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.89', 'the set');
   await arrive('192.168.1.89');
+  assert.deepEqual(asked, []);
 });
 
 test('an import that moves the recorder is followed', async () => {

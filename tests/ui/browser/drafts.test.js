@@ -97,7 +97,7 @@ test('a colleague changed another field of the section: both changes end on the 
       await put(page, kApn, 'fleet');
       await colleague('*77#', 'strFD_PhoneNo');
       assert.equal(await save(page, 'mobile'), 'elsewhere');
-      assert.match(await words(page, 'mobile'), /\*99#[^]*\*77#/);
+      assert.match(await words(page, 'mobile'), /Before\s+Recorder now[^]*\*99#[^]*\*77#/);
       assert.equal(await save(page, 'mobile'), 'applied');
       assert.deepEqual([rig.setting('stMobileGNet', 'strFD_Apn'),
         rig.setting('stMobileGNet', 'strFD_PhoneNo')], ['fleet', '*77#']);

@@ -4,7 +4,7 @@ import {readFileSync} from 'node:fs';
 import test from 'node:test';
 import {violations} from '../axe.js';
 import {
-  agree, button, cancel, dialog, ended, kCab, kPhone, memory, press, section, visit,
+  agree, button, cancel, dialog, ended, kCab, kDesk, kPhone, memory, press, section, visit,
 } from '../rig.js';
 import {page, rig, sharePage} from '../shared.js';
 
@@ -153,6 +153,26 @@ test('the list outlasts a reload, is saved, added again and emptied', async () =
   await page.locator('[data-run]').waitFor();
   assert.equal((await runs()).length, 1);
 });
+
+test('on a phone both values of a compared setting are in sight, and a section takes one line',
+    async () => {
+      await page.setViewportSize(kPhone);
+      await choose('<VariCfgSec><stBaseInfo strFD_DeviceNo="80054321"/></VariCfgSec>');
+      const cells = section(page, 'apply').locator('[data-setting] td');
+      await cells.nth(2).waitFor();
+      const hidden = await cells.evaluateAll((all) => all.filter((cell) => {
+        const inside = document.createRange();
+        inside.selectNodeContents(cell);
+        const {right} = cell.closest('.scroll').getBoundingClientRect();
+        return inside.getBoundingClientRect().right > right;
+      }).length);
+      assert.equal(hidden, 0);
+      await group('stPower').locator('.all input').check();
+      const [name, mark] = await group('stPower').locator('h3, .all').evaluateAll((all) =>
+        all.map((node) => node.getBoundingClientRect().toJSON()));
+      assert.ok(mark.left >= name.right && mark.top < name.bottom);
+      await page.setViewportSize(kDesk);
+    });
 
 test('what is open is accessible and fits small screens', async () => {
   await page.fill('#find-template', 'strFD_');

@@ -19,9 +19,17 @@ test('a dead recorder is told once on a page of many forms, and all recovers by 
       const said = await page.locator('body').innerText();
       assert.equal(said.match(/not answer/g).length, 1, said);
       assert.match(await health(page, 'deviceSilent').innerText(), /\d+ s/);
+      // Nothing looks as if it were coming.
+      for (const name of ['status', 'maintenance', 'security', 'settings', 'fleet']) {
+        await page.evaluate((place) => { location.hash = `#/${place}`; }, name);
+        const main = page.locator(`main[data-page=${name}]`);
+        await main.getByText('Comes when the recorder answers again').first().waitFor();
+        await main.locator('.skeleton').waitFor({state: 'detached'});
+      }
       await rig.startDevice();
       await gone('deviceSilent');
-      await shown(page, 'network');
+      await page.locator('[data-section=template] [data-group]').first().waitFor();
+      await go(page, 'network');
       assert.equal(await ssid().inputValue(), '公交车队-0123');
       assert.equal(await field(page, 'stMobileGNet/strFD_Apn').inputValue(), 'CMNET');
     });

@@ -59,6 +59,7 @@ async function compare(page) {
 async function search(page) {
   await page.fill('#find-setting', 'overspeed');
   await page.locator('[data-setting="stSpeed/usFD_OverSpeed"]').waitFor();
+  await page.evaluate(() => scrollTo(0, document.body.scrollHeight));  // the bar is at the end there
 }
 
 // A drive: the signal falls and rises, the platform is lost for a while. The page's clock is moved, so

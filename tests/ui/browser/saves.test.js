@@ -140,7 +140,7 @@ test('what the recorder made of a value is named', async () => {
       '<stMobileGNet ucFD_NetType="4" strFD_Apn="other" strFD_PhoneNo="*99#" ' +
       'strFD_UserName="card" strFD_UserPasswd="card"/></VariCfgSec>');
   assert.notEqual(await ended(page, kForm), 'applied');
-  assert.match(await words(page, kForm), /fleet[^]*other/);
+  assert.match(await words(page, kForm), /New\s+Recorder now[^]*fleet[^]*other/);
   assert.equal(await apn().inputValue(), 'fleet');
   await rig.clear();
   await discard();

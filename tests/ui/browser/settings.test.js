@@ -3,8 +3,8 @@ import assert from 'node:assert/strict';
 import test from 'node:test';
 import {violations} from '../axe.js';
 import {
-  agree, button, dialog, ended, error, fieldRow, go, kCab, line, memory, painted, press, put,
-  section, visit,
+  agree, button, dialog, ended, error, fieldRow, focused, go, kCab, kDesk, kPhone, line, memory,
+  painted, press, put, section, visit,
 } from '../rig.js';
 import {page, rig, sharePage} from '../shared.js';
 
@@ -83,6 +83,24 @@ test('what was changed is checked, reviewed, sent alone and read back', async ()
   assert.equal(rig.setting('stPower', 'usPOffDelayTime'), former[0]);
 });
 
+test('how a save ended is in sight on a phone, above what was changed', async () => {
+  await page.setViewportSize(kPhone);
+  await find('stPower');
+  await fieldRow(page, kPower).locator('input').click();
+  const bar = () => section(page, 'all').locator('.foot').evaluate((node) =>
+    node.getBoundingClientRect().top);
+  const before = await bar();
+  await page.keyboard.type('1');
+  assert.equal(await bar(), before, 'the bar moved over the field');
+  await page.evaluate(() => scrollTo(0, 0));
+  await page.keyboard.press('Control+s');
+  await agree(page);
+  await ended(page, 'all');
+  assert.ok(await line(page, 'all').evaluate((node) =>
+    node.getBoundingClientRect().bottom <= innerHeight));
+  await page.setViewportSize(kDesk);
+});
+
 test('a wrong field is shown wherever it is, and stays while it is mended', async () => {
   await find('');
   await open('stMainStream');
@@ -122,6 +140,7 @@ test('a setting that a colleague has changed meanwhile is asked about', async ()
   await press(page, 'all');
   await agree(page);
   assert.equal(await ended(page, 'all'), 'conflict');
+  assert.equal(await focused(page), kApn);
   await row(kApn).locator('[data-take=mine]').click();
   await press(page, 'all');
   await agree(page);

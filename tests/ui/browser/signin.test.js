@@ -226,6 +226,7 @@ test('a session that ends within a form loses no input, and keeps no secret', as
   await button(page, 'wifi', 'save').click();
   await agree(page);
   await page.locator('#password').waitFor();
+  await page.locator('[data-note=kept]').waitFor();
   assert.ok(!(await memory(page)).includes('geheim-new'));
   await type(page, kPassword);
   await shown(page, 'network');

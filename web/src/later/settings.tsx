@@ -11,7 +11,7 @@ import {giveView} from '../views/Later';
 import {Maintenance} from '../views/Maintenance';
 import {AllSettings} from '../views/settings/AllSettings';
 
-const Fleet = () => <div class="cards"><Template /><Apply /><Runs /></div>;
+const Fleet = () => <div class="cards"><Apply /><Runs /><Template /></div>;
 
 addWords('en', en);
 addWords('zh', zh);

@@ -24,7 +24,7 @@ const kEnds: Record<SaveEnd, true> = {applied: true, partly: true, unchanged: tr
   deviceSilent: true, serviceSilent: true, lost: true, moved: true};
 export const kMostRuns = 500;  // that a browser keeps
 
-const kNotTaken: readonly Took[] = ['kept', 'other', 'absent', 'unknown'];
+export const kNotTaken: readonly Took[] = ['kept', 'other', 'absent', 'unknown'];
 
 const count = (lines: Line[], wanted: Took) => lines.filter(({took}) => took === wanted).length;
 

@@ -155,7 +155,7 @@ export const kSections: readonly Section[] = [
     fields: list(code('stNetWorkMode/ucFD_NetType', 'netType', {wire: 'ucFD_NetWType'})),
   },
   {
-    id: 'server', page: 'platforms', title: 'section.server', get: 'get_VCmsInfo',
+    id: 'server', page: 'platforms', title: 'platform.cms', get: 'get_VCmsInfo',
     set: 'set_VCmsInfo',
     fields: ({reply}) => {
       const held = Number(reply.ucFD_AddressType) === 0 ? 'uiFD_IP' : 'strFD_Domain';
@@ -178,7 +178,7 @@ export const kSections: readonly Section[] = [
     fields: gbFields, values: gbValues, wanted: gbWanted,
   },
   {
-    id: 'password', page: 'security', title: 'section.password',
+    id: 'password', page: 'security', title: 'password',
     fields: list(secret('current', 'currentPassword', 127),
         kNewPassword,
         secret('repeat', 'repeatPassword', 127, {least: 1, ...entities})),

@@ -103,7 +103,7 @@ export const kCards: readonly (readonly [CardId, readonly Row[]])[] = [
   ]],
   ['platforms', [
     row('platform.cms', link, 'ucFD_CmsStatus'),
-    row('address', text, 'uiFD_IP'),
+    row('serverIp', text, 'uiFD_IP'),
     row('platform.jtt808', link, 'ucFD_JTT808Status'),
     row('platform.gb28181', link, 'ucFD_GB28181Status'),
   ]],

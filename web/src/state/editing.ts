@@ -2,7 +2,7 @@
 import {equal, type Field, type Values} from '../model/fields';
 import {kSections, type PageId, type SectionId} from '../model/sections';
 import {dropDraft, keepDraft, loadDraft} from './memory';
-import {get, patchSection, sectionState, type SectionState} from './store';
+import {get, isPast, patchSection, sectionState, type SectionState} from './store';
 
 const without = <T>(values: Record<string, T>, path: string): Record<string, T> => {
   const {[path]: _, ...rest} = values;
@@ -26,7 +26,7 @@ export function type(id: SectionId, field: Field, value: string) {
     : {...state.base, [path]: state.held[path] || ''};
   patchSection(id, {typed, base, problems: without(state.problems, path),
     conflicts: back ? without(state.conflicts, path) : state.conflicts,
-    note: state.note && state.note.kind === 'end' ? null : state.note});
+    note: isPast(state.note) ? null : state.note});
   keep(id);
 }
 
@@ -63,6 +63,7 @@ export function propose(id: SectionId, values: Values) {
 }
 
 const countOf = (state: SectionState | undefined, id: SectionId) => {
+  if (state && state.step && state.step.name === 'moving') return 0;  // sent
   if (state && state.fields.length) return Object.keys(state.typed).length;
   const draft = loadDraft(id);
   return draft ? Object.keys(draft.typed).length : 0;

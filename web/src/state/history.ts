@@ -2,12 +2,9 @@
 // Nothing is asked for it, and nothing is kept longer than the page is open.
 import {readingOf, withEntry, type Entry} from '../model/history';
 import {sectionById, type SectionId} from '../model/sections';
-import {get, set, subscribe, type Ended, type State} from './store';
+import {get, isSilent, set, subscribe, type Ended, type State} from './store';
 
 const kMostEnds = 20;
-
-const isSilent = ({health}: State) =>
-  health.state === 'deviceSilent' || health.state === 'serviceSilent';
 
 const kSleepMs = 20000;
 

@@ -70,7 +70,11 @@ export function loadDraft(id: SectionId): Draft | null {
   return draft;
 }
 
-export const dropAllDrafts = () => attempt(() => {
-  for (const key of Object.keys(sessionStorage))
-    if (key.startsWith(kDraft)) sessionStorage.removeItem(key);
-}, undefined);
+const drafts = () => attempt(() => Object.keys(sessionStorage), [])
+    .filter((key) => key.startsWith(kDraft));
+
+export const draftsWait = () => drafts().length > 0;
+
+export function dropAllDrafts() {
+  for (const key of drafts()) sessionStorage.removeItem(key);
+}

@@ -54,11 +54,22 @@ export async function readSection(section: Section, turn: Turn = {},
   return {fields, values: valuesOf(section, read, fields)};
 }
 
+const count = (values: Values) => Object.keys(values).length;
+
+// A save that ended in silence is told anew by a read that came later.
+function retold({note, typed: before}: SectionState, typed: Values): Note | null {
+  if (!note || note.kind !== 'end') return note;
+  if (note.known === 'unsent') return {kind: 'unsent'};
+  if (note.known === 'read' || !count(before)) return note;
+  if (!count(typed)) return {kind: 'arrived'};
+  return count(typed) === count(before) ? {kind: 'kept'} : note;
+}
+
 function noteOf(section: SectionState, typed: Values, sent: boolean | undefined,
     conflicts: Values, first: boolean): Note | null {
-  if (Object.keys(conflicts).length) return {kind: 'conflict', rows: []};
-  if (!first) return section.note;
-  if (Object.keys(typed).length) return {kind: 'draft'};
+  if (count(conflicts)) return {kind: 'conflict', rows: []};
+  if (!first) return retold(section, typed);
+  if (count(typed)) return {kind: 'draft'};
   return sent ? {kind: 'arrived'} : null;
 }
 
@@ -69,7 +80,7 @@ export function take(section: Section, {fields, values}: Fresh) {
   const draft = first ? loadDraft(section.id) : null;
   const {typed} = draft || state;
   const began = draft ? draft.base : state.base;
-  const merged = merge(fields, Object.keys(typed).length ? began : values, values, typed);
+  const merged = merge(fields, count(typed) ? began : values, values, typed);
   const base = {...values, ...pick(began, merged.typed)};
   patchSection(section.id, {
     fields, held: values, base, typed: merged.typed, conflicts: merged.conflicts,
@@ -77,7 +88,7 @@ export function take(section: Section, {fields, values}: Fresh) {
     note: noteOf(state, merged.typed, draft ? draft.sent : false, merged.conflicts, first),
   });
   if (draft) keepDraft(section.id, fields, {base, typed: merged.typed});
-  else if (!Object.keys(merged.typed).length) dropDraft(section.id);
+  else if (!count(merged.typed)) dropDraft(section.id);
 }
 
 function pick(from: Values, paths: Values): Values {
@@ -90,8 +101,9 @@ function pick(from: Values, paths: Values): Values {
 }
 
 async function load(section: Section, whole: Whole) {
-  const id = section.id;
-  if (sectionState(id).step) return;
+  const {id, get: asked, whole: exported} = section;
+  const {step, fields} = sectionState(id);
+  if (step || (fields.length && !asked && !exported)) return;
   try {
     requireHealth();
     const fresh = await readSection(section, {group: 'page'}, whole);

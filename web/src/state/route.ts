@@ -5,7 +5,7 @@ import {loadLock} from './passwordLock';
 import {loadPage, tryWhole} from './reading';
 import {bring} from './scripts';
 import {renewBehind} from './session';
-import {get, patchSection, sectionState, set, type ScriptName} from './store';
+import {get, isPast, patchSection, sectionState, set, type ScriptName} from './store';
 import {pollStatus} from './status';
 
 export const kPages: readonly PageId[] =
@@ -56,7 +56,7 @@ export function readAgain() {
 function forgetNotes(page: PageId) {
   for (const {id} of sectionsOf(page)) {
     const {note, step} = sectionState(id);
-    if (note && note.kind === 'end' && !step) patchSection(id, {note: null});
+    if (isPast(note) && !step) patchSection(id, {note: null});
   }
 }
 

@@ -23,8 +23,8 @@ import {patchSection, sectionState, shownValues, type Note, type SectionState, t
 const kUnchanged: Note = {kind: 'end', end: 'unchanged', rows: [], known: 'read'};
 const kTurn = {group: 'send', urgent: true};
 
-const step = (id: SectionId, name: Step | null) =>
-  patchSection(id, {step: name && {name, since: Date.now()}});
+const step = (id: SectionId, name: Step | null, where?: string) =>
+  patchSection(id, {step: name && {name, since: Date.now(), where}});
 const say = (id: SectionId, note: Note) => patchSection(id, {note});
 
 // What a save would change, the clock included.
@@ -100,8 +100,7 @@ async function moveAway(section: Section, values: Values, origin: string) {
     const read = moved === 'deviceSilent' ? null : before.held;
     return settle(section, before, values, moved, read);
   }
-  step(id, 'moving');
-  say(id, {kind: 'moving', where: origin});
+  step(id, 'moving', origin);
   dropDraft(id);
   if (!await followTo(origin)) say(id, {kind: 'movedSilent', where: origin});
 }

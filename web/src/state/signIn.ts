@@ -11,7 +11,7 @@ const kSilenceMs = 4500;  // the service has waited for a recorder that does not
 const kPasswordBytes = 127;
 
 export type SignInNote =
-    | {kind: 'checking' | 'counting' | 'impossible' | 'cookies' | 'moved' | 'open'}
+    | {kind: 'checking' | 'counting' | 'impossible' | 'cookies' | 'moved' | 'open' | 'kept'}
     | {kind: 'wrong'; left: number}
     | {kind: 'fault'; why: FaultKind}
     | {kind: 'locked'; until: number};

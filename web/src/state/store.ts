@@ -36,8 +36,12 @@ export type Known = 'read' | 'unknown' | 'unsent';
 export type Note =
     | {kind: 'end'; end: SaveEnd; rows: Change[]; known: Known}
     | {kind: 'elsewhere' | 'conflict'; rows: Change[]}
-    | {kind: 'draft' | 'invalid' | 'arrived'}
-    | {kind: 'moving' | 'movedSilent'; where: string};
+    | {kind: 'draft' | 'invalid' | 'arrived' | 'kept' | 'unsent'}
+    | {kind: 'movedSilent'; where: string};
+
+// What a save came to, until something new begins.
+export const isPast = (note: Note | null) =>
+  note !== null && ['end', 'arrived', 'kept', 'unsent'].includes(note.kind);
 
 export interface SectionState {
   fields: Field[];
@@ -47,7 +51,7 @@ export interface SectionState {
   conflicts: Values;  // what it holds instead where the user has typed, too
   problems: Problems;
   loading: Loading;
-  step: {name: Step; since: number} | null;  // a save is in progress
+  step: {name: Step; since: number; where?: string} | null;  // a save is in progress
   note: Note | null;
   former: Values | null;  // what an accepted save replaced
 }
@@ -133,6 +137,10 @@ let state = kStart;
 const listeners = new Set<() => void>();
 
 export const get = () => state;
+
+// What is shown is not known to hold any more.
+export const isSilent = ({health} = state) =>
+  health.state === 'deviceSilent' || health.state === 'serviceSilent';
 
 export function set(patch: Partial<State>) {
   state = {...state, ...patch};

@@ -19,7 +19,8 @@ import {get, set, type Purpose, type Step, type Transfer} from './store';
 const kTurn = {group: 'send', urgent: true};
 
 const patch = (part: Partial<Transfer>) => set({transfer: {...get().transfer, ...part}});
-const step = (name: Step | null) => patch({step: name && {name, since: Date.now()}});
+const step = (name: Step | null, where?: string) =>
+  patch({step: name && {name, since: Date.now(), where}});
 
 async function config() {
   const {result, root, settings} = await fetchConfig(kTurn);
@@ -102,7 +103,7 @@ async function sendAndRead(rows: ImportRow[], before: Settings) {
   const still = async () => ({[kLocalIp]: (await load()).get(kLocalIp) || ''});
   const moved = await sendMove(send, still, before.get(kLocalIp) || '');
   if (moved !== 'waiting') return settle(wanted, moved, moved === 'deviceSilent' ? null : before);
-  step('moving');
+  step('moving', origin);
   patch({moving: {where: origin, silent: false}});
   if (!await followTo(origin)) patch({moving: {where: origin, silent: true}});
 }

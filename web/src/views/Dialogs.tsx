@@ -16,12 +16,12 @@ export function Dialogs() {
   switch (dialog.kind) {
     case 'review':
       return <Modal title={t('review.title', {section: t(sectionById(dialog.section).title)})}
-        go={t('review.go')} onAnswer={answerDialog}>
+        go={t('save')} onAnswer={answerDialog}>
         <ChangeTable rows={dialog.rows} />
         {dialog.move && <Move where={dialog.move} />}
       </Modal>;
     case 'leave':
-      return <Modal title={t('leave.title')} go={t('leave.go')} onAnswer={answerDialog}>
+      return <Modal title={t('leave.title')} go={t('leave')} onAnswer={answerDialog}>
         <p>{t('leave.text')}</p>
         <ul>{dialog.pages.map((page) => <li key={page}>{t(`page.${page}`)}</li>)}</ul>
       </Modal>;

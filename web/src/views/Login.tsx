@@ -26,7 +26,7 @@ function Line({note, now}: {note: SignInNote | null; now: number}) {
         <p class="left" aria-hidden="true">{t('login.left', {time: timeText(left)})}</p>
       </Notice> : <Notice tone="info" name="open" text={t('login.open')} />;
     }
-    case 'moved': case 'open':
+    case 'moved': case 'open': case 'kept':
       return <Notice tone="info" name={note.kind} text={t(`login.${note.kind}`)} />;
     default: return <Notice tone="bad" name={note.kind} text={t(`login.${note.kind}`)} />;
   }
@@ -82,7 +82,7 @@ export function Login({go, prefetch}: {go: () => void; prefetch: () => void}) {
       <Recorder />
       <input type="text" autoComplete="username" value="admin" hidden readOnly />
       <Password typed={prefetch} busy={waits} />
-      <button type="submit" class="main" aria-disabled={waits || undefined}>{t('login.go')}</button>
+      <button type="submit" class="main" aria-disabled={waits || undefined}>{t('login.title')}</button>
       <Line note={note} now={now} />
     </form>
     <div class="tools"><LanguageSwitch /><ThemeSwitch /></div>

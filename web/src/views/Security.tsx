@@ -1,7 +1,7 @@
 // The password, and the lock after wrong passwords.
 import {kWrongEntries, timeText} from '../recorder/lock';
 import {loadLock, resetLock} from '../state/passwordLock';
-import {get} from '../state/store';
+import {get, isSilent} from '../state/store';
 import {t} from '../words';
 import {Card, Fact} from './parts/Card';
 import {secondsSince, useNow} from './parts/hooks';
@@ -29,7 +29,7 @@ function LockCard() {
   const note = end && {kind: 'end' as const, end, rows: [], known: 'read' as const};
   return <Card id="lock" title="section.lock" icon="security">
     <p class="hint">{t('lock.help')}</p>
-    {!lock && loading.state === 'waiting' && <Skeleton rows={2} />}
+    {!lock && (loading.state === 'waiting' || isSilent()) && <Skeleton rows={2} />}
     {loading.state === 'failed' && get().health.state === 'answers' &&
       <Notice tone="bad" text={t('load.deviceSilent')}>
         <button type="button" class="quiet" onClick={() => void loadLock()}>{t('again')}</button>

@@ -3,7 +3,7 @@ import type {ComponentChildren} from 'preact';
 import {waiting} from '../state/editing';
 import {addressOf, kPages} from '../state/route';
 import {signOut} from '../state/session';
-import {get} from '../state/store';
+import {get, isSilent} from '../state/store';
 import {t} from '../words';
 import {Banner} from './parts/Banner';
 import {Icon} from './parts/Icon';
@@ -45,13 +45,12 @@ const skip = (event: Event) => {
 };
 
 export function Shell({children}: {children: ComponentChildren}) {
-  const {page, health} = get();
-  const known = health.state === 'answers' || health.state === 'restarting';
+  const {page} = get();
   return <>
     <a class="skip" href="#main" onClick={skip}>{t('skip')}</a>
     <Header />
     <Navigation />
-    <main id="main" tabIndex={-1} class={known ? '' : 'stale'} data-page={page}>
+    <main id="main" tabIndex={-1} class={isSilent() ? 'stale' : ''} data-page={page}>
       <h1>{t(`page.${page}`)}</h1>
       <Banner />
       {page !== 'status' && <LabelsNotice />}

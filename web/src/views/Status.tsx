@@ -3,7 +3,7 @@ import {timeOfDay} from '../model/clock';
 import type {Values} from '../model/fields';
 import {placeLink, placeText, type Place} from '../model/position';
 import {kBars, kCards, kSummary, shownOf, type CardId, type Row, type Shown} from '../model/status';
-import {get} from '../state/store';
+import {get, isSilent} from '../state/store';
 import {t} from '../words';
 import {History} from './History';
 import {Card, Fact} from './parts/Card';
@@ -57,9 +57,8 @@ export const Rows = ({rows, values, kind}: {rows: readonly Row[]; values: Values
   })}</dl>;
 
 export function Status() {
-  const {status, health} = get();
+  const {status} = get();
   if (!status) return <Skeleton rows={6} />;
-  const fresh = health.state === 'answers' || health.state === 'restarting';
   const time = timeOfDay(new Date(status.at));
   return <div class="live">
     <Rows rows={kSummary} values={status.values} kind="summary" />
@@ -68,7 +67,7 @@ export function Status() {
         <Rows rows={rows} values={status.values} kind="facts" />
       </Card>)}</div>
     <History />
-    <p class="moment">{t(fresh ? 'status.moment' : 'status.stale', {time})}</p>
+    <p class="moment">{t(isSilent() ? 'status.stale' : 'status.moment', {time})}</p>
     <CopyButton name="copy-report" label="report.copy" text={reportText} />
   </div>;
 }

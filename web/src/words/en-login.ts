@@ -12,7 +12,6 @@ export const login = {
   'load.lost': 'No connection to the recorder. Check the Wi-Fi or cable of this device.',
   'load.unreadable': 'The recorder gave an answer that these pages cannot use.',
   'login.title': 'Sign in',
-  'login.go': 'Sign in',
   'login.asking': 'Looking for the recorder…',
   'login.answers': 'The recorder answers.',
   'login.noAnswer': 'The recorder does not answer.',
@@ -26,5 +25,6 @@ export const login = {
   'login.silent': 'The recorder does not answer: the password cannot be checked.',
   'login.impossible': 'No password of the recorder looks like this.',
   'login.cookies': 'Allow cookies for this address to stay signed in.',
+  'login.kept': 'Sign in again. Your unsaved changes are kept, but no passwords.',
   'login.moved': 'The recorder answers at its new address.',
 } as const;

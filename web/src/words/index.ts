@@ -23,6 +23,10 @@ export const spoken = () => language;
 export const t = (key: WordKey, values: Record<string, string | number> = {}): string =>
   (books[language][key] || '').replace(/\{(\w+)\}/g, (_, name: string) => String(values[name]));
 
+// Chinese full stops bring their own space.
+export const sentences = (...texts: (string | false | undefined)[]) =>
+  texts.filter(Boolean).join(language === 'zh' ? '' : ' ');
+
 const isLanguage = (text: string | null): text is Language => text === 'zh' || text === 'en';
 
 export function preferred(chosen: string | null, recorder: string | null, browser: string): Language {

@@ -14,7 +14,6 @@ export const login: Record<keyof typeof english, string> = {
   'load.lost': '无法连接录像机，请检查本设备的无线网络或网线。',
   'load.unreadable': '录像机的应答无法识别。',
   'login.title': '登录',
-  'login.go': '登录',
   'login.asking': '正在查找录像机…',
   'login.answers': '录像机有应答。',
   'login.noAnswer': '录像机没有应答。',
@@ -28,5 +27,6 @@ export const login: Record<keyof typeof english, string> = {
   'login.silent': '录像机没有应答，无法核对密码。',
   'login.impossible': '录像机不可能有这样的密码。',
   'login.cookies': '请允许此地址使用 Cookie，否则无法保持登录。',
+  'login.kept': '请重新登录。未保存的修改仍然保留，密码除外。',
   'login.moved': '录像机已在新地址上应答。',
 };

@@ -3,9 +3,9 @@ import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById} from '../../src/model/sections';
 import {discard, propose, resolveConflict, type, waiting} from '../../src/state/editing';
-import {dropAllDrafts, loadDraft} from '../../src/state/memory';
-import {take} from '../../src/state/reading';
-import {resetStore, sectionState} from '../../src/state/store';
+import {draftsWait, dropAllDrafts, loadDraft} from '../../src/state/memory';
+import {loadPage, take} from '../../src/state/reading';
+import {patchSection, resetStore, sectionState, type Known, type Note} from '../../src/state/store';
 
 const wifi = sectionById('wifi');
 const kSsid = 'stWifi/strFD_SSID';
@@ -47,6 +47,59 @@ test('what arrived before a reload is no unsaved change', () => {
   resetStore();
   fresh({[kSsid]: 'mine'});
   assert.deepEqual([sectionState('wifi').typed, loadDraft('wifi'), waiting()], [{}, null, {}]);
+});
+
+test('the sign-in hears of drafts that wait, and of none when they are dropped', () => {
+  fresh();
+  type('wifi', fieldOf(kSsid), 'mine');
+  assert.equal(draftsWait(), true);
+  dropAllDrafts();
+  assert.equal(draftsWait(), false);
+});
+
+test('a change that is on its way to the recorder’s new address waits no more', () => {
+  fresh();
+  type('wifi', fieldOf(kSsid), 'mine');
+  patchSection('wifi', {step: {name: 'moving', since: 0}});
+  assert.deepEqual(waiting(), {});
+  patchSection('wifi', {step: null});
+  assert.deepEqual(waiting(), {network: 1});
+});
+
+test('a save that ended in silence is told anew by a later read', () => {
+  const typed: Record<string, string> = {[kSsid]: 'mine', 'stWifi/ucFD_AuthMode': '3'};
+  const rows: [Known, Record<string, string>, Note['kind'] | undefined][] = [
+    ['unsent', {}, 'unsent'], ['unknown', {}, 'kept'], ['unknown', typed, 'arrived'],
+    ['unknown', {[kSsid]: 'mine'}, 'end'], ['read', {}, 'end'],
+    ['unknown', {[kSsid]: 'theirs'}, 'conflict']];
+  for (const [known, arrived, told] of rows) {
+    resetStore();
+    dropAllDrafts();
+    fresh({'stWifi/ucFD_AuthMode': '1'});
+    for (const path of Object.keys(typed)) type('wifi', fieldOf(path), typed[path]!);
+    patchSection('wifi', {note: {kind: 'end', end: 'deviceSilent', rows: [], known}});
+    fresh({'stWifi/ucFD_AuthMode': '1', ...arrived});
+    assert.equal(sectionState('wifi').note?.kind, told, `${known} ${JSON.stringify(arrived)}`);
+  }
+});
+
+test('what a save came to is told until the next change, and no longer', () => {
+  fresh();
+  for (const kind of ['arrived', 'kept', 'unsent'] as const) {
+    patchSection('wifi', {note: {kind}});
+    type('wifi', fieldOf(kSsid), kind);
+    assert.equal(sectionState('wifi').note, null, kind);
+  }
+});
+
+test('a save of the password is not told anew, as nothing is read', async () => {
+  await loadPage('security');
+  const note: Note = {kind: 'end', end: 'deviceSilent', rows: [], known: 'unknown'};
+  const [field] = sectionState('password').fields;
+  type('password', field!, 'secret99');
+  patchSection('password', {note});
+  await loadPage('security');
+  assert.equal(sectionState('password').note, note);
 });
 
 test('a value typed back is no change', () => {

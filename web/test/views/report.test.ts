@@ -48,8 +48,8 @@ test('the report tells versions, status, the last half hour and the browser', ()
     '<strFD_KnlVersion>', '<strFD_RfsVersion>', '<strFD_DbtVersion>', '<strFD_DeviceNo>',
     'Signal: 4 of 5 bars (24)', 'Disk 1: 75 % used', 'Position: N22.5 E114.1', 'States: 1 On, 2 Off',
     'http://192.168.1.88, build b0123456789', 'Browser/87 (Terminal), en-GB, 800 x 480',
-    'Mobile network: 4 of 5 bars (24) to 4 of 5 bars (24).', 'Platform server: lost 0 times.',
-    'Without an answer: 0 times', 'Last saves\nnone', 'The recorder answers.'];
+    'Last 30 minutes\nWithout an answer: 0 times, 0 s together.\nMobile network: 4 of 5 bars (24)\n',
+    'Platform server: Connected\n', 'Last saves\nnone', 'The recorder answers.'];
   for (const part of told) assert.ok(text.includes(part), `${part} in:\n${text}`);
 });
 

@@ -6,7 +6,7 @@ import {kPlots, readingOf, stopsOf} from '../../src/model/history';
 import {addWords, speak} from '../../src/words';
 import {en} from '../../src/words/en';
 import {login} from '../../src/words/en-login';
-import {readingText, silencesText, stopText, whenText} from '../../src/views/parts/traces';
+import {readingText, silencesText, stopText, summaryOf, whenText} from '../../src/views/parts/traces';
 
 addWords('en', {...login, ...en});
 speak('en');
@@ -38,4 +38,14 @@ test('a moment is told with what each line shows', () => {
 
 test('silences are counted and added up', () => {
   assert.equal(silencesText(stops), 'Without an answer: 2 times, 240 s together.');
+});
+
+test('what never changed is told as it is, as nothing was lost that was never there', () => {
+  const at = (minutes: number, cms: string, signal: string) => readingOf(now - minutes * kMinute,
+      {ucFD_CmsStatus: cms, ucFD_GB28181Status: '0', ucFD_GNetExist: '1', uiFD_GNetSignal: signal});
+  const told = kPlots.flatMap((plot) =>
+    summaryOf(plot, stopsOf([at(3, '1', '24'), at(2, '0', '12'), at(1, '1', '24')], now)));
+  for (const line of ['GB28181: Not connected', 'Platform server: lost 1 times.',
+    'Mobile network: 2 of 5 bars (12) to 4 of 5 bars (24).'])
+    assert.ok(told.includes(line), told.join('\n'));
 });

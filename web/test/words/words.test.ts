@@ -1,6 +1,7 @@
+import '../state/page';
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {preferred} from '../../src/words';
+import {preferred, sentences, speak} from '../../src/words';
 import {en} from '../../src/words/en';
 import {login as enLogin} from '../../src/words/en-login';
 import {settings as enSettings} from '../../src/words/en-settings';
@@ -30,4 +31,12 @@ test('the user’s choice of language goes first, then the recorder’s, then th
     ['xx', null, 'ZH', 'zh']];
   for (const [chosen, recorder, browser, language] of rows)
     assert.equal(preferred(chosen, recorder, browser), language);
+});
+
+test('sentences are parted by a space where their full stops bring none', () => {
+  speak('en');
+  assert.equal(sentences('One.', '', false, undefined, 'Two.'), 'One. Two.');
+  speak('zh');
+  assert.equal(sentences('一。', '二。'), '一。二。');
+  speak('en');
 });

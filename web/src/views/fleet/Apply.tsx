@@ -1,5 +1,6 @@
 // A template to this recorder, and line by line what it took.
 import {sectionOf, type Line, type Took} from '../../model/import';
+import {kNotTaken} from '../../model/runs';
 import {applyTemplate, noteUnchanged, restoreTemplate} from '../../state/fleet';
 import {settingName} from '../../state/names';
 import {get} from '../../state/store';
@@ -11,11 +12,11 @@ import {shown} from '../parts/FileRows';
 const kOrder: readonly Took[] = ['kept', 'other', 'absent', 'unknown', 'taken', 'same', 'left'];
 
 const Result = ({path, from, to, now, took}: Line) => <tr data-line={path} data-took={took}
-  class={`took-${took}`}>
+  class={kNotTaken.includes(took) ? 'wrong' : took === 'taken' ? '' : 'out'}>
   <th scope="row" title={path}>{sectionWords(sectionOf(path))} · {settingName(path)}</th>
   <td data-label={t('line.before')}>{shown(path, from)}</td>
   <td data-label={t('import.file')}>{shown(path, to)}</td>
-  <td data-label={t('import.now')}>{now === undefined ? t('took.unknown') : shown(path, now)}</td>
+  <td data-label={t('change.from')}>{now === undefined ? t('took.unknown') : shown(path, now)}</td>
   <td>{t(`took.${took}`)}</td>
 </tr>;
 
@@ -25,8 +26,8 @@ const Lines = ({lines}: {lines: Line[]}) => <>
     <table class="lines">
       <thead><tr>
         <th scope="col">{t('change.setting')}</th><th scope="col">{t('line.before')}</th>
-        <th scope="col">{t('import.file')}</th><th scope="col">{t('import.now')}</th>
-        <th scope="col">{t('line.took')}</th>
+        <th scope="col">{t('import.file')}</th><th scope="col">{t('change.from')}</th>
+        <th scope="col">{t('runs.end')}</th>
       </tr></thead>
       <tbody>{kOrder.map((took) => lines.filter((line) => line.took === took).map((line) =>
         <Result key={line.path} {...line} />))}</tbody>
@@ -36,7 +37,7 @@ const Lines = ({lines}: {lines: Line[]}) => <>
 
 export function Apply() {
   const {lines} = get().transfer;
-  return <FileCard id="apply" purpose="template" help="apply.help" choose="apply.choose"
+  return <FileCard id="apply" purpose="template" choose="apply.choose"
     go="apply.go" onChosen={noteUnchanged} onGo={applyTemplate} onRestore={restoreTemplate}>
     {lines.length > 0 && <Lines lines={lines} />}
   </FileCard>;

@@ -59,36 +59,42 @@ function Told() {
   const {chosen} = get().fleet;
   const apart = fields.filter((field) => chosen.has(field.path) && byHand(field)).length;
   return <>
-    <p>{t('template.count', {count: chosenSettings().length})}</p>
+    <p class="chosen">{t('template.count', {count: chosenSettings().length})}</p>
     {apart > 0 && <div class="notice" data-apart={apart}>
       <p>{t('template.apart', {count: apart})}</p></div>}
   </>;
 }
 
-export function Template() {
+function Chooser() {
   const [query, setQuery] = useState('');
-  const {fields, held, loading} = sectionState('all');
+  const {fields, held} = sectionState('all');
   const {name} = get().fleet;
   const all = fields.filter(transferable);
   const some = found(all, held, query);
-  if (!fields.length)
-    return loading.state === 'failed' ? <Failed id="all" /> : <Skeleton rows={4} />;
   const none = !chosenSettings().length;
-  return <Card id="template" title="section.template" icon="fleet" wide>
-    <p class="hint">{t('template.help')}</p>
+  return <>
     <Find id="find-template" count={some.length} all={all.length} query={query}
       onQuery={setQuery} />
     <div class="list"><Groups fields={some} query={query}
       row={(field) => <Row key={field.path} field={field} />}
       mark={(group) => <Mark {...group} />} /></div>
+    <Told />
     <div class="field"><label class="label" for="template-name">{t('template.name')}</label>
       <input id="template-name" value={name} maxLength={40} autoComplete="off"
         onInput={(event) => nameTemplate(event.currentTarget.value)} /></div>
-    <Told />
     <Saved />
     <div class="actions">
       <button type="button" class="main" aria-disabled={none || undefined}
         onClick={() => { if (!none) saveTemplate(offer); }}>{t('template.save')}</button>
     </div>
+  </>;
+}
+
+export function Template() {
+  const {fields, loading} = sectionState('all');
+  return <Card id="template" title="section.template" icon="fleet" wide>
+    <p class="hint">{t('template.help')}</p>
+    {fields.length ? <Chooser />
+      : loading.state === 'failed' ? <Failed id="all" /> : <Skeleton rows={4} />}
   </Card>;
 }

@@ -1,7 +1,7 @@
 // One line for the recorder's health, above everything that depends on it.
 import {retryNow} from '../../state/health';
 import {get} from '../../state/store';
-import {t} from '../../words';
+import {sentences, t} from '../../words';
 import {secondsSince, secondsUntil, useNow} from './hooks';
 import {Notice} from './Notice';
 
@@ -17,7 +17,7 @@ export function Banner() {
   return <div class="banner" data-health={health.state}>
     <Notice tone="bad" text={t(`health.${health.state}`)}>
       <p class="count" aria-hidden="true">
-        {since} {left > 0 ? t('health.retry', {seconds: left}) : t('health.asking')}
+        {sentences(since, left > 0 ? t('health.retry', {seconds: left}) : t('health.asking'))}
       </p>
       <button type="button" onClick={() => void retryNow()}>{t('health.now')}</button>
     </Notice>

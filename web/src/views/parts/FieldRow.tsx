@@ -5,7 +5,7 @@ import type {SectionId} from '../../model/sections';
 import {resolveConflict, type} from '../../state/editing';
 import {namesOf} from '../../state/labels';
 import {sectionState} from '../../state/store';
-import {t} from '../../words';
+import {sentences, t} from '../../words';
 import {Control} from './Control';
 import {display, idOf, labelOf, wordOf} from './words';
 
@@ -56,8 +56,7 @@ export function FieldRow({section, field, bare}: Props) {
   const id = idOf(path);
   const problem = state.problems[path];
   const conflict = state.conflicts[path];
-  const help = bare ? '' :
-    [field.help && t(field.help), limitText(section, field)].filter(Boolean).join(' ');
+  const help = !bare && sentences(field.help && t(field.help), limitText(section, field));
   const changed = path in state.typed;
   return <div class={`field ${field.kind}${changed ? ' changed' : ''}`} data-field={path}>
     {bare ? null : <label class="label" for={id}>{wordOf(field.label)}</label>}

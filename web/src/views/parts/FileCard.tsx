@@ -8,7 +8,6 @@ import {Icon} from './Icon';
 interface Props {
   id: 'import' | 'apply';
   purpose: Purpose;
-  help: WordKey;
   choose: WordKey;
   go: WordKey;
   onChosen?: () => void;
@@ -28,7 +27,7 @@ function Actions({go, onGo, onRestore}: Pick<Props, 'go' | 'onGo' | 'onRestore'>
   </div>;
 }
 
-function Opened({children, ...actions}: Omit<Props, 'id' | 'purpose' | 'help' | 'choose'>) {
+function Opened({children, ...actions}: Omit<Props, 'id' | 'purpose' | 'choose'>) {
   const {rows, foreign, end} = get().transfer;
   return <>
     {foreign && <div class="notice" data-foreign={foreign}>
@@ -40,12 +39,12 @@ function Opened({children, ...actions}: Omit<Props, 'id' | 'purpose' | 'help' | 
   </>;
 }
 
-export function FileCard({id, purpose, help, choose, onChosen, ...opened}: Props) {
+export function FileCard({id, purpose, choose, onChosen, ...opened}: Props) {
   const {name, purpose: whose} = get().transfer;
   const mine = whose === purpose;
   return <section class="card wide" data-section={id} aria-labelledby={`${id}-title`}>
     <h2 id={`${id}-title`}><Icon name="maintenance" />{t(`section.${id}`)}</h2>
-    <p class="hint">{t(help)}</p>
+    <p class="hint">{t('import.help')}</p>
     <PickFile purpose={purpose} button={choose} name={mine ? name : null} after={onChosen} />
     {mine && <Opened {...opened} />}
   </section>;

@@ -20,7 +20,7 @@ export const shown = (path: string, value: string | null) =>
 export const Held = ({rows}: {rows: ImportRow[]}) => <table class="changes">
   <thead><tr>
     <th scope="col">{t('change.setting')}</th>
-    <th scope="col">{t('import.file')}</th><th scope="col">{t('import.now')}</th>
+    <th scope="col">{t('import.file')}</th><th scope="col">{t('change.from')}</th>
   </tr></thead>
   <tbody>{rows.map(({path, from, to}) => <tr key={path} data-change={path}>
     <th scope="row" title={path}>{sectionWords(sectionOf(path))} · {settingName(path)}</th>
@@ -39,7 +39,7 @@ const Row = ({row}: {row: ImportRow}) => {
       {path === kSignInPassword && <span class="tag">{t('import.signIn')}</span>}
       {get().transfer.changed.includes(path) &&
         <span class="tag" data-changed={path}>{t('conflict.title')}</span>}</th>
-    <td data-label={t('import.now')}>{shown(path, from)}</td>
+    <td data-label={t('change.from')}>{shown(path, from)}</td>
     <td data-label={t('import.file')}>{shown(path, to)}</td>
   </tr>;
 };
@@ -63,11 +63,11 @@ function Group({name, rows}: {name: string; rows: ImportRow[]}) {
 export function Rows({rows}: {rows: ImportRow[]}) {
   const groups = [...new Set(rows.map(({path}) => sectionOf(path)))];
   return <div class="scroll" tabIndex={0} role="region" aria-label={t('change.setting')}>
-    <table class="changes">
+    <table class="changes lines rows">
       <thead><tr>
         <th scope="col"><span class="unseen">{t('import.take')}</span></th>
         <th scope="col">{t('change.setting')}</th>
-        <th scope="col">{t('import.now')}</th><th scope="col">{t('import.file')}</th>
+        <th scope="col">{t('change.from')}</th><th scope="col">{t('import.file')}</th>
       </tr></thead>
       {groups.map((name) => <Group key={name} name={name}
         rows={rows.filter(({path}) => sectionOf(path) === name)} />)}
@@ -76,23 +76,16 @@ export function Rows({rows}: {rows: ImportRow[]}) {
 }
 
 function errorText(error: TransferError): string {
-  switch (error.error) {
-    case 'read': return t('import.read');
-    case 'password':
-      return `${settingName(kSignInPassword)}: ${t(error.problem.key, error.problem.values)}`;
-    case 'char': return t('import.char', {char: error.char, name: settingName(error.name)});
-    case 'long': return t('import.long', {used: error.used});
-    case 'repeated': return t('import.repeated', {name: error.name});
-    case 'cut': case 'broken': return t(`import.${error.error}`, {line: error.line});
-    default: return t(`import.${error.error}` as WordKey);
-  }
+  if (error.error === 'password')
+    return `${settingName(kSignInPassword)}: ${t(error.problem.key, error.problem.values)}`;
+  const named = error.error === 'char' ? {...error, name: settingName(error.name)} : error;
+  return t(`import.${error.error}`, {...named});
 }
 
 export function Progress() {
   const {step, end, error, moving, changed} = get().transfer;
-  if (moving) return <NoteLine
-    note={{kind: moving.silent ? 'movedSilent' : 'moving', where: moving.where}} />;
   if (step) return <StepNote step={step} />;
+  if (moving) return <NoteLine note={{kind: 'movedSilent', where: moving.where}} />;
   if (error) return <Notice tone="bad" text={errorText(error)} />;
   if (changed.length)
     return <NoteLine note={{kind: 'conflict', rows: []}} />;

@@ -5,13 +5,9 @@ import {t} from '../../words';
 import {Notice} from './Notice';
 
 function reason(error: LabelsError): string {
-  switch (error.error) {
-    case 'json': return t('labels.json');
-    case 'long': return t('labels.long', {most: kMostBytes});
-    case 'setting': return t('labels.setting', {name: error.name});
-    case 'number': return t('labels.number', {...error, most: largestCode(error.name)});
-    case 'text': return t('labels.text', {...error, most: kMostText});
-  }
+  const most = error.error === 'long' ? kMostBytes
+    : error.error === 'number' ? largestCode(error.name) : kMostText;
+  return t(`labels.${error.error}`, {...error, most});
 }
 
 export function LabelsNotice() {

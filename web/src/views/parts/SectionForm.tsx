@@ -5,7 +5,7 @@ import {discard} from '../../state/editing';
 import {savePassword} from '../../state/password';
 import {readAgain} from '../../state/route';
 import {restoreFormer, saveSection} from '../../state/saving';
-import {get, sectionState, shownValues} from '../../state/store';
+import {get, isSilent, sectionState, shownValues} from '../../state/store';
 import {shownFields} from '../../state/reading';
 import {t, type WordKey} from '../../words';
 import {FieldRow} from './FieldRow';
@@ -14,7 +14,11 @@ import {Notice} from './Notice';
 import {NoteLine, StepNote} from './SectionNote';
 import {idOf} from './words';
 
+const Awaited = () => <Notice tone="info" text={t('load.waiting')} />;
+
+// Nothing comes from a silent recorder, so nothing looks as if it were coming.
 export function Skeleton({rows}: {rows: number}) {
+  if (isSilent()) return <Awaited />;
   return <div class="skeleton" role="status" aria-label={t('loading')}>
     {Array.from({length: rows}, (_, i) => <span key={i} />)}
   </div>;
@@ -24,7 +28,7 @@ export function Failed({id}: {id: SectionId}) {
   const {loading, fields} = sectionState(id);
   if (loading.state !== 'failed') return null;
   if (get().health.state !== 'answers')
-    return fields.length ? null : <Notice tone="info" text={t('load.waiting')} />;
+    return fields.length ? null : <Awaited />;
   const why = loading.why === 'dropped' || loading.why === 'refused' ? 'lost' : loading.why;
   return <Notice tone="bad" text={t(`load.${why}`)}>
     <button type="button" class="quiet" onClick={readAgain}>{t('again')}</button>
@@ -33,7 +37,8 @@ export function Failed({id}: {id: SectionId}) {
 
 async function saveAndShow(id: SectionId) {
   await (id === 'password' ? savePassword() : saveSection(id));
-  const [path] = Object.keys(sectionState(id).problems);
+  const {problems, conflicts} = sectionState(id);
+  const [path] = Object.keys({...problems, ...conflicts});
   const input = path && document.getElementById(idOf(path));
   if (input) input.focus();
 }
@@ -65,7 +70,7 @@ interface Props {
 
 export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
   const state = sectionState(id);
-  const {fields, loading} = state;
+  const {fields, loading, step, note} = state;
   const submit = (event: Event) => { event.preventDefault(); save(id); };
   return <section class={`card${wide ? ' wide' : ''}`} data-section={id}
     aria-labelledby={`${id}-title`}>
@@ -79,8 +84,8 @@ export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
           {layout ? layout() : shownFields(state, shownValues(state)).map((field) =>
             <FieldRow key={field.path} section={id} field={field} />)}
         </div>
-        <div class={`foot${state.step || Object.keys(state.typed).length ? ' waits' : ''}`}>
-          {state.step ? <StepNote step={state.step} /> : <NoteLine note={state.note} />}
+        <div class="foot">
+          {step ? <StepNote step={step} /> : <NoteLine note={note} />}
           <Actions id={id} />
         </div>
       </form>}

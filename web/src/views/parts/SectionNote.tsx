@@ -1,7 +1,7 @@
 // The status below a form: the step of a save, its result, other events.
 import type {SaveEnd} from '../../model/save';
 import type {Known, Note, SectionState, Step} from '../../state/store';
-import {t} from '../../words';
+import {sentences, t} from '../../words';
 import {ChangeTable} from './ChangeTable';
 import {secondsSince, useNow} from './hooks';
 import {Notice, type Tone} from './Notice';
@@ -17,7 +17,7 @@ export function StepNote({step}: {step: NonNullable<SectionState['step']>}) {
   const number = kSteps.indexOf(step.name) + 1;
   const count = number ? t('step.count', {number, of: kSteps.length}) : '';
   const since = seconds ? t('step.seconds', {seconds}) : '';
-  return <Notice tone="busy" text={[count, t(`step.${name}`), since].filter(Boolean).join(' ')}>
+  return <Notice tone="busy" text={sentences(count, t(`step.${name}`, {where: step.where || ''}), since)}>
     <progress aria-label={t('step.progress')} max={kSteps.length} value={number || undefined} />
   </Notice>;
 }
@@ -26,31 +26,32 @@ const kTold = new Set<SaveEnd>(['applied', 'partly', 'unchanged', 'refused', 'mo
 
 export function endText({end, known}: {end: SaveEnd; known: Known}): string {
   if (kTold.has(end)) return t(`end.${end}`);
-  if (known !== 'unsent') return `${t(`end.${end}`)} ${t(`known.${known}`)}`;
+  if (known !== 'unsent') return sentences(t(`end.${end}`), t(`known.${known}`));
   const why = end === 'deviceSilent' || end === 'serviceSilent' ? end : 'lost';
-  return `${t(`load.${why}`)} ${t('known.unsent')}`;
+  return sentences(t(`load.${why}`), t('note.unsent'));
 }
+
+const kPlain = {invalid: 'bad', conflict: 'warn', draft: 'info', arrived: 'good', kept: 'bad',
+  unsent: 'info'} as const;
 
 export function NoteLine({note}: {note: Note | null}) {
   if (!note) return <Notice />;
   switch (note.kind) {
     case 'end':
       return <Notice tone={kTones[note.end] || 'bad'} name={note.end} text={endText(note)}>
-        {note.rows.length > 0 && <ChangeTable rows={note.rows} />}
+        {note.rows.length > 0 &&
+          <ChangeTable rows={note.rows} from="change.to" to="change.from" />}
       </Notice>;
     case 'elsewhere':
       return <Notice tone="warn" name={note.kind} text={t('note.elsewhere')}>
-        <ChangeTable rows={note.rows} /><p>{t('note.elsewhereNext')}</p>
+        <ChangeTable rows={note.rows} from="line.before" to="change.from" />
+        <p>{t('note.elsewhereNext')}</p>
       </Notice>;
-    case 'moving':
-      return <Notice tone="busy" text={t('note.moving', {where: note.where})} />;
     case 'movedSilent':
       return <Notice tone="warn" name={note.kind} text={t('note.movedSilent')}>
         <a href={note.where}>{note.where}</a>
       </Notice>;
-    case 'invalid': return <Notice tone="bad" name={note.kind} text={t('note.invalid')} />;
-    case 'conflict': return <Notice tone="warn" name={note.kind} text={t('note.conflict')} />;
-    case 'draft': return <Notice tone="info" name={note.kind} text={t('note.draft')} />;
-    case 'arrived': return <Notice tone="good" name={note.kind} text={t('note.arrived')} />;
+    default:
+      return <Notice tone={kPlain[note.kind]} name={note.kind} text={t(`note.${note.kind}`)} />;
   }
 }

@@ -30,7 +30,7 @@ function head(): string[] {
   const {userAgent, language} = navigator;
   return [
     t('report.title', {time: clockText(now), utc: now.toISOString()}),
-    line(t('report.pages'), t('report.build', {origin: location.origin, build: ownBuild()})),
+    line(t('nav'), t('report.build', {origin: location.origin, build: ownBuild()})),
     line(t('report.browser'), `${userAgent}, ${language}, ${innerWidth} x ${innerHeight}`),
     healthText(get().health),
   ];

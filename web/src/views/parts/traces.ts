@@ -30,9 +30,10 @@ export function summaryOf({id, rows}: Plot, stops: readonly Stop[]): string[] {
     const range = rangeOf(line, stops);
     const name = t(line.label);
     if (!range) continue;
-    if (id === 'links') texts.push(t('history.falls', {name, count: range.falls}));
-    else texts.push(t('history.range',
-        {name, least: textOf(range.least), most: textOf(range.most)}));
+    const [least, most] = [textOf(range.least), textOf(range.most)];
+    if (least === most) texts.push(`${name}: ${most}`);
+    else if (id === 'links') texts.push(t('history.falls', {name, count: range.falls}));
+    else texts.push(t('history.range', {name, least, most}));
   }
   return texts;
 }

@@ -33,8 +33,8 @@ function Section({group, open, drawn, row, mark, onToggle, onMore}: SectionProps
   return <section class="group" data-group={name}>
     <div class="fold">
       <h3><button type="button" aria-expanded={open} onClick={onToggle}>
-        <span>{sectionWords(name)}</span> <code>{name}</code>
-        <span class="hint">{fields.length}</span>
+        <span>{sectionWords(name)}</span> <span class="raw"><code>{name}</code>
+          <span class="hint">{fields.length}</span></span>
       </button></h3>
       {mark(group)}
     </div>
