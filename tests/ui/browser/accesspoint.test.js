@@ -51,6 +51,7 @@ const kNetworks = [
     'WIFI:T:WPA;S:a\\;b\\,c\\:d\\"e\\\\f;P:\\\\\\"\\;\\,\\:\'<&%+ ;;'],
   ['公交车队-0123', '密码;12345', 'WIFI:T:WPA;S:公交车队-0123;P:密码\\;12345;;'],
   ['open', '', 'WIFI:T:nopass;S:open;;'],
+  ['short', 'seven77', 'WIFI:T:WPA;S:short;P:seven77;;'],
   ['n'.repeat(31), '"'.repeat(31), `WIFI:T:WPA;S:${'n'.repeat(31)};P:${'\\"'.repeat(31)};;`],
 ];
 
@@ -64,6 +65,7 @@ test('a decoder reads what the form holds, keystroke by keystroke', async () => 
     assert.equal(await seen(), text, name);
     assert.equal(await hint('open').count(), password ? 0 : 1);
     assert.equal(await hint('letters').count(), /^[ -~]*$/.test(name) ? 0 : 1, name);
+    assert.equal(await hint('short').count(), /^.{1,7}$/.test(password) ? 1 : 0, password);
   }
 });
 

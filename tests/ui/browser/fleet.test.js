@@ -93,6 +93,7 @@ test('another recorder gets what it lacks; each line says what it took', async (
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'CMNET');
   assert.deepEqual(await runs(), []);
   assert.equal(await apply(), 'applied');
+  assert.equal(await page.evaluate(() => document.activeElement.type), 'file');
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'fleet');
   assert.equal(rig.setting('stWifi', 'strFD_Passwd'), 'geheim');
   assert.deepEqual([await took(kApn), await took('stMobileGNet/strFD_PhoneNo')], ['taken', 'same']);

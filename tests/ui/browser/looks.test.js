@@ -89,6 +89,18 @@ test('at 200 % nothing is lost', async () => {
   await page.context().close();
 });
 
+test('letters half as large again fit a phone', async () => {
+  const page = await rig.enter({size: kPhone});
+  await page.evaluate(() => { document.documentElement.style.fontSize = '24px'; });
+  const wrong = [];
+  for (const name of kPages) {
+    await go(page, name);
+    wrong.push(...(await misfits(page)).map((text) => `${name}: ${text}`));
+  }
+  assert.deepEqual(wrong, []);
+  await page.context().close();
+});
+
 test('the menu shows all its entries on a phone', async () => {
   const page = await rig.enter({size: kPhone});
   const boxes = await page.locator('nav a').evaluateAll((links) =>

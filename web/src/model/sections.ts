@@ -164,7 +164,7 @@ export const kSections: readonly Section[] = [
       const wire = (name: string) => name === held ? {wire: 'strFD_Address'} : {};
       return [
         {path: `${cms}ucFD_AddressType`, wire: 'ucFD_AddressType', kind: 'choice',
-          label: 'addressType', options: [['0', 'addressType.0'], [type, 'addressType.1']]},
+          label: 'addressType', options: [['0', 'localIp'], [type, 'addressType.1']]},
         address(`${cms}uiFD_IP`, 'serverIp', {when: byAddress, needed: true,
           ...wire('uiFD_IP')}),
         {path: `${cms}strFD_Domain`, kind: 'host', label: 'serverDomain', bytes: 63, least: 1,

@@ -26,6 +26,7 @@ function Picture({name, password}: {name: string; password: string}) {
   </svg>;
 }
 
+const kLeast = 8;  // letters of a password, for a phone
 const kPaths = [kApName, kApPassword];
 
 function Hints({name, password}: {name: string; password: string}) {
@@ -33,6 +34,7 @@ function Hints({name, password}: {name: string; password: string}) {
   return <>
     {Object.keys(typed).length > 0 && <p class="hint" data-hint="unsaved">{t('ap.unsaved')}</p>}
     {!password && <p class="hint" data-hint="open">{t('ap.open')}</p>}
+    {password && password.length < kLeast && <p class="hint" data-hint="short">{t('ap.short')}</p>}
     {/[^ -~]/.test(name) && <p class="hint" data-hint="letters">{t('ap.letters')}</p>}
   </>;
 }

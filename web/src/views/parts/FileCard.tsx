@@ -2,8 +2,8 @@
 import type {ComponentChildren} from 'preact';
 import {get, type Purpose} from '../../state/store';
 import {t, type WordKey} from '../../words';
+import {Card} from './Card';
 import {Held, Pick as PickFile, Progress, Rows} from './FileRows';
-import {Icon} from './Icon';
 
 interface Props {
   id: 'import' | 'apply';
@@ -39,13 +39,20 @@ function Opened({children, ...actions}: Omit<Props, 'id' | 'purpose' | 'choose'>
   </>;
 }
 
-export function FileCard({id, purpose, choose, onChosen, ...opened}: Props) {
+// The button that was pressed may be gone: how it ended stands below the choice of a file.
+async function thenBack(id: string, work: () => Promise<void>) {
+  await work();
+  const input = document.querySelector<HTMLElement>(`[data-section=${id}] input`);
+  if (input && document.activeElement === document.body) input.focus();
+}
+
+export function FileCard({id, purpose, choose, onChosen, onGo, onRestore, ...opened}: Props) {
   const {name, purpose: whose} = get().transfer;
   const mine = whose === purpose;
-  return <section class="card wide" data-section={id} aria-labelledby={`${id}-title`}>
-    <h2 id={`${id}-title`}><Icon name="maintenance" />{t(`section.${id}`)}</h2>
+  return <Card id={id} title={`section.${id}` as const} icon="maintenance" wide>
     <p class="hint">{t('import.help')}</p>
     <PickFile purpose={purpose} button={choose} name={mine ? name : null} after={onChosen} />
-    {mine && <Opened {...opened} />}
-  </section>;
+    {mine && <Opened {...opened} onGo={() => thenBack(id, onGo)}
+      onRestore={() => thenBack(id, onRestore)} />}
+  </Card>;
 }

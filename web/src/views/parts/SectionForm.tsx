@@ -8,8 +8,9 @@ import {restoreFormer, saveSection} from '../../state/saving';
 import {get, isSilent, sectionState, shownValues} from '../../state/store';
 import {shownFields} from '../../state/reading';
 import {t, type WordKey} from '../../words';
+import {Card} from './Card';
 import {FieldRow} from './FieldRow';
-import {Icon, type IconName} from './Icon';
+import type {IconName} from './Icon';
 import {Notice} from './Notice';
 import {NoteLine, StepNote} from './SectionNote';
 import {idOf} from './words';
@@ -72,9 +73,7 @@ export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
   const state = sectionState(id);
   const {fields, loading, step, note} = state;
   const submit = (event: Event) => { event.preventDefault(); save(id); };
-  return <section class={`card${wide ? ' wide' : ''}`} data-section={id}
-    aria-labelledby={`${id}-title`}>
-    <h2 id={`${id}-title`}><Icon name={icon} />{t(sectionById(id).title)}</h2>
+  return <Card id={id} title={sectionById(id).title} icon={icon} wide={wide}>
     {help && <p class="hint">{t(help)}</p>}
     {loading.state === 'waiting' && !fields.length && <Skeleton rows={rows} />}
     {loading.state === 'failed' && <Failed id={id} />}
@@ -89,5 +88,5 @@ export function SectionForm({id, icon, help, rows = 3, layout, wide}: Props) {
           <Actions id={id} />
         </div>
       </form>}
-  </section>;
+  </Card>;
 }
