@@ -20,7 +20,7 @@ all_targets() {
 configure_and_build() {
   # Optimised for debugging and with assertions: an assertion that input can reach is a finding.
   cmake -S "$root" -B "$build" -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
-    -DCMAKE_BUILD_TYPE=Fuzz -DCMAKE_C_FLAGS_FUZZ="-O1 -g" -DCMAKE_CXX_FLAGS_FUZZ="-O1 -g" \
+    -DCMAKE_BUILD_TYPE=Fuzz -DCMAKE_C_FLAGS_FUZZ="-O1 -g1" -DCMAKE_CXX_FLAGS_FUZZ="-O1 -g1" \
     -DWEBCTRL_BUILD_FUZZ=ON -DWEBCTRL_BUILD_TESTS=OFF &&
     cmake --build "$build" -j "$(nproc)" --target "${targets[@]/#/fuzz_}"
 }
@@ -38,6 +38,7 @@ run_target() {
   else
     record failed "$name"
     say "$name: FOUND SOMETHING, see $log: $(grep -m 1 -E 'ERROR|SUMMARY' "$log" || true)" >&2
+    grep '^Base64:' "$log" >&2 || true  # the input, where only what was printed is kept
     return 1
   fi
 }

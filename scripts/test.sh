@@ -135,9 +135,11 @@ done
 cd "$root"
 rm -rf "$results"
 mkdir -p "$results"
+ended=0
 if [ $# -gt 0 ]; then
   run_stages "$@" || true
 else
-  run_all
+  run_all || ended=$?  # a lane that was killed has told of no failure
 fi
 scripts/results/summary.sh "$results" $SECONDS "$allowed"
+exit $ended

@@ -57,8 +57,6 @@ def test_presets_of_the_commands_exist():
 
 
 def test_stages_are_those_of_the_script():
-    script = read("scripts/test.sh")
-    stages, by_hand = (re.search(rf'^{name}="(.+)"$', script, re.M)[1].split()
-                       for name in ("stages", "by_hand"))  # fmt: skip
+    stages = re.findall(r"^stage_(\w+)\(\)", read("scripts/test.sh"), re.M)
     told = re.search(r"runs single\s+stages: (.+?)\.\n", read("README.md"), re.S)[1]
-    assert re.findall(r"`(\w+)`", told)[: len(stages) + 1] == [*stages, *by_hand]
+    assert sorted(re.findall(r"`(\w+)`", told)[: len(stages)]) == sorted(stages)
