@@ -1,4 +1,4 @@
-import {answers, bodies, local, session, signedIn} from './page';
+import {bodies, local, session, signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById} from '../../src/model/sections';
@@ -29,13 +29,10 @@ const template = (apn: string, phone: string) =>
 
 beforeEach(async () => {
   resetStore();
-  signedIn();
-  bodies.length = 0;
   local.removeItem('fleet.runs');
   held = {Apn: 'CMNET', PhoneNo: '*99#'};
   takes = ['Apn', 'PhoneNo'];
-  Object.assign(answers, {
-    'page.css': '', 'favicon.svg': '',
+  signedInTo({
     export_CfgFile: () => `{ "strFD_CfgPara": "${config()}", "result": 1 }`,
     import_CfgFile: () => {
       const text = decodeURIComponent(bodies[bodies.length - 1] || '');

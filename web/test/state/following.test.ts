@@ -1,4 +1,4 @@
-import {answers, bodies, moves, signedIn} from './page';
+import {signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById} from '../../src/model/sections';
@@ -18,11 +18,8 @@ const config = () => `<VariCfgSec><stLocalEth0 uiFD_LocalIp="192.168.1.88"/>` +
 
 beforeEach(() => {
   resetStore();
-  signedIn();
   apn = 'CMNET';
-  for (const list of [bodies, moves]) list.length = 0;
-  Object.assign(answers, {
-    'page.css': '', 'favicon.svg': '',
+  signedInTo({
     get_LocalNetInfo: '{ "strFD_LocalIp": "192.168.1.88", "strFD_NetMask": "255.255.255.0", ' +
         '"strFD_GateWay": "0.0.0.0", "strFD_Mac": "", "result": 1 }',
     set_LocalNetInfo: '{"result": 0 }',

@@ -54,3 +54,11 @@ Object.assign(globalThis, {
 Object.defineProperty(globalThis, 'navigator', {value: {language: 'en-GB'}, configurable: true});
 
 export const signedIn = () => { cookie.value = `jsession=${'a'.repeat(32)}`; };
+
+// Where most tests begin: signed in, nothing asked yet, and a recorder with these answers and the
+// files that every page needs.
+export function signedInTo(recorder: typeof answers) {
+  signedIn();
+  for (const list of [asked, bodies, moves]) list.length = 0;
+  Object.assign(answers, {'page.css': '', 'favicon.svg': ''}, recorder);
+}

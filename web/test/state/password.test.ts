@@ -1,4 +1,4 @@
-import {answers, asked, bodies, cookie, local, moves, session, signedIn} from './page';
+import {bodies, cookie, local, moves, session, signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById} from '../../src/model/sections';
@@ -13,11 +13,8 @@ let held = 'admin123';
 
 beforeEach(async () => {
   resetStore();
-  signedIn();
   held = 'admin123';
-  for (const list of [asked, bodies]) list.length = 0;
-  Object.assign(answers, {
-    'page.css': '', 'favicon.svg': '',
+  signedInTo({
     get_UserSecurity: () => `{ "strAdminPasswd": "${held}", "strNormalPasswd": "" , "result": 1 }`,
     set_UserSecurity: () => {
       held = 'geheim&1';

@@ -1,4 +1,4 @@
-import {answers, asked, bodies, cookie, moves, signedIn} from './page';
+import {answers, bodies, cookie, moves, signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {loadLock, resetLock} from '../../src/state/passwordLock';
@@ -8,11 +8,8 @@ let count = 5;
 
 beforeEach(async () => {
   resetStore();
-  signedIn();
   count = 5;
-  for (const list of [asked, bodies, moves]) list.length = 0;
-  Object.assign(answers, {
-    'page.css': '', 'favicon.svg': '',
+  signedInTo({
     get_LockOfPassword: () => `{ "ucFD_ErrorCount": "${count}", "time": "10" , "result": 1 }`,
     set_LockOfPassword: () => {
       count = 0;

@@ -1,4 +1,4 @@
-import {answers, bodies, signedIn} from './page';
+import {bodies, signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {answerDialog} from '../../src/state/dialog';
@@ -13,11 +13,8 @@ const config = () => `<VariCfgSec><stBaseInfo strFD_DeviceNo="${held.get('no')}"
 
 beforeEach(() => {
   resetStore();
-  signedIn();
-  bodies.length = 0;
   held = new Map([['no', '80012345'], ['apn', 'CMNET']]);
-  Object.assign(answers, {
-    'page.css': '', 'favicon.svg': '',
+  signedInTo({
     export_CfgFile: () => `{ "strFD_CfgPara": "${config()}", "result": 1 }`,
     import_CfgFile: () => {
       const text = decodeURIComponent(bodies[bodies.length - 1] || '');
