@@ -60,3 +60,15 @@ def test_stages_are_those_of_the_script():
     stages = re.findall(r"^stage_(\w+)\(\)", read("scripts/test.sh"), re.M)
     told = re.search(r"runs single\s+stages: (.+?)\.\n", read("README.md"), re.S)[1]
     assert sorted(re.findall(r"`(\w+)`", told)[: len(stages)]) == sorted(stages)
+
+
+def figures(text):
+    rows = [[cell.strip() for cell in line.split("|")[1:-1]] for line in text.split("\n")]
+    return {row[0]: row[1:] for row in rows if len(row) > 3 and row[1][-3:].isdigit()}
+
+
+def test_figures_of_the_readme_are_the_measured_ones():
+    told = figures(read("README.md").partition("## Speed")[2])
+    measured = figures(read("docs/speed.md"))
+    assert len(told) == 7
+    assert {name: [row[0], *row[3:5]] for name, row in measured.items() if name in told} == told
