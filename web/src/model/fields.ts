@@ -1,8 +1,12 @@
 // A setting as data: where the recorder keeps it, which values it allows, what it is called.
+import type {Settings} from '../recorder/config';
 import type {WordKey} from '../words';
 
 // Texts by path, as the recorder has them. A missing path is unknown.
 export type Values = Record<string, string>;
+
+// What was read for a section: the endpoint's values, the whole configuration where it needs it.
+export interface Read { reply: Values; settings: Settings | null }
 
 // A word of the pages, or one that is made from the setting's name.
 export type Label = WordKey | (() => string);

@@ -1,7 +1,6 @@
 // GB28181: the flags byte as a switch and a stream type, and the IDs of each channel. The set
 // endpoint writes the IDs of eight channels and knows those of one, so changes are imported.
-import {code, isOn, onOff, port, secret, text, type Field, type Values} from './fields';
-import type {Read} from './sections';
+import {code, isOn, onOff, port, secret, text, type Field, type Read, type Values} from './fields';
 import type {WordKey} from '../words';
 
 const kSection = 'stGB28181/';

@@ -2,8 +2,7 @@
 // would overwrite values that it does not know, the section is saved by an import of the changes.
 import {gbFields, gbValues, gbWanted} from './gb28181';
 import {address, bitRate, code, frameRate, netmask, onOff, port, secret, text, type Field,
-  type Values} from './fields';
-import type {Settings} from '../recorder/config';
+  type Read, type Values} from './fields';
 import type {Query} from '../recorder/replies';
 import type {WordKey} from '../words';
 
@@ -12,9 +11,6 @@ export type PageId =
     | 'settings' | 'fleet';
 export type SectionId = 'base' | 'language' | 'cameras' | 'subStream' | 'wifi' | 'mobile'
     | 'localEth0' | 'netMode' | 'server' | 'gb28181' | 'password' | 'all';
-
-// What was read for a section: the endpoint's values, the whole configuration where it needs it.
-export interface Read { reply: Values; settings: Settings | null }
 
 export interface Section {
   id: SectionId;

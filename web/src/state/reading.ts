@@ -1,7 +1,7 @@
 // Reads the sections of a page. Sections that need the whole configuration share one read.
-import {applies, type Values} from '../model/fields';
+import {applies, type Read, type Values} from '../model/fields';
 import {merge} from '../model/merge';
-import {readOn, valuesOf, type PageId, type Read, type Section} from '../model/sections';
+import {readOn, valuesOf, type PageId, type Section} from '../model/sections';
 import {fetchConfig, type Settings} from '../recorder/config';
 import {Fault, kindOf} from '../recorder/fault';
 import {query, type Turn} from '../recorder/wire';

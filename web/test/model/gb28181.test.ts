@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
 import {gbFields, idPath} from '../../src/model/gb28181';
-import type {Read} from '../../src/model/sections';
+import type {Read} from '../../src/model/fields';
 
 const read = (settings: [string, string][] | null, count = ''): Read =>
   ({reply: {iVideoChnCount: count}, settings: settings && new Map(settings)} as Read);

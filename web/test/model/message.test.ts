@@ -1,9 +1,9 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
+import type {Read, Values} from '../../src/model/fields';
 import {kGbEnable, kGbStream} from '../../src/model/gb28181';
 import {messageFor} from '../../src/model/message';
-import {kSections, valuesOf, type Read, type SectionId} from '../../src/model/sections';
-import type {Values} from '../../src/model/fields';
+import {kSections, valuesOf, type SectionId} from '../../src/model/sections';
 import {printMessage} from '../../src/recorder/config';
 
 // What is sent when `typed` is changed in a section that was read with these values.

@@ -2,7 +2,8 @@
 // alone. A record's text field reserves one byte for its terminator.
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {kSections, type Read} from '../../src/model/sections';
+import type {Read} from '../../src/model/fields';
+import {kSections} from '../../src/model/sections';
 import {kReplies} from '../../src/recorder/replies';
 import {readRecords, type Member} from './daemon';
 

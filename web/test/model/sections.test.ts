@@ -1,6 +1,7 @@
 import assert from 'node:assert/strict';
 import test from 'node:test';
-import {kSections, valuesOf, type Read, type Section} from '../../src/model/sections';
+import type {Read} from '../../src/model/fields';
+import {kSections, valuesOf, type Section} from '../../src/model/sections';
 import {readReply} from '../../src/recorder/replies';
 
 const sectionOf = (id: Section['id']) => kSections.find((section) => section.id === id)!;
