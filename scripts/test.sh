@@ -99,10 +99,21 @@ run_stages() {
   done
 }
 
-# Calls itself, so that Ctrl-C ends both lanes: what a script puts in the background ignores it.
+# Calls itself, so that Ctrl-C ends both lanes: what a script puts in the background ignores it. When
+# a lane is killed, xargs would not wait for the other one; and what it left out has failed.
 run_all() {
   run_stages deps build || return 0
-  printf '%s\0' "$waiting" "$computing" | xargs -0 -n 1 -P 2 "$self_path" --lane
+  # shellcheck disable=SC2016  # for the inner shell
+  printf '%s\0' "$waiting" "$computing" |
+    xargs -0 -n 1 -P 2 sh -c '"$0" --lane "$1" || exit 1' "$self_path" || true
+  for stage in $waiting $computing; do
+    grep -q "^$stage " "$results/stages" || not_ended
+  done
+}
+
+not_ended() {
+  WEBCTRL_RESULTS=$results/$stage.tsv record failed "$stage"
+  echo "$stage FAILED 0" >>"$results/stages"
 }
 
 # One lane of run_all. Two stages do not print at a time.
@@ -135,11 +146,9 @@ done
 cd "$root"
 rm -rf "$results"
 mkdir -p "$results"
-ended=0
 if [ $# -gt 0 ]; then
   run_stages "$@" || true
 else
-  run_all || ended=$?  # a lane that was killed has told of no failure
+  run_all
 fi
 scripts/results/summary.sh "$results" $SECONDS "$allowed"
-exit $ended
