@@ -92,6 +92,40 @@ check_deference() {
 
 daemons() { pgrep -c -f "$1" || true; }
 
+# start_with <folder of /tmp/race> <script>: a start that first finds the programs there.
+start_with() {
+  # shellcheck disable=SC2016  # for the inner shell
+  inside sh -c 'PATH=/tmp/race/$1:$PATH exec "$0" start' "$2" "$1"
+}
+
+# Two starts find the lock of a script that was killed. What one is about to remove, the other leaves
+# alone: by then it could be the lock of a third.
+race() {
+  local places=$top/tmp/race lock starts=()
+  lock=$top$(inside readlink -f /var/run)/webctrl.lock
+  mkdir -p "$places/one" "$places/other"
+  cat >"$places/one/rm" <<'END'
+#!/bin/sh
+: >/tmp/race/removes
+until [ -e /tmp/race/seen ]; do /bin/sleep 0.1; done
+exec /bin/rm "$@"
+END
+  printf '#!/bin/sh\n: >/tmp/race/waits\nexec /bin/sleep "$@"\n' >"$places/other/sleep"
+  chmod 755 "$places/one/rm" "$places/other/sleep"
+  ln -s 999999 "$lock"
+  start_with one "$1" &
+  starts+=($!)
+  wait_until "a start that removes a stale lock" [ -e "$places/removes" ]
+  start_with other "$1" &
+  starts+=($!)
+  wait_until "another start that waits" [ -e "$places/waits" ]
+  [ "$(readlink "$lock")" = 999999 ] || fail "two starts remove the same lock"
+  : >"$places/seen"
+  wait "${starts[0]}"
+  wait "${starts[1]}"
+  rm -r "$places"
+}
+
 # check_script <script> <how a daemon's command line looks>
 check_script() {
   local script=$1 daemon=$2
@@ -102,10 +136,7 @@ check_script() {
   [ "$(daemons "$daemon")" = 1 ] || fail "more than one daemon after the supervisor's death"
   inside "$script" stop
   silent || fail "still there after a stop"
-  ln -s 999999 "$top$(inside readlink -f /var/run)/webctrl.lock" # of a script that was killed
-  inside "$script" start &
-  inside "$script" start
-  wait $!
+  race "$script"
   expect_new_service "after two starts at a time"
   [ "$(daemons "$daemon")" = 1 ] || fail "more than one daemon after two starts"
   pkill -9 -f 'webctrl supervise -'
