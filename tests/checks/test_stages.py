@@ -73,6 +73,11 @@ def test_a_failed_stage_of_some_fails_them(project, stages):
     assert (status, rows) == (1, {"format": "passed", "fuzz": "FAILED", "all": "FAILED"}), told
 
 
+def test_quick_runs_tests_when_it_is_named(project):
+    status, told, rows = run(project, {"test": FAILS}, "quick")
+    assert (status, rows) == (1, {"quick": "FAILED", "all": "FAILED"}), told
+
+
 @pytest.mark.parametrize("allowed, status", [("", 1), ("fuzz moon no sun", 1), ("fuzz moon no moon", 0)])
 def test_a_skipped_test_must_be_on_the_list(project, allowed, status):
     listed = project / "may-skip"

@@ -59,7 +59,7 @@ def test_presets_of_the_commands_exist():
 def test_stages_are_those_of_the_script():
     stages = re.findall(r"^stage_(\w+)\(\)", read("scripts/test.sh"), re.M)
     told = re.search(r"runs single\s+stages: (.+?)\.\n", read("README.md"), re.S)[1]
-    assert sorted(re.findall(r"`(\w+)`", told)[: len(stages)]) == sorted(stages)
+    assert set(re.findall(r"`(\w+)`", told)) == set(stages)
 
 
 def figures(text):
