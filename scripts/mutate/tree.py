@@ -85,7 +85,8 @@ def lay_out():
     for path in filter(None, listed.stdout.split("\0")):
         if os.path.isfile(os.path.join(ROOT, path)):
             os.makedirs(os.path.dirname(os.path.join(TREE, path)), exist_ok=True)
-            shutil.copy2(os.path.join(ROOT, path), os.path.join(TREE, path))
+            # With new times: what a former run has built could hold its last fault.
+            shutil.copy(os.path.join(ROOT, path), os.path.join(TREE, path))
     for modules in (".deps", "web/node_modules"):
         if os.path.isdir(os.path.join(ROOT, modules)):
             os.symlink(os.path.join(ROOT, modules), os.path.join(TREE, modules))
