@@ -46,6 +46,9 @@ TEST(Select, JudgesConditionsInTheOrderOfHttp) {
       {"If-None-Match: \"a\r\n", "200 0+20"},
       {"If-None-Match: a\", \"a\"\r\n", "200 0+20"},
       {"If-None-Match: \"A\"\r\n", "200 0+20"},
+      // Behind a field of one letter.
+      {"A: b\r\nIf-None-Match: \"a\"\r\n", "304"},
+      {"A: b\r\nIf-Modified-Since: Tue, 01 Mar 2016 00:00:00 GMT\r\n", "304"},
       {"If-Modified-Since: Tue, 01 Mar 2016 00:00:00 GMT\r\n", "304"},
       {"If-Modified-Since: Tue, 01 Mar 2016 00:00:01 GMT\r\n", "304"},
       {"If-Modified-Since: Mon, 29 Feb 2016 23:59:59 GMT\r\n", "200 0+20"},

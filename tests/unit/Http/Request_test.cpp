@@ -66,6 +66,17 @@ TEST(Request, TakesWholeRequestsOfEveryKind) {
   }
 }
 
+TEST(Request, KeepsAsManyFieldsAsItMayHave) {
+  std::string strBytes = "GET / HTTP/1.1\r\n", strFields;
+  for (size_t i = 0; i < kMaxFieldLines; ++i) {
+    const std::string strName = "Name" + std::to_string(i), strValue = std::to_string(i * i);
+    strBytes += strName + ": " + strValue + "\r\n";
+    strFields += "{" + strName + "=" + strValue + "}";
+  }
+  strBytes += "\r\n";
+  EXPECT_EQ(AllOf(strBytes) + "GET / - HTTP/1.1 " + strFields + " -;", Read(strBytes));
+}
+
 TEST(Request, FreesABodyOfItsChunks) {
   const struct {
     const char* pszBody;
