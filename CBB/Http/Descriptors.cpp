@@ -51,6 +51,7 @@ void GuardOutput(int nFd) {
 
 void GuardStdStreams() {
   signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);
   OpenClosedStreams();
   GuardOutput(STDOUT_FILENO);
   GuardOutput(STDERR_FILENO);

@@ -7,8 +7,9 @@
 //   a pipe        loses text when it is full instead of blocking the writer
 //   a socket      the same
 //   a terminal    left alone: stopping its output is meant to stop the writer
-// When the reader is gone a write fails instead of ending the process. The mode of a socket, and of
-// a pipe that cannot be reopened, changes for every process that shares it.
+// When the reader is gone, or a file may not grow any more, a write fails instead of ending the
+// process. The mode of a socket, and of a pipe that cannot be reopened, changes for every process
+// that shares it.
 void GuardStdStreams();
 
 // How many descriptors the process may open: its limit, or INT_MAX if that is lower.

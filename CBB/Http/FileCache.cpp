@@ -65,7 +65,6 @@ bool ReadForm(int nFd, const char* pszForm, stForm& form) {
     if (fstat(nFd, &form.stat) != 0) return false;
     form.strModified = MakeDate(form.stat.st_mtime);
     form.pText = nullptr;
-    form.pLent = nullptr;
     form.strTag = MakeTag(form, pszForm);
     if (form.stat.st_size > static_cast<off_t>(kMaxCachedFile)) return true;
     auto pText = std::make_shared<std::string>(static_cast<size_t>(form.stat.st_size), '\0');
@@ -73,8 +72,6 @@ bool ReadForm(int nFd, const char* pszForm, stForm& form) {
     if (!ReadAll(nFd, *pText) || fstat(nFd, &after) != 0 || !IsSame(form.stat, after)) continue;
     form.pText = std::move(pText);
     form.strTag = MakeTag(form, pszForm);
-    if (form.pText->size() >= kLentFrom) form.pLent = CLentText::Make(*form.pText);
-    if (form.pLent != nullptr) form.pText = nullptr;
     return true;
   }
   return false;
@@ -92,9 +89,22 @@ void AddPacked(stFile& file) {
   if (fd.Get() < 0) return;
   file.bHasPacked = ReadForm(fd.Get(), "-gz", file.packed) && file.packed.IsKept() &&
                     IsNotOlder(file.packed.stat, file.plain.stat);
-  if (file.bHasPacked) return;
-  file.packed.pText = nullptr;
-  file.packed.pLent = nullptr;
+  if (!file.bHasPacked) file.packed.pText = nullptr;
+}
+
+void LendForm(stForm& form) {
+  if (form.Bytes() < kLentFrom) return;
+  form.pLent = CLentText::Make(*form.pText);
+  if (form.pLent != nullptr) form.pText = nullptr;
+}
+
+// A file that makes room for no other.
+bool Stays(const stFile& file) {
+  return file.IsLent() || file.plain.IsBeingSent() || file.packed.IsBeingSent();
+}
+
+bool GoesBefore(const stFile& one, const stFile& other) {
+  return Stays(one) != Stays(other) ? Stays(other) : one.nUse < other.nUse;
 }
 
 // Whether a form is unchanged since the last check; bThere: whether it existed then.
@@ -145,10 +155,19 @@ std::shared_ptr<const stFile> CFileCache::Add(std::string strUri, std::string st
   while (m_nBytes > kMaxCacheBytes || m_files.size() > kMaxFiles) {
     const auto oldest =
         std::min_element(m_files.begin(), m_files.end(),
-                         [](const auto& a, const auto& b) { return a->nUse < b->nUse; });
+                         [](const auto& a, const auto& b) { return GoesBefore(*a, *b); });
     Remove(static_cast<size_t>(oldest - m_files.begin()));
   }
+  if (m_files.back() == pFile) Lend(*pFile);
   return pFile;
+}
+
+void CFileCache::Lend(stFile& file) const {
+  size_t nLent = 0;
+  for (const auto& pFile : m_files) nLent += pFile->IsLent() ? pFile->Bytes() : 0;
+  if (nLent + file.Bytes() > kMaxLentBytes) return;
+  LendForm(file.plain);
+  LendForm(file.packed);
 }
 
 void CFileCache::Remove(size_t nAt) {

@@ -18,8 +18,11 @@
 constexpr size_t kMaxCacheBytes = 1U << 20;
 constexpr size_t kMaxCachedFile = 256U << 10;
 
-// From this size on it is cheaper to lend pages to a socket than to copy the text.
+// From this size on it is cheaper to lend pages to a socket than to copy the text. A socket may
+// hold them long after the text has gone, and nobody can count them. So a lent file never makes
+// room for another one, and all lent files together have a limit.
 constexpr size_t kLentFrom = 16U << 10;
+constexpr size_t kMaxLentBytes = 512U << 10;
 
 // One form of a file, plain or packed.
 struct stForm {
@@ -35,6 +38,7 @@ struct stForm {
   mutable std::string strSameFields;
 
   bool IsKept() const { return pText != nullptr || pLent != nullptr; }
+  bool IsBeingSent() const { return pText.use_count() > 1; }
   size_t Bytes() const;  // of what is kept
 };
 
@@ -49,6 +53,7 @@ struct stFile {
   uint64_t nUse = 0;
 
   size_t Bytes() const { return plain.Bytes() + packed.Bytes(); }
+  bool IsLent() const { return plain.pLent != nullptr || packed.pLent != nullptr; }
 };
 
 class CFileCache {
@@ -58,7 +63,8 @@ class CFileCache {
   std::shared_ptr<const stFile> Find(std::string_view uri);
 
   // Reads the file at strPath, open as nFd (which stays the caller's), with its packed form. Keeps
-  // it under strUri when it is small enough, dropping the least recently used files to make room.
+  // it under strUri when it is small enough, dropping the least recently used files to make room:
+  // none that is lent, and none that is being sent, because its text would no longer be counted.
   // An empty strUri is not kept. Returns null when the file keeps changing while it is read.
   std::shared_ptr<const stFile> Add(std::string strUri, std::string strPath, int nFd);
 
@@ -66,6 +72,7 @@ class CFileCache {
   size_t Bytes() const { return m_nBytes; }
 
  private:
+  void Lend(stFile& file) const;
   void Remove(size_t nAt);
 
   std::vector<std::shared_ptr<stFile>> m_files;

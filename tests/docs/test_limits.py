@@ -52,6 +52,7 @@ SENTENCES = {
         "{kRoundMs} ms (`kRoundMs`)",
         "at most {kPartMs:s} seconds (`kPartMs`)",
         "From {kLentFrom:KiB} KiB",
+        "only {kMaxLentBytes:KiB} KiB are lent (`kMaxLentBytes`)",
         "above {kMaxCachedFile:KiB} KiB",
         "{kMaxBodyBytes:MiB} MiB (`kMaxBodyBytes`)",
         "{kMaxConnections} connections (`kMaxConnections`)",
@@ -102,6 +103,7 @@ SENTENCES = {
         "the last | `kMaxHeadBytes` | {kMaxHeadBytes} bytes |",
         "| `kPartMs` | {kPartMs:s} s |",
         "`kMaxCachedFile` | {kMaxCacheBytes:MiB} MiB, {kMaxCachedFile:KiB} KiB each |",
+        "| `kMaxLentBytes` | {kMaxLentBytes:KiB} KiB |",
         "| `kMessageSize` | {kMessageMost} bytes |",
     ],
 }

@@ -132,6 +132,17 @@ TEST(GuardStdStreams, OutlivesAReaderThatHasGone) {
   close(fds[1]);
 }
 
+TEST(GuardStdStreams, OutlivesAFileThatMayNotGrow) {
+  EXPECT_EQ(EFBIG, InChild([] {
+              signal(SIGXFSZ, SIG_DFL);
+              const rlimit limit = {8192, 8192};
+              setrlimit(RLIMIT_FSIZE, &limit);
+              dup2(open("/tmp", O_TMPFILE | O_WRONLY, 0600), STDOUT_FILENO);
+              GuardStdStreams();
+              return WriteUntilRefused(STDOUT_FILENO);
+            }));
+}
+
 TEST(GuardStdStreams, LeavesFilesAlone) {
   EXPECT_EQ(0, InChild([] {
               dup2(open("/tmp", O_TMPFILE | O_WRONLY, 0600), STDOUT_FILENO);
