@@ -5,7 +5,6 @@ FAULT_SHIM_LIB names the library. It is not set under a sanitizer, which has its
 
 import mmap
 import os
-import struct
 
 LIBRARY = os.environ.get("FAULT_SHIM_LIB", "")
 
@@ -20,14 +19,16 @@ class Shim:
         object.__setattr__(self, "env", {"LD_PRELOAD": LIBRARY, "FAULT_SHIM": str(path)})
         with open(path, "w+b") as file:
             file.truncate(_SIZE)
-            object.__setattr__(self, "_map", mmap.mmap(file.fileno(), _SIZE))
+            view = memoryview(mmap.mmap(file.fileno(), _SIZE))
+        # Written in one piece: the daemon must never see a 0 while a -1 is being put together.
+        object.__setattr__(self, "_numbers", view.cast("q"))
         self.until_failure = -1
 
     def __getattr__(self, name):
-        return struct.unpack_from("=q", self._map, 8 * _FIELDS.index(name))[0]
+        return self._numbers[_FIELDS.index(name)]
 
     def __setattr__(self, name, value):
-        struct.pack_into("=q", self._map, 8 * _FIELDS.index(name), value)
+        self._numbers[_FIELDS.index(name)] = value
 
     def fail(self, after=0, count=-1):
         """Makes allocations fail from now on: first some succeed, then this many fail."""
