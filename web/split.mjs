@@ -12,7 +12,7 @@ const bundle = (root, more) => build({
   target: kTarget, charset: 'utf8', jsx: 'automatic', jsxImportSource: 'preact',
   legalComments: 'none', logLevel: 'warning',
   // Safari 12 has it but for a rare form of assignment that is not used here.
-  supported: {destructuring: true}, ...more,
+  supported: {destructuring: true, 'template-literal': true}, ...more,
 });
 const textOf = (result) => result.outputFiles[0].text;
 

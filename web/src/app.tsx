@@ -1,6 +1,6 @@
 // The application behind the sign-in: one document, a page for each address behind "#/".
 import {render} from 'preact';
-import {useEffect} from 'preact/hooks';
+import {useEffect, useLayoutEffect} from 'preact/hooks';
 import {Fault, kindOf} from './recorder/fault';
 import {passGate, sessionId, sheetUrl} from './recorder/gate';
 import type {PageId} from './model/sections';
@@ -29,6 +29,7 @@ import {Shell} from './views/Shell';
 import {Status} from './views/Status';
 import {Video} from './views/Video';
 import {useStore} from './views/parts/hooks';
+import {keepFocus, noteFocus} from './views/parts/keepFocus';
 import {saveHere} from './views/parts/saveHere';
 
 const kViews: Record<PageId, () => preact.JSX.Element> = {
@@ -42,6 +43,7 @@ function App() {
   useEffect(() => {
     document.title = `${t(`page.${page}`)} · ${t('brand')}`;
   }, [page, language]);
+  useLayoutEffect(keepFocus);
   const View = kViews[page];
   return <><Shell><View key={page} /></Shell><Dialogs /></>;
 }
@@ -79,6 +81,7 @@ function openApp(root: HTMLElement) {
   window.addEventListener('beforeunload', askBeforeLeaving);
   window.addEventListener('pageshow', leaveIfSignedOut);
   window.addEventListener('keydown', saveHere);
+  window.addEventListener('focusin', noteFocus);
   root.textContent = '';
   render(<App />, root);
   read();

@@ -91,6 +91,30 @@ test('Ctrl-S saves from within a field, Enter agrees, and the focus returns to t
       await until(async () => await focused(page) === 'stMobileGNet/strFD_Apn', 'the focus');
     });
 
+test('where the button that was pressed is gone, the focus goes on to the form\'s Save', async () => {
+  const pressed = async (target) => {
+    await target.focus();
+    await page.keyboard.press('Enter');
+  };
+  const onSave = () => page.evaluate((id) =>
+    document.activeElement.matches(`[data-section=${id}] [type=submit]`), kForm);
+  await apn().fill('fleet');
+  await pressed(button(page, kForm, 'discard'));
+  await until(onSave, 'the focus after discarding');
+  await apn().fill('fleet');
+  assert.equal(await save(page, kForm), 'applied');
+  await pressed(button(page, kForm, 'restore'));
+  await dialog(page).waitFor();
+  await page.keyboard.press('Enter');
+  await until(onSave, 'the focus while restoring');
+  assert.equal(await ended(page, kForm), 'applied');
+  await apn().fill('fleet');
+  await rig.change('<stMobileGNet strFD_Apn="depot"/>');
+  assert.equal(await save(page, kForm), 'conflict');
+  await pressed(page.locator('[data-take=mine]'));
+  await until(onSave, 'the focus after the choice');
+});
+
 test('after a save the former values can be restored', async () => {
   await apn().fill('fleet');
   await put(page, 'stMobileGNet/strFD_PhoneNo', '*98#');

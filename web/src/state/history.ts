@@ -46,7 +46,7 @@ function newEnds(before: State, now: State): End[] {
   const {end} = now.transfer;
   if (end && end !== before.transfer.end) ends.push({title: 'section.import', ...end});
   if (now.lock.end && now.lock.end !== before.lock.end)
-    ends.push({title: 'section.lock', end: now.lock.end, known: 'read'});
+    ends.push({title: 'section.lock', ...now.lock.end});
   return ends;
 }
 

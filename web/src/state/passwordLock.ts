@@ -35,11 +35,12 @@ export async function resetLock() {
       same: (a, b) => a.count === b.count,
       before: before.lock, sent: {known: true, count: 0, left: 0}, progress: () => {},
     });
-    patch({end, ...(after ? {lock: after, at: Date.now()} : {})});
+    patch(after ? {end: {end, known: 'read'}, lock: after, at: Date.now()}
+      : {end: {end, known: 'unknown'}});
   } catch (caught) {
     const kind = kindOf(caught);
     if (kind === 'refused') return expire();
-    patch({end: endOf(kind)});
+    patch({end: {end: endOf(kind), known: 'unsent'}});
   } finally {
     patch({busy: false});
   }

@@ -1,6 +1,7 @@
 // The address decides which page is shown, so that back, reload and bookmarks work.
 import {sectionsOf, type PageId} from '../model/sections';
 import {queue, readClock} from '../recorder/wire';
+import {answerDialog} from './dialog';
 import {loadLock} from './passwordLock';
 import {loadPage, tryWhole} from './reading';
 import {bring} from './scripts';
@@ -58,12 +59,15 @@ function forgetNotes(page: PageId) {
     const {note, step} = sectionState(id);
     if (isPast(note) && !step) patchSection(id, {note: null});
   }
+  if (page === 'security') set({lock: {...get().lock, end: null}});
 }
 
 export function follow() {
   const page = pageOf(location.hash);
   if (page === get().page) return;
+  if (get().dialog) answerDialog(false);
   set({page});
+  scrollTo(0, 0);
   forgetNotes(page);
   renewBehind(witnessOf(page));
   read();

@@ -9,9 +9,10 @@ import {followRecorder} from './preferences';
 
 const kSilenceMs = 4500;  // the service has waited for a recorder that does not answer
 const kPasswordBytes = 127;
+const kPauseMs = 10000;
 
 export type SignInNote =
-    | {kind: 'checking' | 'counting' | 'impossible' | 'cookies' | 'moved' | 'open' | 'kept'}
+    | {kind: 'checking' | 'counting' | 'empty' | 'impossible' | 'cookies' | 'moved' | 'open' | 'kept'}
     | {kind: 'wrong'; left: number}
     | {kind: 'fault'; why: FaultKind}
     | {kind: 'locked'; until: number};
@@ -61,7 +62,7 @@ async function tryPassword(password: string, go: () => void) {
   const {result, values, ms} = await login(password);
   if (ms >= kSilenceMs) return say({kind: 'fault', why: 'deviceSilent'});
   if (result && values.jsession) return enter(lock, values.jsession, go);
-  return countWrong(lock);
+  return password ? countWrong(lock) : say({kind: 'empty'});
 }
 
 export async function submitPassword(password: string, go: () => void) {
@@ -79,19 +80,26 @@ export async function submitPassword(password: string, go: () => void) {
   }
 }
 
+// Looks again by itself, as a recorder takes a while to start.
+function silent() {
+  patch({reached: 'silent'});
+  setTimeout(() => void look(), kPauseMs);
+}
+
 // The recorder's identity and state. Read errors are reported when somebody signs in.
 export async function look() {
   try {
     const language = await query('get_LangInfo');
-    if (!language.result) return patch({reached: 'silent'});
+    if (!language.result) return silent();
     followRecorder(language.values.strLanguage || '');
-    patch({reached: 'answers'});
+    const {note} = state;
+    patch({reached: 'answers', note: note && note.kind === 'fault' ? null : note});
     const base = await query('get_BaseInfo');
     patch({deviceNo: base.values.strFD_DeviceNo || ''});
     const lock = await readLock();
     if (lock.left > 0 && !state.busy) say(lockedFor(lock.left));
   } catch (caught) {
     kindOf(caught);
-    patch({reached: 'silent'});
+    silent();
   }
 }

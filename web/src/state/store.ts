@@ -66,7 +66,7 @@ export interface LockState {
   at: number;  // when it was read
   loading: Loading;
   busy: boolean;
-  end: SaveEnd | null;
+  end: {end: SaveEnd; known: Known} | null;
 }
 
 // Which page a file was chosen on.

@@ -49,7 +49,7 @@ function Password({typed, busy}: {typed: () => void; busy: boolean}) {
   const [shown, setShown] = useState(false);
   const input = useRef<HTMLInputElement>(null);
   const {note} = signIn();
-  const wrong = note && note.kind === 'wrong' ? note : null;
+  const wrong = note && (note.kind === 'wrong' || note.kind === 'empty') ? note : null;
   useLayoutEffect(() => { if (input.current) input.current.focus(); }, []);
   useLayoutEffect(() => { if (wrong && input.current) input.current.select(); }, [wrong]);
   return <div class="field" data-field="password">

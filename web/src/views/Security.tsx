@@ -26,7 +26,7 @@ function LockFacts() {
 
 function LockCard() {
   const {lock, loading, busy, end} = get().lock;
-  const note = end && {kind: 'end' as const, end, rows: [], known: 'read' as const};
+  const note = end && {kind: 'end' as const, rows: [], ...end};
   return <Card id="lock" title="section.lock" icon="security">
     <p class="hint">{t('lock.help')}</p>
     {!lock && (loading.state === 'waiting' || isSilent()) && <Skeleton rows={2} />}

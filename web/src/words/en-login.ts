@@ -19,6 +19,7 @@ export const login = {
   'login.checking': 'Checking the password…',
   'login.counting': 'Wrong password. The recorder notes the attempt…',
   'login.wrong': 'Wrong password. Attempts left: {left}.',
+  'login.empty': 'Please enter the password.',
   'login.locked': 'Locked after five wrong entries.',
   'login.left': 'Time left: {time}',
   'login.open': 'The lock has ended. You can sign in again.',

@@ -21,6 +21,7 @@ export const login: Record<keyof typeof english, string> = {
   'login.checking': '正在核对密码…',
   'login.counting': '密码错误，录像机正在记录…',
   'login.wrong': '密码错误，还可以尝试 {left} 次。',
+  'login.empty': '请输入密码。',
   'login.locked': '密码连续输错五次，已锁定。',
   'login.left': '剩余时间：{time}',
   'login.open': '锁定已结束，可以重新登录。',

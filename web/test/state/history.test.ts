@@ -87,7 +87,7 @@ test('the ends of saves are remembered, the latest twenty', () => {
   patchSection('wifi', {step: {name: 'sending', since: 0}});
   note('applied');
   patchSection('mobile', {...kEmptySection, note: {kind: 'draft'}});
-  set({lock: {...get().lock, end: 'applied'}});
+  set({lock: {...get().lock, end: {end: 'applied', known: 'read'}}});
   set({transfer: {...get().transfer, end: {end: 'partly', rows: [], known: 'read'}}});
   assert.deepEqual(get().ends.map(({title, end}) => `${title} ${end}`), ['section.wifi refused',
     'section.wifi applied', 'section.lock applied', 'section.import partly']);

@@ -48,6 +48,7 @@ Object.assign(globalThis, {
     addEventListener() {}},
   location: {hostname: '192.168.1.88', origin: 'http://192.168.1.88', hash: '',
     replace: (to: string) => moves.push(to), assign: (to: string) => moves.push(to)},
+  scrollTo() {},
   fetch: (url: string, options: RequestInit) => reply(url, options),
 });
 

@@ -2,6 +2,7 @@ import {answers, bodies, cookie, moves, signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {loadLock, resetLock} from '../../src/state/passwordLock';
+import {follow} from '../../src/state/route';
 import {get, resetStore} from '../../src/state/store';
 
 let count = 5;
@@ -24,7 +25,7 @@ test('a reset takes the count to 0 and reads it back', async () => {
   await resetLock();
   assert.deepEqual(bodies.map((body) => body.split('&')[0]), ['ucFD_ErrorCount=0']);
   assert.deepEqual(get().lock.lock, {known: true, count: 0, left: 0});
-  assert.equal(get().lock.end, 'applied');
+  assert.deepEqual(get().lock.end, {end: 'applied', known: 'read'});
   assert.equal(get().lock.busy, false);
 });
 
@@ -42,4 +43,26 @@ test('a recorder that does not answer leaves the lock as it was known', async ()
   await loadLock();
   assert.deepEqual(get().lock.loading, {state: 'failed', why: 'deviceSilent'});
   assert.deepEqual(get().lock.lock, known);
+});
+
+test('a reset that nobody confirmed does not claim that the lock was read again', async () => {
+  answers.set_LockOfPassword = '{"result": 0 }';
+  answers.get_LockOfPassword = '{ "ucFD_ErrorCount": "0", "time": "0" , "result": 0 }';
+  await resetLock();
+  assert.deepEqual(get().lock.end, {end: 'deviceSilent', known: 'unknown'});
+});
+
+test('a reset that could not be sent is not said to have been read again', async () => {
+  delete answers['page.css'];
+  await resetLock();
+  assert.deepEqual(bodies, []);
+  assert.deepEqual(get().lock.end, {end: 'lost', known: 'unsent'});
+});
+
+test('what a reset came to is told until the page is left', async () => {
+  await resetLock();
+  location.hash = '#/security';
+  follow();
+  assert.equal(get().page, 'security');
+  assert.equal(get().lock.end, null);
 });

@@ -1,6 +1,7 @@
 import {answers, asked, cookie, local, session} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
+import {holdClock, tick} from '../clock';
 import {look, patch, signIn, submitPassword} from '../../src/state/signIn';
 
 let wrong = 0;
@@ -8,6 +9,7 @@ let entered = 0;
 const lockReply = (count: number, result: number) =>
   `{ "ucFD_ErrorCount": "${count}", "time": "10" , "result": ${result} }`;
 
+holdClock();
 beforeEach(() => {
   patch({busy: false, note: null, deviceNo: '', reached: 'asking'});
   asked.length = 0;
@@ -66,6 +68,17 @@ test('a double press asks once', async () => {
   assert.equal(asked.filter((name) => name === 'cmp_UserSecurity').length, 1);
 });
 
+test('an empty field is no wrong password and is not counted, but may be the right one', async () => {
+  await enter('');
+  assert.deepEqual(asked, ['get_LockOfPassword', 'cmp_UserSecurity']);
+  assert.deepEqual([signIn().note, entered], [{kind: 'empty'}, 0]);
+  answers.cmp_UserSecurity = `{ "jsession": "${'b'.repeat(32)}", "result": 1 }`;
+  await enter('');
+  assert.equal(entered, 1);
+});
+
+const passed = () => new Promise((resume) => { setImmediate(resume); });
+
 test('the page tells which recorder it is, or that it is silent', async () => {
   Object.assign(answers, {get_LangInfo: '{ "strLanguage": "EN", "result": 1 }',
     get_BaseInfo: '{ "strFD_DeviceNo": "80012345", "ucFD_TimeZone": "8" , "ucFD_GpsSTFlag": "1"' +
@@ -75,4 +88,14 @@ test('the page tells which recorder it is, or that it is silent', async () => {
   answers.get_LangInfo = '{ "strLanguage": "EN", "result": 0 }';
   await look();
   assert.equal(signIn().reached, 'silent');
+});
+
+test('a recorder that was silent is found again without being asked for', async () => {
+  answers.get_LangInfo = '{ "strLanguage": "EN", "result": 0 }';
+  await look();
+  patch({note: {kind: 'fault', why: 'deviceSilent'}});
+  answers.get_LangInfo = '{ "strLanguage": "EN", "result": 1 }';
+  tick(10000);
+  await passed();
+  assert.deepEqual([signIn().reached, signIn().note], ['answers', null]);
 });

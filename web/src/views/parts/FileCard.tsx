@@ -39,20 +39,12 @@ function Opened({children, ...actions}: Omit<Props, 'id' | 'purpose' | 'choose'>
   </>;
 }
 
-// The button that was pressed may be gone: how it ended stands below the choice of a file.
-async function thenBack(id: string, work: () => Promise<void>) {
-  await work();
-  const input = document.querySelector<HTMLElement>(`[data-section=${id}] input`);
-  if (input && document.activeElement === document.body) input.focus();
-}
-
-export function FileCard({id, purpose, choose, onChosen, onGo, onRestore, ...opened}: Props) {
+export function FileCard({id, purpose, choose, onChosen, ...opened}: Props) {
   const {name, purpose: whose} = get().transfer;
   const mine = whose === purpose;
   return <Card id={id} title={`section.${id}` as const} icon="maintenance" wide>
     <p class="hint">{t('import.help')}</p>
     <PickFile purpose={purpose} button={choose} name={mine ? name : null} after={onChosen} />
-    {mine && <Opened {...opened} onGo={() => thenBack(id, onGo)}
-      onRestore={() => thenBack(id, onRestore)} />}
+    {mine && <Opened {...opened} />}
   </Card>;
 }
