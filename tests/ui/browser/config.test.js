@@ -214,7 +214,20 @@ test('an import that moves the recorder is followed', async () => {
   await choose('moved.xml', text.replace('"192.168.1.88"', '"192.168.1.90"'));
   await go().click();
   assert.match(await dialog(page).innerText(), /192\.168\.1\.90/);
+  const said = [];
+  page.on('console', (message) => said.push(message.text()));
+  await page.locator('[data-section=import]').evaluate((card) => {
+    new MutationObserver(() => console.log(card.innerText))
+        .observe(card, {subtree: true, childList: true, characterData: true});
+  });
+  const arrived = () => said.some((text) => /answers at its new address/.test(text));
+  await page.route('http://192.168.1.90/login.html', async (route) => {
+    await until(arrived, 'the news, while the page there is on its way').catch(() => {});
+    await route.continue();
+  });
   await agree(page);
   await until(() => rig.setting('stLocalEth0', 'uiFD_LocalIp') === '192.168.1.90', 'the set');
   await arrive('192.168.1.90');
+  assert.ok(arrived(), said.join());
+  assert.doesNotMatch(said.join(), /nothing answers there/);
 });

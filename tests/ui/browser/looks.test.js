@@ -112,6 +112,45 @@ test('the menu shows all its entries on a phone', async () => {
   await page.context().close();
 });
 
+// Controls that a finger 44 px wide does not hit: itself, a label of it or what stands in it.
+const slight = (page) => page.evaluate(() => {
+  const reach = 21;
+  const hits = (node, x, y) => {
+    const found = document.elementFromPoint(x, y);
+    return found && (node.contains(found) ||
+        [...node.labels || []].includes(found.closest('label')));
+  };
+  const found = [];
+  const controls = 'a[href]:not(.skip), button, select, input:not([type=file])';
+  for (const node of document.querySelectorAll(controls)) {
+    node.scrollIntoView({block: 'center'});
+    const {left, top, width, height} = node.getBoundingClientRect();
+    const [x, y] = [left + width / 2, top + height / 2];
+    const ends = [[x - reach, y], [x + reach, y], [x, y - reach], [x, y + reach]];
+    if (width && !ends.every((end) => hits(node, ...end))) found.push(node.outerHTML.slice(0, 90));
+  }
+  return found;
+});
+
+test('on a touch screen a finger hits every control', async () => {
+  const page = await rig.enter({size: kPhone, hasTouch: true, isMobile: true});
+  const wrong = [];
+  for (const name of kPages) {
+    await go(page, name);
+    const fold = page.locator('[data-group=stBaseInfo] .fold button');
+    if (await fold.count()) await fold.click();
+    if (name === 'maintenance') {
+      await page.locator('[data-section=import] input').setInputFiles({name: 'speed.xml',
+        mimeType: 'text/xml', buffer: Buffer.from('<VariCfgSec><stSpeed usFD_OverSpeed="80" ' +
+            'usFD_OverTime="9"/></VariCfgSec>')});
+      await page.locator('[data-setting]').first().waitFor();
+    }
+    wrong.push(...(await slight(page)).map((text) => `${name}: ${text}`));
+  }
+  assert.deepEqual(wrong, []);
+  await page.context().close();
+});
+
 test('errors, the list of changes and the banner are accessible too', async () => {
   const page = await rig.enter({size: kPhone});
   await go(page, 'network');

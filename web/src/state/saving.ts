@@ -21,6 +21,7 @@ import {patchSection, sectionState, shownValues, type Note, type SectionState, t
   from './store';
 
 const kUnchanged: Note = {kind: 'end', end: 'unchanged', rows: [], known: 'read'};
+const kMoved: Note = {kind: 'end', end: 'moved', rows: [], known: 'unknown'};
 const kTurn = {group: 'send', urgent: true};
 
 const step = (id: SectionId, name: Step | null, where?: string) =>
@@ -102,7 +103,8 @@ async function moveAway(section: Section, values: Values, origin: string) {
   }
   step(id, 'moving', origin);
   dropDraft(id);
-  if (!await followTo(origin)) say(id, {kind: 'movedSilent', where: origin});
+  if (!await followTo(origin)) return say(id, {kind: 'movedSilent', where: origin});
+  return patchSection(id, {held: values, base: values, typed: {}, note: kMoved});
 }
 
 // Compares the recorder's current values: true when they are what the user has seen.

@@ -127,14 +127,14 @@ function locksOut(chosen: [string, string][]): boolean {
   return Boolean(problem);
 }
 
-// Asks, then sends the selection.
-export async function importRows() {
+// Asks, then sends the selection. False when the answer is no.
+async function askAndSend(): Promise<boolean> {
   const {rows, step: busy} = get().transfer;
   const chosen = chosenOf(rows);
-  if (busy || !chosen.length || locksOut(chosen)) return;
+  if (busy || !chosen.length || locksOut(chosen)) return true;
   const from = rows.find(({path}) => path === kLocalIp);
   const move = newOrigin((from && from.from) || undefined, new Map(chosen).get(kLocalIp));
-  if (!await askUser({kind: 'import', count: chosen.length, move})) return;
+  if (!await askUser({kind: 'import', count: chosen.length, move})) return false;
   patch({end: null, lines: []});
   try {
     step('session');
@@ -144,16 +144,19 @@ export async function importRows() {
     if (stillSeen(settings)) await sendAndRead(rows, settings);
   } catch (caught) {
     const kind = kindOf(caught);
-    if (kind === 'refused') return expire();
-    patch({end: {end: endOf(kind), rows: [], known: 'unsent'}});
+    if (kind === 'refused') expire();
+    else patch({end: {end: endOf(kind), rows: [], known: 'unsent'}});
   } finally {
     step(null);
   }
+  return true;
 }
+
+export const importRows = async () => { await askAndSend(); };
 
 // The values that an accepted import replaced, to compare and send like a file.
 export async function restoreImported() {
-  const {former, step: busy} = get().transfer;
+  const {former, file, end, step: busy} = get().transfer;
   if (!former || busy) return;
   patch({moving: null, step: {name: 'compare', since: Date.now()}});
   try {
@@ -164,5 +167,5 @@ export async function restoreImported() {
   } finally {
     step(null);
   }
-  await importRows();
+  if (!await askAndSend()) patch({rows: [], file, end, former});
 }

@@ -1,4 +1,4 @@
-import {signedInTo} from './page';
+import {answers, moves, signedInTo} from './page';
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
 import {sectionById} from '../../src/model/sections';
@@ -37,6 +37,21 @@ async function importNow(work = importRows) {
   await done;
 }
 
+async function typed(address: string) {
+  const section = sectionById('localEth0');
+  take(section, await readSection(section));
+  const field = sectionState('localEth0').fields.find(({path}) => path === kLocalIp);
+  assert.ok(field);
+  type('localEth0', field, address);
+  return field;
+}
+
+async function saveNow() {
+  const done = saveSection('localEth0');
+  answerDialog(true);
+  await done;
+}
+
 test('the pages follow the recorder to an address and to nothing else', () => {
   assert.equal(newOrigin('192.168.1.88', ' 192.168.1.90'), 'http://192.168.1.90');
   for (const wanted of ['evil.example.com', '192.168.1.90:8080', '192.168.1.90@evil.example.com',
@@ -52,17 +67,27 @@ test('a move that was not confirmed does not claim that anything was read', asyn
   assert.deepEqual([end?.end, end?.known, lines.map(({took}) => took)],
       ['deviceSilent', 'unknown', ['unknown']]);
 
-  const section = sectionById('localEth0');
-  take(section, await readSection(section));
-  const field = sectionState('localEth0').fields.find(({path}) => path === kLocalIp);
-  assert.ok(field);
-  type('localEth0', field, '192.168.1.90');
-  const done = saveSection('localEth0');
-  answerDialog(true);
-  await done;
-  const {note, typed} = sectionState('localEth0');
-  assert.deepEqual([note?.kind === 'end' && [note.end, note.known], typed],
+  await typed('192.168.1.90');
+  await saveNow();
+  const {note, typed: left} = sectionState('localEth0');
+  assert.deepEqual([note?.kind === 'end' && [note.end, note.known], left],
       [['deviceSilent', 'unknown'], {[kLocalIp]: '192.168.1.90'}]);
+});
+
+test('a recorder that was followed is not called silent while its new page comes', async () => {
+  const field = await typed('192.168.1.90');
+  const real = Date.now;
+  answers['http://192.168.1.90/favicon.svg'] = '';
+  answers.set_LocalNetInfo = () => {
+    Date.now = () => real() + 2000;  // as long as a restart
+    return '{"result": 1 }';
+  };
+  await saveNow();
+  Date.now = real;
+  const {note, typed: left, held} = sectionState('localEth0');
+  assert.deepEqual(moves, ['http://192.168.1.90/login.html#moved']);
+  assert.deepEqual([note?.kind === 'end' && note.end, left, held[field.path]],
+      ['moved', {}, '192.168.1.90']);
 });
 
 test('a move without an answer is forgotten by the next import', async () => {

@@ -75,6 +75,18 @@ test('what an import replaced comes back', async () => {
   assert.equal(held.get('apn'), 'CMNET');
 });
 
+test('a way back that is not taken stays, and the file is shown with no values but its own', async () => {
+  await choose('<VariCfgSec><stMobileGNet strFD_Apn="fleet"/></VariCfgSec>');
+  await importNow();
+  const before = get().transfer;
+  const done = restoreImported();
+  while (!get().dialog) await new Promise((resume) => { setImmediate(resume); });
+  answerDialog(false);
+  await done;
+  assert.deepEqual(get().transfer, before);
+  assert.equal(held.get('apn'), 'fleet');
+});
+
 const kSignIn = 'stUserSec/stCustomUser/USER_0/strFD_UserPWD';
 const choosePassword = async (value: string) => {
   await choose(`<VariCfgSec><stMobileGNet strFD_Apn="fleet"/><stUserSec><stCustomUser>` +

@@ -85,7 +85,8 @@ function errorText(error: TransferError): string {
 export function Progress() {
   const {step, end, error, moving, changed} = get().transfer;
   if (step) return <StepNote step={step} />;
-  if (moving) return <NoteLine note={{kind: 'movedSilent', where: moving.where}} />;
+  if (moving) return <NoteLine note={moving.silent ? {kind: 'movedSilent', where: moving.where}
+    : {kind: 'end', end: 'moved', rows: [], known: 'unknown'}} />;
   if (error) return <Notice tone="bad" text={errorText(error)} />;
   if (changed.length)
     return <NoteLine note={{kind: 'conflict', rows: []}} />;

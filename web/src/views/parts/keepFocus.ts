@@ -1,5 +1,5 @@
-// A button that has done its work may be gone: the focus goes on to what its card does next, so that
-// neither the keyboard nor a screen reader begins anew.
+// A button that has done its work may be gone: the focus goes on to what its card does next, so
+// that neither the keyboard nor a screen reader begins anew.
 let last: Element | null = null;
 let card: Element | null = null;
 
