@@ -41,6 +41,7 @@ test('applied: steps with numbers and seconds, then read back; two clicks make o
       await button(page, kForm, 'save').dblclick();
       await dialog(page).locator('.main').dblclick();
       await line(page, kForm).filter({hasText: /Step \d of \d.*\(\d+ s\)/s}).waitFor();
+      await line(page, kForm).locator('[aria-hidden]', {hasText: /^ \(\d+ s\)$/}).waitFor();
       await apn().focus();
       await page.keyboard.press('Control+s');
       await painted(page);

@@ -11,7 +11,7 @@ const problem = (key: WordKey, values: Problem['values'] = {}): Problem => ({key
 const kIpv4 = /^(?:(?:25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)(?:\.(?!$)|$)){4}$/;
 const kHost = /^(?!-)[a-z0-9-]{1,63}(?:\.[a-z0-9-]{1,63})*$/i;
 const kMac = /^[0-9a-f]{2}(?:([:-])[0-9a-f]{2})(?:\1[0-9a-f]{2}){4}$|^[0-9a-f]{12}$/i;
-const kClock = /^(?:now|\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)?$/;
+const kClock = /^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d$/;
 const kDecimal = /^-?\d{1,9}(?:\.\d{1,6})?$/;
 const kTime = /^(?:[01]?\d|2[0-3]):[0-5]?\d(?::[0-5]?\d)?$/;
 const kHex = /^(?:0x)?((?:[0-9a-f]{2})*)$/i;
@@ -75,6 +75,12 @@ function checkHex({bytes = Infinity}: Field, value: string): Problem | null {
   return digits && (digits[1] || '').length <= most ? null : problem('error.hex', {most});
 }
 
+// Only a moment that the calendar has comes back as it was written.
+function isMoment(text: string): boolean {
+  const iso = text.replace(' ', 'T');
+  return kClock.test(text) && (new Date(`${iso}Z`).toJSON() || '').startsWith(iso);
+}
+
 type Check = (field: Field, value: string, values: Values) => Problem | null;
 const kChecks: Record<Field['kind'], Check> = {
   text: checkText,
@@ -87,7 +93,8 @@ const kChecks: Record<Field['kind'], Check> = {
   host: (field, value) =>
     checkText(field, value) || matches(kHost, 'error.host')(field, value),
   mac: (_, value) => value === '' || kMac.test(value) ? null : problem('error.mac'),
-  clock: matches(kClock, 'error.clock'),
+  clock: (_, value) => !value || value === 'now' || isMoment(value) ? null
+    : problem('error.clock'),
   decimal: matches(kDecimal, 'error.decimal'),
   time: matches(kTime, 'error.time'),
   hex: checkHex,

@@ -1,8 +1,9 @@
 // What the user types.
+import type {Problems} from '../model/checks';
 import {equal, type Field, type Values} from '../model/fields';
 import {kSections, type PageId, type SectionId} from '../model/sections';
 import {dropDraft, keepDraft, loadDraft} from './memory';
-import {get, isPast, patchSection, sectionState, type SectionState} from './store';
+import {get, isPast, patchSection, sectionState, type Note, type SectionState} from './store';
 
 const without = <T>(values: Record<string, T>, path: string): Record<string, T> => {
   const {[path]: _, ...rest} = values;
@@ -12,6 +13,13 @@ const without = <T>(values: Record<string, T>, path: string): Record<string, T> 
 function keep(id: SectionId) {
   const {fields, base, typed} = sectionState(id);
   keepDraft(id, fields, {base, typed});
+}
+
+// Also what asks to correct or to choose, once nothing is marked any more.
+function isOver(note: Note | null, problems: Problems, conflicts: Values): boolean {
+  const kind = note && note.kind;
+  const marked = kind === 'invalid' ? problems : kind === 'conflict' ? conflicts : null;
+  return isPast(note) || (marked !== null && !Object.keys(marked).length);
 }
 
 export function type(id: SectionId, field: Field, value: string) {
@@ -24,9 +32,10 @@ export function type(id: SectionId, field: Field, value: string) {
   const typed = back || plain ? without(state.typed, path) : {...state.typed, [path]: value};
   const base = path in state.typed || !(path in state.held) ? state.base
     : {...state.base, [path]: state.held[path] || ''};
-  patchSection(id, {typed, base, problems: without(state.problems, path),
-    conflicts: back ? without(state.conflicts, path) : state.conflicts,
-    note: isPast(state.note) ? null : state.note});
+  const problems = without(state.problems, path);
+  const conflicts = back ? without(state.conflicts, path) : state.conflicts;
+  const note = isOver(state.note, problems, conflicts) ? null : state.note;
+  patchSection(id, {typed, base, problems, conflicts, note});
   keep(id);
 }
 

@@ -106,7 +106,10 @@ test('a hardware address is six pairs or nothing', () => {
 
 test('a clock is date and time with seconds', () => {
   checkRows(of('clock'), [['now', null], ['2026-01-31 18:30:00', null], [' ', 'error.clock'],
-    ['2026-01-31', 'error.clock'], ['31.1.2026 18:30', 'error.clock']]);
+    ['2026-01-31', 'error.clock'], ['31.1.2026 18:30', 'error.clock'],
+    ['2028-02-29 00:00:00', null], ['2026-02-30 18:30:00', 'error.clock'],
+    ['2026-13-01 18:30:00', 'error.clock'], ['2026-01-31 24:00:00', 'error.clock'],
+    ['2026-01-31 18:60:00', 'error.clock']]);
 });
 
 test('what the recorder itself holds is right', () => {

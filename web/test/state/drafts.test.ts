@@ -92,6 +92,22 @@ test('what a save came to is told until the next change, and no longer', () => {
   }
 });
 
+test('what is to be corrected or chosen is told as long as something is', () => {
+  fresh();
+  const problem = {key: 'error.empty' as const, values: {}};
+  patchSection('wifi', {note: {kind: 'invalid'},
+    problems: {[kSsid]: problem, 'stWifi/ucFD_AuthMode': problem}});
+  type('wifi', fieldOf(kSsid), 'mine');
+  assert.equal(sectionState('wifi').note?.kind, 'invalid');
+  type('wifi', fieldOf('stWifi/ucFD_AuthMode'), '3');
+  assert.equal(sectionState('wifi').note, null);
+  patchSection('wifi', {note: {kind: 'conflict', rows: []}, conflicts: {[kSsid]: 'theirs'}});
+  type('wifi', fieldOf('stWifi/ucFD_AuthMode'), '4');
+  assert.equal(sectionState('wifi').note?.kind, 'conflict');
+  type('wifi', fieldOf(kSsid), 'depot');
+  assert.equal(sectionState('wifi').note, null);
+});
+
 test('a save of the password is not told anew, as nothing is read', async () => {
   await loadPage('security');
   const note: Note = {kind: 'end', end: 'deviceSilent', rows: [], known: 'unknown'};

@@ -8,7 +8,7 @@ const kSigns: Record<Exclude<Tone, 'busy'>, IconName> =
     {good: 'done', bad: 'alert', warn: 'alert', info: 'info'};
 
 // `name` tells scripts what `text` tells people.
-interface Props { tone?: Tone; name?: string; text?: string; children?: ComponentChildren }
+interface Props { tone?: Tone; name?: string; text?: ComponentChildren; children?: ComponentChildren }
 
 // It is in the page even while empty, otherwise screen readers would not announce it.
 export function Notice({tone, name, text, children}: Props) {

@@ -17,7 +17,10 @@ export function StepNote({step}: {step: NonNullable<SectionState['step']>}) {
   const number = kSteps.indexOf(step.name) + 1;
   const count = number ? t('step.count', {number, of: kSteps.length}) : '';
   const since = seconds ? t('step.seconds', {seconds}) : '';
-  return <Notice tone="busy" text={sentences(count, t(`step.${name}`, {where: step.where || ''}), since)}>
+  const text = sentences(count, t(`step.${name}`, {where: step.where || ''}));
+  // Seconds are not read out, each anew.
+  const rest = sentences(text, since).slice(text.length);
+  return <Notice tone="busy" text={<>{text}<span aria-hidden="true">{rest}</span></>}>
     <progress aria-label={t('step.progress')} max={kSteps.length} value={number || undefined} />
   </Notice>;
 }
