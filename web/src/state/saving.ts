@@ -22,6 +22,7 @@ import {patchSection, sectionState, shownValues, type Note, type SectionState, t
 
 const kUnchanged: Note = {kind: 'end', end: 'unchanged', rows: [], known: 'read'};
 const kMoved: Note = {kind: 'end', end: 'moved', rows: [], known: 'unknown'};
+const kNearMs = 60000;
 const kTurn = {group: 'send', urgent: true};
 
 const step = (id: SectionId, name: Step | null, where?: string) =>
@@ -34,6 +35,16 @@ export function rowsOf({fields, held, typed}: SectionState): Change[] {
   const clock = fields.filter(({live, path}) => live && typed[path])
       .map((field) => ({field, from: held[field.path], to: typed[field.path] || ''}));
   return [...changesOf(fields, held, wanted), ...clock];
+}
+
+const momentOf = (text = '') => Date.parse(text.replace(' ', 'T'));
+
+// What holds otherwise than it was sent. A clock goes on meanwhile.
+function missed({fields, typed}: SectionState, from: Values, to: Values): Change[] {
+  const near = (path: string) => Math.abs(momentOf(from[path]) - momentOf(to[path])) < kNearMs;
+  const clocks = fields.filter(({live, path}) => live && typed[path] && !near(path))
+      .map((field) => ({field, from: from[field.path], to: to[field.path] || ''}));
+  return [...changesOf(fields, from, to), ...clocks];
 }
 
 function meantValues(state: SectionState): Values {
@@ -57,7 +68,7 @@ function settle(section: Section, before: SectionState, sent: Values, end: SaveE
     after: Values | null) {
   const {id} = section;
   const {fields} = before;
-  const rows = end === 'partly' && after ? changesOf(fields, after, sent)
+  const rows = end === 'partly' && after ? missed(before, after, sent)
       .map(({field, from, to}) => ({field, from: to, to: from || ''})) : [];
   const taken = end === 'applied' || end === 'partly';
   const former: Values = {};
@@ -80,14 +91,16 @@ async function sendAndRead(section: Section, values: Values) {
   const {id} = section;
   const before = sectionState(id);
   keepDraft(id, before.fields, {base: before.base, typed: before.typed, sent: true});
+  const sent = {...values};
+  for (const {path, kind} of before.fields)
+    if (kind === 'clock' && values[path] === 'now') sent[path] = clockText(new Date());
   const {end, after} = await save<Values>({
     load: async () => (await readSection(section, kTurn)).values,
     send: () => transmit(section, before, values),
-    same: (a, b) => !changesOf(before.fields, a, b).length,
-    before: before.held, sent: values,
+    same: (a, b) => !missed(before, a, b).length, before: before.held, sent,
     progress: (name) => step(id, name),
   });
-  settle(section, before, values, end, after);
+  settle(section, before, sent, end, after);
 }
 
 async function moveAway(section: Section, values: Values, origin: string) {

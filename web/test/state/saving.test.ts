@@ -134,3 +134,32 @@ test('each change is a row, and the clock is one once it was typed', () => {
   assert.deepEqual(rows({a: 'y'}), [['a', 'x', 'y']]);
   assert.deepEqual(rows({a: 'y', c: '10:01'}), [['a', 'x', 'y'], ['c', '10:00', '10:01']]);
 });
+
+test('a clock is called saved when it goes on from what was sent, and only then', async () => {
+  const real = Date.now;
+  const base = sectionById('base');
+  const rows: [string, number, string][] = [['2026-03-01 10:00:04', 2000, 'applied'],
+    ['2026-01-01 08:00:04', 2000, 'partly'], ['2026-01-01 08:00:04', 10, 'refused']];
+  for (const [after, ms, end] of rows) {
+    resetStore();
+    recorder(true);
+    let clock = '2026-01-01 08:00:00';
+    answers.get_BaseInfo = () => '{ "strFD_DeviceNo": "80012345", "ucFD_TimeZone": "8" , ' +
+        `"ucFD_GpsSTFlag": "0", "strFD_CurTime": "${clock}", "result": 1 }`;
+    answers.import_CfgFile = () => {
+      clock = after;
+      Date.now = () => real() + ms;
+      return '{"result": 1 }';
+    };
+    take(base, await readSection(base));
+    type('base', sectionState('base').fields.find(({live}) => live)!, '2026-03-01 10:00:00');
+    const done = saveSection('base');
+    answerDialog(true);
+    await done;
+    Date.now = real;
+    const {note} = sectionState('base');
+    assert.ok(note?.kind === 'end');
+    assert.deepEqual([note.end, note.rows.map(({from, to}) => [from, to])],
+        [end, end === 'partly' ? [['2026-03-01 10:00:00', after]] : []]);
+  }
+});
