@@ -1,6 +1,7 @@
 // The sign-in: a separate document, because its name is part of the service's interface.
 import {render} from 'preact';
 import {useEffect} from 'preact/hooks';
+import {sessionId} from './recorder/gate';
 import {draftsWait} from './state/memory';
 import {loadPreferences} from './state/preferences';
 import {look, patch, whenChanged} from './state/signIn';
@@ -12,12 +13,13 @@ import {Login} from './views/Login';
 import {useChanges, useStore} from './views/parts/hooks';
 
 const kMoved = 'moved';
+const kOpen = 'open';  // from the bare address: whoever has a session goes on
 const asked = location.hash.replace(/^#\/?/, '');
 const script = document.currentScript;
 const app = (script && script.getAttribute('data-app')) || '';
 
 // The page that was requested.
-const go = () => location.replace(`app.html#/${asked === kMoved ? '' : asked}`);
+const go = () => location.replace(`app.html#/${[kMoved, kOpen].includes(asked) ? '' : asked}`);
 
 let fetched = false;
 
@@ -40,6 +42,7 @@ function App() {
 }
 
 function start() {
+  if (asked === kOpen && sessionId()) return go();
   const root = document.getElementById('app')!;
   addWords('en', en);
   addWords('zh', zh);
@@ -48,7 +51,7 @@ function start() {
   if (asked === kMoved) patch({note: {kind: 'moved'}});
   else if (draftsWait()) patch({note: {kind: 'kept'}});
   render(<App />, root);
-  void look();
+  return void look();
 }
 
 start();

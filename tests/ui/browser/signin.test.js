@@ -37,6 +37,22 @@ test('without a session no page is shown; after the sign-in comes the one that w
       await page.context().close();
     });
 
+test('the bare address opens the pages for a session, else the sign-in', async () => {
+  const page = await rig.enter();
+  const cookies = await page.context().cookies();
+  await page.goto(`${rig.url}/`);
+  await shown(page, 'status');
+  assert.equal(new URL(page.url()).hash, '#/');
+  await page.context().addCookies(cookies.map((one) => ({...one, value: '0'.repeat(32)})));
+  await page.goto(`${rig.url}/`);
+  await page.locator('#password').waitFor();
+  await page.context().clearCookies();
+  await page.goto(`${rig.url}/`);
+  await type(page, kPassword);
+  await shown(page, 'status');
+  await page.context().close();
+});
+
 test('a session that the recorder does not know is left at the gate', async () => {
   const page = await rig.enter();
   const cookies = await page.context().cookies();
