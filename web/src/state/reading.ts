@@ -4,7 +4,7 @@ import {merge} from '../model/merge';
 import {readOn, valuesOf, type PageId, type Section} from '../model/sections';
 import {fetchConfig, type Settings} from '../recorder/config';
 import {Fault, kindOf} from '../recorder/fault';
-import {query, type Turn} from '../recorder/wire';
+import {query, queue, type Turn} from '../recorder/wire';
 import {kSilenceMs} from './health';
 import {dropDraft, keepDraft, loadDraft} from './memory';
 import {get, patchSection, sectionState, type Note, type SectionState} from './store';
@@ -115,8 +115,17 @@ async function load(section: Section, whole: Whole) {
   }
 }
 
+let visit = 0;
+
+// Gives up what a page that is left still wants.
+export function dropReads() {
+  visit++;
+  for (const group of ['page', 'poll']) queue.drop(group);
+}
+
 // Reads what a page shows, in the order in which it shows it.
 export async function loadPage(page: PageId) {
+  const own = ++visit;
   const sections = readOn(page);
   let config: Promise<Settings | null> | null = null;
   const whole = () => config || (config = wholeConfig({group: 'page'}));
@@ -124,7 +133,7 @@ export async function loadPage(page: PageId) {
     const {loading} = sectionState(section.id);
     if (loading.state === 'failed') patchSection(section.id, {loading: {state: 'waiting'}});
   }
-  for (const section of sections) await load(section, whole);
+  for (const section of sections) if (own === visit) await load(section, whole);
 }
 
 // The fields that count now.

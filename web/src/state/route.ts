@@ -1,9 +1,9 @@
 // The address decides which page is shown, so that back, reload and bookmarks work.
 import {sectionsOf, type PageId} from '../model/sections';
-import {queue, readClock} from '../recorder/wire';
+import {readClock} from '../recorder/wire';
 import {answerDialog} from './dialog';
 import {loadLock} from './passwordLock';
-import {loadPage, tryWhole} from './reading';
+import {dropReads, loadPage, tryWhole} from './reading';
 import {bring} from './scripts';
 import {renewBehind} from './session';
 import {get, isPast, patchSection, sectionState, set, type ScriptName} from './store';
@@ -39,7 +39,7 @@ function witnessOf(page: PageId) {
 // Reads what the page shows, and again after a time-out.
 export function read() {
   const {page} = get();
-  for (const group of ['page', 'poll']) queue.drop(group);
+  dropReads();
   if (page === 'status' || page === 'maintenance') void pollStatus();
   const script = kScripts[page];
   if (script) void readWith(script, page);

@@ -29,3 +29,15 @@ test('a configuration that could not be read is asked for again when the user sa
   for (let turns = 0; turns < 20; turns++) await new Promise((resume) => { setImmediate(resume); });
   assert.deepEqual([exports(), sectionState('cameras').loading.state], [2, 'loaded']);
 });
+
+test('what a page that was left still wanted is not asked for', async () => {
+  answers.export_CfgFile = kWhole;
+  const left = loadPage('network');
+  await loadPage('network');
+  assert.equal(asked.filter((name) => name === 'get_LocalNetInfo').length, 1);
+  set({page: 'video'});
+  const leaving = loadPage('network');
+  readAgain();
+  await Promise.all([left, leaving]);
+  assert.equal(asked.filter((name) => name === 'get_LocalNetInfo').length, 1);
+});
