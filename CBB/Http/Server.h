@@ -94,7 +94,7 @@ class CServer : private CWatcher, private CHost {
   CTurnQueue m_turns;    // clients that have a request now
   CTurnQueue m_further;  // clients that have had their turn in this round
   bool m_bServing = false;
-  std::vector<CConnection*> m_answered;  // served served in this round; null: gone
+  std::vector<CConnection*> m_answered;  // served in this round; null: gone
   size_t m_nSent = 0;                    // how many of their replies are sent or being sent
   uint64_t m_nAcceptMs = 0;              // when to listen again; 0 while listening
   std::vector<CConnection*> m_parting;   // in the order of their deadlines

@@ -130,6 +130,15 @@ TEST_F(FilesTest, LooksAtAFileAnewInEverySecond) {
   EXPECT_THAT(Fetch("/page.css", strKnown), StartsWith("HTTP/1.1 404 Not Found\r\n"));
 }
 
+TEST_F(FilesTest, AnswersFromMemoryUnderThePlainNameOnly) {
+  const std::vector<std::string> uris = {"/page.css", "//page.css", "/./page.css", "/%70age.css"};
+  for (const std::string& strUri : uris) EXPECT_THAT(Fetch(strUri), EndsWith(kPage)) << strUri;
+  Write("root/page.css", "another page");
+  for (const std::string& strUri : uris) {
+    EXPECT_THAT(Fetch(strUri), EndsWith(strUri == "/page.css" ? kPage : "another page")) << strUri;
+  }
+}
+
 TEST_F(FilesTest, AnswersByMethod) {
   const struct {
     const char* pszMethod;

@@ -159,6 +159,8 @@ TEST(RequestLimits, RefuseAHeadAsSoonAsItIsTooLong) {
   EXPECT_EQ("refused 431", Read(strLine + std::string(8192 - strLine.size(), 'a')));
   EXPECT_EQ("partial", Read("GET /" + std::string(8191 - 5, 'a')));
   EXPECT_EQ("refused 414", Read("GET /" + std::string(8192 - 5, 'a')));
+  EXPECT_EQ("partial", Read(std::string(8191, 'F')));
+  EXPECT_EQ("refused 414", Read(std::string(8192, 'F')));
 }
 
 TEST(RequestLimits, HoldForTheBody) {
