@@ -2,6 +2,7 @@
 
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -39,11 +40,6 @@ void CBody::Swap(CBody& other) {
   std::swap(m_nLeft, other.m_nLeft);
 }
 
-void CBody::Skip(size_t nSize) {
-  m_nAt += nSize;
-  m_nLeft -= nSize;
-}
-
 bool CBody::IsUnchanged() const {
   struct stat st {};
   return fstat(m_nFd, &st) == 0 && st.st_ctim.tv_sec == m_changed.tv_sec &&
@@ -55,18 +51,39 @@ size_t CBody::Held() const {
   return m_pText.use_count() == 1 ? m_pText->size() : 0;
 }
 
-ssize_t CBody::SendTo(int nSock) {
-  const ssize_t nSent =
-      m_pLent != nullptr ? m_pLent->SendTo(nSock, m_nAt, m_nLeft) : SendCopy(nSock);
+ssize_t CBody::SendAfter(std::string_view head, int nSock) {
+  const ssize_t nSent = SendBoth(head, nSock);
   if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
   if (nSent == 0) return -1;  // the file should be longer
-  Skip(static_cast<size_t>(nSent));
+  const size_t nText =
+      static_cast<size_t>(nSent) - std::min(static_cast<size_t>(nSent), head.size());
+  m_nAt += nText;
+  m_nLeft -= nText;
   return nSent;
+}
+
+ssize_t CBody::SendBoth(std::string_view head, int nSock) const {
+  if (m_pText != nullptr) return SendText(head, nSock);
+  if (!head.empty()) {
+    const int nMore = m_nLeft > 0 ? MSG_MORE : 0;
+    return send(nSock, head.data(), std::min(head.size(), kMostAtOnce), MSG_NOSIGNAL | nMore);
+  }
+  return m_pLent != nullptr ? m_pLent->SendTo(nSock, m_nAt, m_nLeft) : SendCopy(nSock);
+}
+
+// Head and text in one call.
+ssize_t CBody::SendText(std::string_view head, int nSock) const {
+  iovec parts[2] = {{const_cast<char*>(head.data()), head.size()},
+                    {const_cast<char*>(m_pText->data() + m_nAt), m_nLeft}};
+  msghdr message{};
+  message.msg_iov = parts;
+  message.msg_iovlen = 2;
+  return sendmsg(nSock, &message, MSG_NOSIGNAL);
 }
 
 // Copied: pages that sendfile lends to the socket would go on changing with the file. 0 when the
 // file has changed.
-ssize_t CBody::SendCopy(int nSock) {
+ssize_t CBody::SendCopy(int nSock) const {
   static char s_buffer[kMostAtOnce];
   const size_t nWanted = std::min(m_nLeft, kMostAtOnce);
   const ssize_t nGot = pread(m_nFd, s_buffer, nWanted, static_cast<off_t>(m_nAt));

@@ -8,6 +8,7 @@
 #include <ctime>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "CBB/Http/LentText.h"
 
@@ -35,26 +36,21 @@ class CBody {
 
   size_t Left() const { return m_nLeft; }
   bool HoldsFile() const { return m_nFd >= 0; }
-  bool IsInMemory() const { return m_pText != nullptr; }
-
   // The bytes of a text that only this object still holds.
   size_t Held() const;
 
-  // For a text in memory: where the unsent part begins.
-  const char* Text() const { return m_pText->data() + m_nAt; }
-
-  // Notes that nSize more bytes were sent.
-  void Skip(size_t nSize);
-
-  // For anything else: sends part of the rest to the socket. Returns how much; 0 when the socket is
-  // full; -1 when the rest cannot be sent because the client is gone or the file has changed.
-  ssize_t SendTo(int nSock);
+  // Sends some of the head and of what is left of the body. Returns how much of both together; 0
+  // when the socket is full; -1 when the rest cannot be sent because the client is gone or the file
+  // has changed.
+  ssize_t SendAfter(std::string_view head, int nSock);
 
  private:
   void Swap(CBody& other);
   bool IsUnchanged() const;
 
-  ssize_t SendCopy(int nSock);
+  ssize_t SendBoth(std::string_view head, int nSock) const;
+  ssize_t SendText(std::string_view head, int nSock) const;
+  ssize_t SendCopy(int nSock) const;
 
   std::shared_ptr<const std::string> m_pText;
   std::shared_ptr<const CLentText> m_pLent;

@@ -1,11 +1,9 @@
 #include "CBB/Http/Connection.h"
 
 #include <sys/socket.h>
-#include <sys/uio.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <new>
 #include <string_view>
 
@@ -218,30 +216,9 @@ void CConnection::Watch() { m_host.Events().Want(m_conn, WantsBytes(), !AllSent(
 // The number of bytes sent: 0 when the socket is full, -1 when the client is gone.
 ssize_t CConnection::SendSome() {
   mbuf& head = m_conn.send_mbuf;
-  if (head.len == 0 && !m_body.IsInMemory()) return m_body.SendTo(m_conn.sock);
-  const ssize_t nSent = m_body.IsInMemory() ? SendWithText() : SendHead();
-  if (nSent < 0) return errno == EAGAIN || errno == EINTR ? 0 : -1;
-  const size_t nHead = std::min(static_cast<size_t>(nSent), head.len);
-  TakeOff(head, nHead);
-  m_body.Skip(static_cast<size_t>(nSent) - nHead);
+  const ssize_t nSent = m_body.SendAfter(Text(head), m_conn.sock);
+  if (nSent > 0) TakeOff(head, std::min(static_cast<size_t>(nSent), head.len));
   return nSent;
-}
-
-// Like send. A file follows at once.
-ssize_t CConnection::SendHead() {
-  const mbuf& head = m_conn.send_mbuf;
-  const int nMore = m_body.Left() > 0 ? MSG_MORE : 0;
-  return send(m_conn.sock, head.buf, std::min(head.len, kMostAtOnce), MSG_NOSIGNAL | nMore);
-}
-
-// Head and text in one call.
-ssize_t CConnection::SendWithText() {
-  const mbuf& head = m_conn.send_mbuf;
-  iovec parts[2] = {{head.buf, head.len}, {const_cast<char*>(m_body.Text()), m_body.Left()}};
-  msghdr message{};
-  message.msg_iov = parts;
-  message.msg_iovlen = 2;
-  return sendmsg(m_conn.sock, &message, MSG_NOSIGNAL);
 }
 
 void CConnection::Sent() {

@@ -96,8 +96,6 @@ class CConnection {
   void Part();
   void Answer();
   ssize_t SendSome();
-  ssize_t SendHead();
-  ssize_t SendWithText();
   void Sent();
 
   CHost& m_host;

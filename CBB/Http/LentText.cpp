@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/sendfile.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -13,6 +14,8 @@ namespace {
 // pages.
 int g_nFile = -1;
 off_t g_nEnd = 0;
+
+constexpr off_t kRest = 1 << 30;  // more than the system can have taken behind the last text
 
 int MemoryFile() {
 #ifdef SYS_memfd_create
@@ -28,6 +31,27 @@ off_t WholePages(size_t nSize) {
   return static_cast<off_t>((nSize + nPage - 1) / nPage * nPage);
 }
 
+// The memory that the file takes, in bytes.
+off_t Taken() {
+  constexpr off_t kBlock = 512;
+  struct stat st {};
+  return fstat(g_nFile, &st) == 0 ? st.st_blocks * kBlock : 0;
+}
+
+// Puts a text behind the others. False when memory is short or the system did not take exactly the
+// pages of the text: to give back a part of a larger one would change what sockets hold of it.
+bool Write(std::string_view text) {
+  const off_t nBefore = Taken();
+  const ssize_t nWritten = pwrite(g_nFile, text.data(), text.size(), g_nEnd);
+  return nWritten == static_cast<ssize_t>(text.size()) &&
+         Taken() == nBefore + WholePages(text.size());
+}
+
+// What sockets hold of these pages stays as it is.
+void GiveBack(off_t nAt, off_t nSize) {
+  fallocate(g_nFile, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, nAt, nSize);
+}
+
 }  // namespace
 
 void CLentText::Prepare() {
@@ -38,14 +62,15 @@ std::shared_ptr<const CLentText> CLentText::Make(std::string_view text) {
   Prepare();
   if (g_nFile < 0) return nullptr;
   auto pText = std::make_shared<const CLentText>(g_nEnd, text.size());
-  const ssize_t nWritten = pwrite(g_nFile, text.data(), text.size(), g_nEnd);
+  if (!Write(text)) {
+    GiveBack(g_nEnd, kRest);
+    return nullptr;
+  }
   g_nEnd += WholePages(text.size());
-  return nWritten == static_cast<ssize_t>(text.size()) ? pText : nullptr;
+  return pText;
 }
 
-CLentText::~CLentText() {
-  fallocate(g_nFile, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, m_nAt, WholePages(m_nSize));
-}
+CLentText::~CLentText() { GiveBack(m_nAt, WholePages(m_nSize)); }
 
 ssize_t CLentText::SendTo(int nSock, size_t nAt, size_t nSize) const {
   off_t nFrom = m_nAt + static_cast<off_t>(nAt);

@@ -14,8 +14,8 @@ class CLentText {
   // Opens the file that holds all texts, so that the first text does not have to. Call once.
   static void Prepare();
 
-  // A copy of the text, which must not be empty; null where the system has no such pages or no
-  // memory.
+  // A copy of the text, which must not be empty. Null when memory is short, and where the system
+  // has no such pages or shares one large page between texts.
   static std::shared_ptr<const CLentText> Make(std::string_view text);
 
   CLentText(off_t nAt, size_t nSize) : m_nAt(nAt), m_nSize(nSize) {}

@@ -1,36 +1,18 @@
 #include "CBB/Http/LentText.h"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <string>
 #include <system_error>
 
+#include "tests/unit/Http/SocketPair.h"
+
 namespace {
-
-// Two ends of one connection.
-class CPair {
- public:
-  CPair() { EXPECT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, m_ends)); }
-  ~CPair() {
-    for (const int nEnd : m_ends) close(nEnd);
-  }
-  CPair(const CPair&) = delete;
-  CPair& operator=(const CPair&) = delete;
-
-  int Sender() const { return m_ends[0]; }
-  std::string Receive(size_t nSize) const {
-    std::string strText(nSize, '\0');
-    EXPECT_EQ(static_cast<ssize_t>(nSize), recv(m_ends[1], strText.data(), nSize, MSG_WAITALL));
-    return strText;
-  }
-
- private:
-  int m_ends[2] = {-1, -1};
-};
 
 TEST(LentText, SendsAnyPart) {
   const std::string strText = std::string(5000, 'a') + std::string(5000, 'b');
@@ -41,7 +23,7 @@ TEST(LentText, SendsAnyPart) {
     size_t nAt;
     size_t nSize;
   } rows[] = {{0, 10000}, {0, 1}, {4999, 2}, {9999, 1}};
-  const CPair pair;
+  const CSocketPair pair;
   for (const auto& row : rows) {
     EXPECT_EQ(static_cast<ssize_t>(row.nSize), pText->SendTo(pair.Sender(), row.nAt, row.nSize));
     EXPECT_EQ(strText.substr(row.nAt, row.nSize), pair.Receive(row.nSize)) << row.nAt;
@@ -50,7 +32,7 @@ TEST(LentText, SendsAnyPart) {
 
 // A socket keeps the pages lent to it after the text is gone and others have come.
 TEST(LentText, StaysTheSameInTheSocket) {
-  const CPair pair;
+  const CSocketPair pair;
   auto pText = CLentText::Make(std::string(8192, 'a'));
   ASSERT_NE(nullptr, pText);
   ASSERT_EQ(8192, pText->SendTo(pair.Sender(), 0, 8192));
@@ -60,16 +42,20 @@ TEST(LentText, StaysTheSameInTheSocket) {
   EXPECT_EQ(std::string(8192, 'a'), pair.Receive(8192));
 }
 
-// What the file of all texts takes of memory: it is the one of its name that the process has open.
-blkcnt_t Blocks() {
+// The file of all texts: the one of its name that the process has open.
+int TextFile() {
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code none;
     const std::string strTarget = std::filesystem::read_symlink(entry.path(), none).string();
-    struct stat st {};
-    if (strTarget.rfind("/memfd:webctrl", 0) == 0 && stat(entry.path().c_str(), &st) == 0)
-      return st.st_blocks;
+    if (strTarget.rfind("/memfd:webctrl", 0) == 0) return std::stoi(entry.path().filename());
   }
   return -1;
+}
+
+// What it takes of memory.
+blkcnt_t Blocks() {
+  struct stat st {};
+  return fstat(TextFile(), &st) == 0 ? st.st_blocks : -1;
 }
 
 TEST(LentText, GivesItsMemoryBackWhenItGoes) {
@@ -84,10 +70,58 @@ TEST(LentText, GivesItsMemoryBackWhenItGoes) {
   }
 }
 
+// Until it goes, the files that the process writes may only reach this size.
+class CSizeLimit {
+ public:
+  explicit CSizeLimit(off_t nSize) {
+    EXPECT_EQ(0, getrlimit(RLIMIT_FSIZE, &m_before));
+    const rlimit now{static_cast<rlim_t>(nSize), m_before.rlim_max};
+    EXPECT_EQ(0, setrlimit(RLIMIT_FSIZE, &now));
+  }
+  ~CSizeLimit() {
+    EXPECT_EQ(0, setrlimit(RLIMIT_FSIZE, &m_before));
+    signal(SIGXFSZ, m_pfnBefore);
+  }
+  CSizeLimit(const CSizeLimit&) = delete;
+  CSizeLimit& operator=(const CSizeLimit&) = delete;
+
+ private:
+  void (*m_pfnBefore)(int) = signal(SIGXFSZ, SIG_IGN);
+  rlimit m_before{};
+};
+
+TEST(LentText, IsNullWhenNotAllOfItCanBeWritten) {
+  const auto pBefore = CLentText::Make("x");
+  ASSERT_NE(nullptr, pBefore);
+  struct stat st {};
+  ASSERT_EQ(0, fstat(TextFile(), &st));
+  const auto nPage = static_cast<off_t>(sysconf(_SC_PAGESIZE));
+  const CSizeLimit limit((st.st_size / nPage + 1) * nPage + 3);
+  EXPECT_EQ(nullptr, CLentText::Make("text"));
+  EXPECT_NE(nullptr, CLentText::Make("tex"));
+}
+
+// As on a system that takes much larger pages, which several texts would have to share.
+TEST(LentText, IsNullWhereThePagesAreNotItsOwn) {
+  CLentText::Prepare();
+  const blkcnt_t before = Blocks();
+  struct stat st {};
+  ASSERT_EQ(0, fstat(TextFile(), &st));
+  const auto nPage = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+  const off_t nEnd = st.st_size + static_cast<off_t>(nPage);
+  const std::string strPages(8 * nPage, 'x');
+  ASSERT_LT(0, pwrite(TextFile(), strPages.data(), strPages.size(), nEnd));
+  ASSERT_LT(before, Blocks());
+  EXPECT_EQ(nullptr, CLentText::Make(std::string(4 * nPage, 'a')));
+  EXPECT_EQ(before, Blocks());
+  const auto pText = CLentText::Make("a");
+  EXPECT_NE(nullptr, pText);
+}
+
 TEST(LentText, TextsDoNotMeet) {
   const auto pOne = CLentText::Make("one");
   const auto pTwo = CLentText::Make("two");
-  const CPair pair;
+  const CSocketPair pair;
   pOne->SendTo(pair.Sender(), 0, 3);
   pTwo->SendTo(pair.Sender(), 0, 3);
   EXPECT_EQ("onetwo", pair.Receive(6));
