@@ -160,4 +160,32 @@ TEST_F(LibraryMemoryTest, FileIsSentWholeOrNotAtAll) {
   }
 }
 
+// Page and include are opened one after the other; neither may stay open.
+TEST_F(LibraryMemoryTest, PageWithAnIncludeIsSentWholeOrNotAtAll) {
+  const std::string strRequest = "GET /page.shtml HTTP/1.1\r\n\r\n";
+  CWebRoot root;
+  CTestServer server(&CWebRoot::Serve);
+  const auto PollUntilAllHaveGone = [&] {
+    server.PollUntil([&] { return server.Connections() == 0; });
+  };
+  root.Write("root/page.shtml", "[<!--#include file=\"page.css\" -->]");
+  root.Write("root/page.css", "a page");
+  const std::string strWhole = WithoutDate(Exchange(server, strRequest));
+  EXPECT_NE(std::string::npos, strWhole.find("[a page]"));
+  PollUntilAllHaveGone();
+  const size_t nBefore = OpenDescriptors();
+  int nFailing = 1;
+  for (bool bMet = true; bMet; ++nFailing) {
+    {
+      CTestClient client(server);
+      client.Send(strRequest);
+      bMet = CNoHeap(nFailing).Meets([&] { server.Poll(); });
+      EXPECT_EQ(bMet ? "" : strWhole, WithoutDate(client.Received())) << nFailing;
+    }
+    PollUntilAllHaveGone();
+    EXPECT_EQ(nBefore, OpenDescriptors()) << nFailing;
+  }
+  EXPECT_GT(nFailing, 3);
+}
+
 }  // namespace

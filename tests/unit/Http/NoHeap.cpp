@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -34,6 +35,12 @@ void* __wrap_calloc(size_t nCount, size_t nSize) {  // NOLINT
 }
 void* __wrap_realloc(void* pBlock, size_t nSize) {  // NOLINT
   return nSize != 0 && Fails() ? nullptr : __real_realloc(pBlock, nSize);
+}
+
+// It allocates inside the C library.
+FILE* __real_fdopen(int nFd, const char* pszMode);   // NOLINT
+FILE* __wrap_fdopen(int nFd, const char* pszMode) {  // NOLINT
+  return Fails() ? nullptr : __real_fdopen(nFd, pszMode);
 }
 }
 

@@ -1,5 +1,5 @@
-// Makes allocations of one thread fail: malloc, calloc, realloc and new fail from the nth call on
-// while a function runs. The test program's own heap functions count the calls.
+// Makes allocations of one thread fail: malloc, calloc, realloc, new and fdopen fail from the nth
+// call on while a function runs. The test program's own heap functions count the calls.
 #pragma once
 
 #include <functional>

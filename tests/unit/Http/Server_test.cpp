@@ -167,14 +167,31 @@ TEST_F(ServerTest, ClosesWhoMakesItHoldMost) {
   for (size_t i = 0; i < clients.size(); ++i) EXPECT_EQ(i == 4, clients[i]->IsOver()) << i;
 }
 
-void AnswerAtLength(mg_connection* pConn, int nEvent, void* /*pData*/) {
-  static const std::string s_strReply(6U << 20, 'x');
+template <size_t kLength>
+void AnswerWithBytes(mg_connection* pConn, int nEvent, void* /*pData*/) {
+  static const std::string s_strReply(kLength, 'x');
   if (nEvent != MG_EV_HTTP_REQUEST) return;
   mg_send(pConn, s_strReply.data(), static_cast<int>(s_strReply.size()));
 }
+constexpr auto AnswerAtLength = AnswerWithBytes<6U << 20>;
+
+// At some reply the socket takes a part and then nothing more.
+TEST_F(ServerTest, GoesOnBesideRepliesThatAreReadLate) {
+  constexpr size_t kLength = 100000;
+  constexpr size_t kReplies = 60;
+  CTestServer server(&AnswerWithBytes<kLength>);
+  CTestClient late(server, 4096), other(server);
+  std::string strRequests;
+  for (size_t i = 0; i < kReplies; ++i) strRequests += Get("/");
+  late.Send(strRequests);
+  for (size_t i = 0; i < kReplies; ++i) server.Poll();
+  other.Send(Get("/"));
+  EXPECT_EQ(kLength, other.Await(kLength).size());
+  EXPECT_EQ(kReplies * kLength, late.Await(kReplies * kLength).size());
+}
 
 TEST_F(ServerTest, CountsRepliesThatAreNotRead) {
-  CTestServer server(&AnswerAtLength);
+  CTestServer server(AnswerAtLength);
   CTestClient first(server, 4096), second(server, 4096);
   first.Send(Get("/"));
   first.Await(1);
@@ -198,7 +215,7 @@ TEST_F(ServerTest, HoldsNothingOfARequestThatWasAnswered) {
 }
 
 TEST_F(ServerTest, HoldsNothingOfAReplyThatWasRead) {
-  CTestServer server(&AnswerAtLength);
+  CTestServer server(AnswerAtLength);
   Clients clients;
   for (size_t i = 0; i < 4; ++i) {
     clients.push_back(std::make_unique<CTestClient>(server));
