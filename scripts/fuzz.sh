@@ -25,11 +25,20 @@ configure_and_build() {
     cmake --build "$build" -j "$(nproc)" --target "${targets[@]/#/fuzz_}"
 }
 
+# The words of a target: those of HTTP are also the endpoints, from the daemon's own table.
+words_of() {
+  cat "$root/fuzz/dict/$1.dict" || return
+  [ "$1" != http ] || grep -oE '^ +\{"/\w+"' "$root/CBB/WebCtrl/Routes.h" | tr -d ' {'
+}
+
 # New inputs beyond the corpus are kept for the next run in build/fuzz/corpus.
 run_target() {
   local name=$1 log=$build/$1.log found=$build/corpus/$1 dict=()
   mkdir -p "$found" "$build/findings"
-  [ ! -f "$root/fuzz/dict/$name.dict" ] || dict=(-dict="$root/fuzz/dict/$name.dict")
+  if [ -f "$root/fuzz/dict/$name.dict" ]; then
+    words_of "$name" >"$build/$name.dict" || fail "$name: no words to fuzz with"
+    dict=(-dict="$build/$name.dict")
+  fi
   if "$build/bin/fuzz_$name" "${dict[@]}" -max_total_time="$seconds" -timeout=5 -max_len=16384 \
     -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$build/findings/$name-" \
     "$found" "$root/fuzz/corpus/$name" >"$log" 2>&1; then

@@ -22,6 +22,10 @@ READS = [
     (r'mg_get_http_var\(&pMsg->body, "(\w+)"', "kAlways"),
 ]
 
+# The router's table, and the class with a member for each endpoint.
+LISTS = {"CBB/WebCtrl/Routes.h", "CBB/WebCtrl/WebCtrl.h"}
+NO_LISTS = ("CBB", "bench", "fuzz", "scripts", "tests", "tools", "web/src", "web/test")
+
 ROW = re.compile(r"^\| `(\w+)` \| (\w+) \| (\d[\d,]*)(?: → (\d+))? \| .+ \|$", re.M)
 
 
@@ -55,6 +59,23 @@ def test_sections_follow_the_router():
     assert len(routes()) == 35
     numbered = [f"{number} `{uri}`" for number, uri in enumerate(routes(), 1)]
     assert list(endpoint_sections()) == numbered
+
+
+def files_below(folder):
+    for path, folders, names in os.walk(os.path.join(ROOT, folder)):
+        folders[:] = [name for name in folders if name != "node_modules"]
+        yield from (os.path.relpath(os.path.join(path, name), ROOT) for name in names)
+
+
+def named_endpoints(path):
+    with open(os.path.join(ROOT, path), encoding="utf-8", errors="replace") as file:
+        return {uri[1:] for uri in routes()} & set(re.findall(r"\w+", file.read()))
+
+
+def test_endpoints_are_listed_once_in_sources_and_tests():
+    """Whatever needs all of them takes them from the router's table."""
+    paths = {path for folder in NO_LISTS for path in files_below(folder)}
+    assert {path for path in paths if len(named_endpoints(path)) == len(routes())} == LISTS
 
 
 def test_form_variables_and_their_rules_are_those_of_the_sources():
