@@ -41,6 +41,16 @@ SENTENCES = {
         "| Request line and field lines | {kMaxHeadBytes} bytes, {kMaxFieldLines} lines |",
         "| Body | {kMaxBodyBytes:MiB} MiB",
         "| Open connections | {kMaxConnections}",
+        "A session ends after {kIdleLimitSec} seconds",
+        "whose {kIdleLimitSec} seconds then start again",
+        "the service's clock − {kClockOffsetSec} − the stored lock time",
+        "| fewer than {kMaxErrors} errors, or *elapsed* below {kLockOutSec} |",
+        "| {kMaxErrors} errors or more, and the hour is over |",
+        "| `strConfirmPasswd` | always | {kPasswdMost} |",
+        "| `strFD_AdminPasswd` | always | {kPasswdMost} |",
+        "| `strFD_LensId` | always | {kFormMost} |",
+        "| `strFD_AlarmInId` | always | {kFormMost} |",
+        "| `strFD_ServerIp` | text | {kFormMost} →",
     ],
     "docs/architecture.md": [
         "udp {kLocalPort}, eth0's address",
@@ -58,8 +68,16 @@ SENTENCES = {
         "{kMaxConnections} connections (`kMaxConnections`)",
         "{kMaxHeldBytes:MiB} MiB for all",
         "{kDefaultStackSize:KiB} KiB (`kDefaultStackSize`)",
+        "the only exception is the {kCfgSize:KiB} KiB text of an import",
+        "longest reply ({kMaxQueryReply} bytes by default)",
     ],
-    "docs/deployment.md": ["| {kLocalPort}/udp | that of `eth0`"],
+    "docs/deployment.md": [
+        "| {kLocalPort}/udp | that of `eth0`",
+        "| a body of more than {kMaxBodyBytes:MiB} MiB,",
+        "| during the {kRestartPauseSec} seconds after an accepted set |",
+        "the path of `web_root` has at most {kMaxWebRoot} characters",
+        "The server thread's stack is {kDefaultStackSize:KiB} KiB,",
+    ],
     "docs/device-protocol.md": [
         "| Requests come from | port {kLocalPort},",
         "| Answer within | {kDeviceTimeoutSec} seconds; {kImportTimeoutSec} seconds for an import |",
@@ -104,6 +122,7 @@ SENTENCES = {
         "| `kPartMs` | {kPartMs:s} s |",
         "`kMaxCachedFile` | {kMaxCacheBytes:MiB} MiB, {kMaxCachedFile:KiB} KiB each |",
         "| `kMaxLentBytes` | {kMaxLentBytes:KiB} KiB |",
+        "| `kMaxFiles` | {kMaxFiles} |",
         "| `kMessageSize` | {kMessageMost} bytes |",
     ],
 }
@@ -163,6 +182,8 @@ def told(of):
         "kImportMost": of["kCfgSize"] - 1,
         "kExportMost": of["kCfgSize"] - 5,
         "kMessageMost": of["kMessageSize"] - 1,
+        "kPasswdMost": of["kPasswdSize"] - 1,
+        "kFormMost": of["kFormSize"] - 1,
         "capacities": f"{', '.join(sizes[:-1])} or {sizes[-1]}",
     }
 
