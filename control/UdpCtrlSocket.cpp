@@ -43,7 +43,7 @@ bool HasAnswered(int nSock) {
 CUdpCtrlSocket::CUdpCtrlSocket(const char* pszDstIp, uint16_t usDstPort, uint16_t usLocalPort,
                                uint8_t ucBroadcast, const char* pszIfName)
     : m_usDstPort(usDstPort), m_usLocalPort(usLocalPort), m_ucBroadcast(ucBroadcast) {
-  assert(pszDstIp && pszIfName);
+  assert(pszDstIp != nullptr && pszIfName != nullptr);
   strncpy(m_szDstIp, pszDstIp, sizeof(m_szDstIp) - 1);
   strncpy(m_szIfName, pszIfName, sizeof(m_szIfName) - 1);
   OpenCtrlSocket();
@@ -137,7 +137,7 @@ int CUdpCtrlSocket::FillDestination(sockaddr_in& dst) const {
 }
 
 int CUdpCtrlSocket::SendDataToHost(const void* pData, int nLen) {
-  assert(pData && nLen >= 0);
+  assert(pData != nullptr && nLen >= 0);
   FlushStale();
   sockaddr_in dst{};
   if (FillDestination(dst)) return -1;
@@ -170,7 +170,7 @@ int CUdpCtrlSocket::WaitReadable(int nTimeoutSec) const {
 }
 
 int CUdpCtrlSocket::RecvDataFromHost(void* pBuf, int& nLen, int nTimeoutSec) {
-  assert(pBuf);
+  assert(pBuf != nullptr);
   if (const int nRet = WaitReadable(nTimeoutSec)) return nRet;
   // On the heap: the thread's stack is only 128 KiB.
   const std::unique_ptr<uint8_t[]> pWork(new (std::nothrow) uint8_t[kReplyMax]);

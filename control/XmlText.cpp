@@ -157,7 +157,7 @@ bool IsPlainAndFlat(const char* pszText) {
 }  // namespace
 
 int ParseXml(TiXmlDocument& doc, const char* pszText) {
-  assert(pszText);
+  assert(pszText != nullptr);
   doc.Clear();
   // Rows and columns are never used, and older builds of the parser loop forever counting them in a
   // text that is cut inside a character.

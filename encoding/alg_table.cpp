@@ -35,7 +35,7 @@ uint32_t Find(const alg_table* pTable, uint32_t uiKey, uint32_t* pPrevious) {
 
 alg_table* Table_new(int nHint, TableCompare pfnCmp, TableHash pfnHash) {
   ENC_ASSERT(nHint >= 0, "hint >= 0");
-  ENC_ASSERT(pfnCmp && pfnHash, "cmp && hash");
+  ENC_ASSERT(pfnCmp != nullptr && pfnHash != nullptr, "cmp && hash");
   const uint32_t uiHint = static_cast<uint32_t>(nHint);
   int nPrime = 1;
   while (kPrimes[nPrime] < uiHint) ++nPrime;
@@ -54,19 +54,19 @@ alg_table* Table_new(int nHint, TableCompare pfnCmp, TableHash pfnHash) {
 }
 
 void Table_free(alg_table** ppTable) {
-  ENC_ASSERT(ppTable && *ppTable, "table && *table");
+  ENC_ASSERT(ppTable != nullptr && *ppTable != nullptr, "table && *table");
   free((*ppTable)->pEntries);
   free(*ppTable);
   *ppTable = nullptr;
 }
 
 int Table_length(const alg_table* pTable) {
-  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(pTable != nullptr, "table");
   return pTable->nLength;
 }
 
 uint32_t Table_get(const alg_table* pTable, uint32_t uiKey) {
-  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(pTable != nullptr, "table");
   ENC_ASSERT(uiKey, "key");
   uint32_t uiPrevious;
   return pTable->pEntries[Find(pTable, uiKey, &uiPrevious)].uiValue;
@@ -93,7 +93,7 @@ uint32_t TakeEntry(alg_table* pTable) {
 }  // namespace
 
 int64_t Table_put(alg_table* pTable, uint32_t uiKey, uint32_t uiValue) {
-  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(pTable != nullptr, "table");
   ENC_ASSERT(uiKey, "key");
   uint32_t uiLast;
   if (const uint32_t uiFound = Find(pTable, uiKey, &uiLast)) {
@@ -115,7 +115,7 @@ int64_t Table_put(alg_table* pTable, uint32_t uiKey, uint32_t uiValue) {
 }
 
 uint32_t Table_remove(alg_table* pTable, uint32_t uiKey) {
-  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(pTable != nullptr, "table");
   ENC_ASSERT(uiKey, "key");
   uint32_t uiPrevious;
   uint32_t uiEntry = Find(pTable, uiKey, &uiPrevious);
@@ -151,8 +151,8 @@ void ForEach(const alg_table* pTable, F visit) {
 }  // namespace
 
 void Table_map(alg_table* pTable, TableVisit pfnApply, void* pArg) {
-  ENC_ASSERT(pTable, "table");
-  ENC_ASSERT(pfnApply, "apply");
+  ENC_ASSERT(pTable != nullptr, "table");
+  ENC_ASSERT(pfnApply != nullptr, "apply");
   const uint32_t uiBefore = pTable->uiChanges;
   ForEach(pTable, [=](stTableEntry& entry) {
     pfnApply(entry.uiKey, &entry.uiValue, pArg);
@@ -161,7 +161,7 @@ void Table_map(alg_table* pTable, TableVisit pfnApply, void* pArg) {
 }
 
 uint32_t* Table_toArray(const alg_table* pTable, uint32_t uiEnd) {
-  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(pTable != nullptr, "table");
   const size_t nNumbers = static_cast<size_t>(pTable->nLength) * 2 + 1;
   uint32_t* pArray = static_cast<uint32_t*>(malloc(nNumbers * sizeof(uint32_t)));
   if (pArray == nullptr) return nullptr;

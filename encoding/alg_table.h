@@ -83,7 +83,7 @@ inline uint32_t TableBucket(const alg_table* pTable, uint16_t usHash) {
 // branched on.
 template <TableHash kHash>
 inline uint32_t Table_get(const alg_table* pTable, uint32_t uiKey) {
-  ENC_ASSERT(pTable, "table");
+  ENC_ASSERT(pTable != nullptr, "table");
   ENC_ASSERT(uiKey, "key");
   const uint32_t uiBucket = TableBucket(pTable, kHash(uiKey));
   const stTableEntry& first = pTable->pEntries[uiBucket];

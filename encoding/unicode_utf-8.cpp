@@ -171,47 +171,47 @@ inline int PutEitherGbk(uint32_t uiUnic, char* pOutput) {
 }  // namespace
 
 int enc_GBK_to_unicode_one(uint16_t usGbk, uint32_t* pUcs) {
-  ENC_ASSERT(pUcs, "ucs != ((void *)0)");
+  ENC_ASSERT(pUcs != nullptr, "ucs != ((void *)0)");
   return GbkPair(usGbk, pUcs);
 }
 
 int enc_GBK_to_unicode(const char* pInput, int nLen, uint32_t* pOutput, int* nMembOut) {
-  ENC_ASSERT(pInput && pOutput, kTextArrays);
-  ENC_ASSERT(nMembOut && *nMembOut >= 1, "*nMembOut >= 1");
+  ENC_ASSERT(pInput != nullptr && pOutput != nullptr, kTextArrays);
+  ENC_ASSERT(nMembOut != nullptr && *nMembOut >= 1, "*nMembOut >= 1");
   return ToCodePoints<2>(pInput, nLen, pOutput, nMembOut, GbkCharacter, EitherGbk);
 }
 
 int enc_GBK_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut) {
-  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  ENC_ASSERT(pInput != nullptr && pOutput != nullptr, kTextArrays);
   return enc_GBK_to_unicode(pInput, static_cast<int>(strlen(pInput)), pOutput, nMembOut);
 }
 
 int enc_utf8_to_unicode_one(const char* pInput, uint32_t* pUnic) {
-  ENC_ASSERT(pInput && pUnic, "pInput != ((void *)0) && Unic != ((void *)0)");
+  ENC_ASSERT(pInput != nullptr && pUnic != nullptr, "pInput != ((void *)0) && Unic != ((void *)0)");
   *pUnic = 0;
   return Utf8Character(pInput, pUnic);
 }
 
 int enc_utf8_to_unicode(const char* pInput, int nLen, uint32_t* pOutput, int* nMembOut) {
-  ENC_ASSERT(pInput && pOutput, kTextArrays);
-  ENC_ASSERT(nMembOut && *nMembOut >= 1, "*nMembOut >= 1");
+  ENC_ASSERT(pInput != nullptr && pOutput != nullptr, kTextArrays);
+  ENC_ASSERT(nMembOut != nullptr && *nMembOut >= 1, "*nMembOut >= 1");
   return ToCodePoints<3>(pInput, nLen, pOutput, nMembOut, Utf8Character, EitherUtf8);
 }
 
 int enc_utf8_to_unicode_str(const char* pInput, uint32_t* pOutput, int* nMembOut) {
-  ENC_ASSERT(pInput && pOutput, kTextArrays);
+  ENC_ASSERT(pInput != nullptr && pOutput != nullptr, kTextArrays);
   return enc_utf8_to_unicode(pInput, static_cast<int>(strlen(pInput)), pOutput, nMembOut);
 }
 
 int enc_unicode_to_utf8_one(uint32_t uiUnic, char* pOutput, int nOutSize) {
-  ENC_ASSERT(pOutput, "pOutput != ((void *)0)");
+  ENC_ASSERT(pOutput != nullptr, "pOutput != ((void *)0)");
   ENC_ASSERT(nOutSize >= kUtf8Max, "outSize >= 6");
   return PutUtf8Character(uiUnic, pOutput);
 }
 
 int enc_unicode_to_utf8_str(const uint32_t* pInput, char* pOutput, int* nMembOut) {
-  ENC_ASSERT(pInput && pOutput, kTextArrays);
-  ENC_ASSERT(nMembOut && *nMembOut >= kUtf8Max, "*nMembOut >= 6");
+  ENC_ASSERT(pInput != nullptr && pOutput != nullptr, kTextArrays);
+  ENC_ASSERT(nMembOut != nullptr && *nMembOut >= kUtf8Max, "*nMembOut >= 6");
   return FromCodePoints<kUtf8Max>(pInput, pOutput, nMembOut, PutUtf8Character, PutEitherUtf8);
 }
 
@@ -228,12 +228,12 @@ int enc_stc_unicode_to_GBK_init() {
 }
 
 int enc_unicode_to_GBK_one(uint32_t uiUnic, uint16_t* pGbk) {
-  ENC_ASSERT(pGbk, "gbk != ((void *)0)");
+  ENC_ASSERT(pGbk != nullptr, "gbk != ((void *)0)");
   return GbkOf(uiUnic, pGbk);
 }
 
 int enc_unicode_to_GBK_str(const uint32_t* pInput, char* pOutput, int* nMembOut) {
-  ENC_ASSERT(pInput && pOutput, kTextArrays);
-  ENC_ASSERT(nMembOut && *nMembOut >= kGbkMax, "*nMembOut >= 2");
+  ENC_ASSERT(pInput != nullptr && pOutput != nullptr, kTextArrays);
+  ENC_ASSERT(nMembOut != nullptr && *nMembOut >= kGbkMax, "*nMembOut >= 2");
   return FromCodePoints<kGbkMax>(pInput, pOutput, nMembOut, PutGbkCharacter, PutEitherGbk);
 }

@@ -55,7 +55,9 @@ CUdpCtrlSocket::~CUdpCtrlSocket() = default;
 int CUdpCtrlSocket::SendDataToHost(const void* pData, int nLen) {
   Require(nLen >= 0);
   if (nLen > kLongestDatagram) return -1;
-  if (g_pfnCheck) g_pfnCheck({static_cast<const char*>(pData), static_cast<size_t>(nLen)});
+  if (g_pfnCheck != nullptr) {
+    g_pfnCheck({static_cast<const char*>(pData), static_cast<size_t>(nLen)});
+  }
   return 0;
 }
 

@@ -70,7 +70,7 @@ void Check(std::string_view body, const char* pszName, Presence rule) {
     const char* const pszText = form.Get(pszName, rule);
     const auto expected = Expected(body, pszName, rule, N);
     Require((pszText != nullptr) == expected.has_value());
-    Require(!pszText || *expected == pszText);
+    Require(pszText == nullptr || *expected == pszText);
   }
 }
 

@@ -41,7 +41,7 @@ int GetIfAddr(const char* pszIfName, uint32_t& uiAddr) {
 }
 
 int GetIfBrdAddr(const char* pszIfName, uint32_t& uiAddr) {
-  assert(pszIfName);
+  assert(pszIfName != nullptr);
   return AskInterface(pszIfName, SIOCGIFBRDADDR, SOCK_DGRAM, uiAddr);
 }
 

@@ -62,7 +62,7 @@ StrDict::stEntry* StrDict::Find(const char* pszKey) const {
 }
 
 int StrDict::Set(const char* pszKey, const char* pszValue) {
-  assert(pszKey && pszValue);
+  assert(pszKey != nullptr && pszValue != nullptr);
   char* const pszNew = strdup(pszValue);
   if (pszNew == nullptr) return -1;
   if (stEntry* const pEntry = Find(pszKey)) {

@@ -25,7 +25,7 @@ void* Sleep(void* /*pArg*/) {
 }  // namespace
 
 int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_t nStackSize) {
-  assert(pfnBody && ppThread);
+  assert(pfnBody != nullptr && ppThread != nullptr);
   std::unique_ptr<stThread> pThread(new (std::nothrow) stThread{});
   if (pThread == nullptr) return 3;
   // Stored before the thread runs, because the thread may stop itself.
@@ -40,7 +40,7 @@ int ThreadCreate(void* (*pfnBody)(void*), void* pArg, stThread** ppThread, size_
 }
 
 void ThreadStop(stThread* pThread) {
-  assert(pThread);
+  assert(pThread != nullptr);
   pthread_cancel(pThread->tid);
   pthread_join(pThread->tid, nullptr);
   pthread_attr_destroy(&pThread->attr);

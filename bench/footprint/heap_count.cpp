@@ -46,7 +46,7 @@ __attribute__((constructor)) void OpenCounts() {
 
 void* Taken(void* pBlock, size_t nSize) {
   if (pBlock != nullptr) {
-    g_pCounts.load()->ulTaken++;
+    ++g_pCounts.load()->ulTaken;
     g_pCounts.load()->ulBytes += nSize;
   }
   return pBlock;
@@ -66,16 +66,16 @@ void* realloc(void* pBlock, size_t nSize) {
   if (pBlock == nullptr) return malloc(nSize);
   void* const pNew = __libc_realloc(pBlock, nSize);
   if (pNew != nullptr) {
-    g_pCounts.load()->ulMoved++;
+    ++g_pCounts.load()->ulMoved;
     g_pCounts.load()->ulBytes += nSize;
   } else if (nSize == 0) {
-    g_pCounts.load()->ulReturned++;
+    ++g_pCounts.load()->ulReturned;
   }
   return pNew;
 }
 
 void free(void* pBlock) {
-  if (pBlock != nullptr) g_pCounts.load()->ulReturned++;
+  if (pBlock != nullptr) ++g_pCounts.load()->ulReturned;
   __libc_free(pBlock);
 }
 }

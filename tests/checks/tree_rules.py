@@ -31,7 +31,10 @@ LONG_LISTS = {"CBB/WebCtrl/WebCtrl.h"}
 DIALECT = [
     (r"\.(cpp|h)$", r"^static (?!_)\w", "an anonymous namespace instead of static"),
     (r"\.(cpp|c|h)$",
-     r"(^ *|[;)] |else )[\w.>\[\]-]+(\+\+|--)[;)]", "++ and -- before what they change"),
+     r"(^ *|[;)] |else )([\w.>\[\]-]|\(\))+(\+\+|--)[;)]", "++ and -- before what they change"),
+    (r"\.(cpp|h)$",
+     r"\b(assert|ENC_ASSERT)\(([^\",]*&& )?\*?p[a-z]*[A-Z]\w*( &&|[,)])",
+     "a comparison with nullptr in an assertion"),
 ]
 FREE = ("tests/", "bench/", "fuzz/", "tools/")
 
