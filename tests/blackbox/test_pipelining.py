@@ -186,7 +186,8 @@ def test_reply_comes_although_what_follows_is_broken(rig, rest):
 
 
 def test_reply_that_ends_with_the_connection_ends_at_once(rig):
-    """Ten of them within one second, the longest sleep of an idle service."""
+    """An idle service sleeps for up to a second. If each of the twenty waited for that, they would
+    take twenty seconds."""
     rig.device.play()
     begin = time.monotonic()
     for _ in range(10):
@@ -194,7 +195,7 @@ def test_reply_that_ends_with_the_connection_ends_at_once(rig):
             with Client() as client:
                 client.send(get(uri, "Connection: close\r\n"))
                 client.read_to_end()
-    assert time.monotonic() - begin < 10, "a second each"
+    assert time.monotonic() - begin < 10, "they waited for the service to wake up"
 
 
 def test_file_that_is_cut_while_it_is_sent_closes_the_connection(rig):

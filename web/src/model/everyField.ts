@@ -1,5 +1,5 @@
 // A field for each setting of a configuration: as the forms know it, else from the recorder's own
-// tables, else from what its name and value tell.
+// tables, else from its name and value.
 import type {Settings} from '../recorder/config';
 import {isSecret} from '../recorder/config';
 import type {Field} from './fields';

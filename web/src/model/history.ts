@@ -64,7 +64,8 @@ function isSpare(before: Entry | undefined, last: Entry | undefined, next: Entry
   return isReading(before) && last.at - before.at < kCloseMs;
 }
 
-// One more entry; what is over goes. One before the span stays, as it may reach into it.
+// Adds an entry and drops those that are over. The last one before the span stays, because it may
+// reach into it.
 export function withEntry(entries: readonly Entry[], entry: Entry): Entry[] {
   const begin = entry.at - kSpanMs;
   const kept = entries.filter((_, i) => (entries[i + 1] || entry).at > begin)

@@ -23,7 +23,7 @@ function degrees(text: string): number {
 
 const rounded = (number: number) => Number(number.toFixed(kDecimals));
 
-// Zero north and zero east is what a receiver tells that has found nothing.
+// A receiver that has found nothing reports zero north and zero east.
 function placeOf(latitude: number, longitude: number): Place | null {
   const inside = Math.abs(latitude) <= kMostLatitude && Math.abs(longitude) <= kMostLongitude;
   const found = latitude !== 0 || longitude !== 0;

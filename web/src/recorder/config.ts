@@ -12,7 +12,7 @@ const kRoot = 'VariCfgSec';
 
 export type Settings = Map<string, string>;
 
-// What lets somebody in, by its name.
+// The names of settings whose values let somebody in.
 const kSecret = /(?:pass(?:wd|word)?|pwd|psw|psk|key|secret|token)_?\d*$|Authentication$/i;
 export const isSecret = (path: string) => kSecret.test(path);
 
