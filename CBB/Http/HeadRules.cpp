@@ -17,12 +17,12 @@ class CByteSet {
     for (char c = 'a'; c <= 'z'; ++c) Add(c);
     for (const char c : others) Add(c);
   }
-  constexpr bool Has(char c) const { return m_has[static_cast<unsigned char>(c)]; }
+  constexpr bool Has(char c) const { return m_bHas[static_cast<unsigned char>(c)]; }
 
  private:
-  constexpr void Add(char c) { m_has[static_cast<unsigned char>(c)] = true; }
+  constexpr void Add(char c) { m_bHas[static_cast<unsigned char>(c)] = true; }
 
-  bool m_has[256] = {};
+  bool m_bHas[256] = {};
 };
 
 constexpr CByteSet kTokenBytes("!#$%&'*+-.^_`|~");
