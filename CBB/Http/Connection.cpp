@@ -85,9 +85,9 @@ void CConnection::OnWritable() { Send(); }
 void CConnection::EndOfStream() {
   m_bEnded = true;
   m_host.Events().Want(m_conn, false, !AllSent(), true);
-  if (m_state == State::kReading || m_state == State::kAnswering) {
+  if (m_state == State::kReading) {
     m_state = State::kHungUp;
-    if (!bQueued) Advance();
+    Advance();
   } else if (AllSent()) {
     Close();
   }

@@ -10,9 +10,9 @@
 // One client. Its state alone decides what may happen next.
 //
 //   reading --whole request--> answering --all sent--> reading
-//      |                           |  \-- the reply closes --> last reply
-//      | end of stream             | end of stream
-//      v                           v
+//      |                             \-- the reply closes --> last reply
+//      | end of stream
+//      v
 //   hung up --all that arrived whole is answered--> closed
 //
 //   reading, hung up --a request is refused--> last reply --all sent, client gone--> closed
