@@ -64,6 +64,10 @@ test('a value that equals the recorder\'s is no change, and nothing is sent', as
   assert.equal(await dialog(page).count(), 0);
 });
 
+// Keys from the button that agrees, and what has the focus then: it stays inside the dialog.
+const kRound = [['Tab', 'quiet'], ['Tab', 'scroll'], ['Tab', 'main'], ['Shift+Tab', 'scroll'],
+  ['Shift+Tab', 'quiet'], ['Shift+Tab', 'main']];
+
 test('before sending stands the list of changes, in words, without secrets; Escape sends nothing',
     async () => {
       await apn().fill('fleet');
@@ -73,6 +77,10 @@ test('before sending stands the list of changes, in words, without secrets; Esca
       const list = await dialog(page).innerText();
       assert.match(list, /CMNET[^]*fleet/);
       assert.doesNotMatch(list, /geheim|strFD_|\bcard\b/);
+      for (const [key, next] of kRound) {
+        await page.keyboard.press(key);
+        assert.equal(await dialog(page).locator(':focus').getAttribute('class'), next, key);
+      }
       await cancel(page);
       await dialog(page).waitFor({state: 'detached'});
       assert.equal(rig.sets(), sets);

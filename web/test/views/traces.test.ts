@@ -1,4 +1,3 @@
-import '../state/page';
 import assert from 'node:assert/strict';
 import test from 'node:test';
 import {timeOfDay} from '../../src/model/clock';
@@ -6,7 +5,9 @@ import {kPlots, readingOf, stopsOf} from '../../src/model/history';
 import {addWords, speak} from '../../src/words';
 import {en} from '../../src/words/en';
 import {login} from '../../src/words/en-login';
+import {Trace} from '../../src/views/parts/Trace';
 import {readingText, silencesText, stopText, summaryOf, whenText} from '../../src/views/parts/traces';
+import {drawn} from './drawn';
 
 addWords('en', {...login, ...en});
 speak('en');
@@ -38,6 +39,8 @@ test('a moment is told with what each line shows', () => {
 
 test('silences are counted and added up', () => {
   assert.equal(silencesText(stops), 'Without an answer: 2 times, 240 s together.');
+  assert.equal(silencesText([{kind: 'silent', from: 0, to: 25 * kMinute}]),
+      'Without an answer: 1 times, 1500 s together.');
 });
 
 test('what never changed is told as it is, as nothing was lost that was never there', () => {
@@ -48,4 +51,14 @@ test('what never changed is told as it is, as nothing was lost that was never th
   for (const line of ['GB28181: Not connected', 'Platform server: lost 1 times.',
     'Mobile network: 2 of 5 bars (12) to 4 of 5 bars (24).'])
     assert.ok(told.includes(line), told.join('\n'));
+});
+
+test('a state is drawn from its reading to the next one', () => {
+  const at = (seconds: number, cms: string) =>
+    readingOf(now - seconds * 1000, {ucFD_CmsStatus: cms});
+  const [line] = kPlots[2]!.rows.filter(({label}) => label === 'platform.cms');
+  const trace = drawn(Trace, {line: line!, axis: {from: now - 30000, to: now}, mark: undefined,
+    stops: stopsOf([at(30, '1'), at(24, '1'), at(12, '0'), at(6, '1')], now), flat: true, text: ''});
+  const paths = ['up', 'down'].map((name) => trace.all('class', name)[0]!.attributes.d);
+  assert.deepEqual(paths, ['M0 50H200h.1M200 50H600h.1M800 50H800h.1', 'M600 50H800h.1']);
 });
