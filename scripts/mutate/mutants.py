@@ -50,10 +50,12 @@ _SCRIPT = [
     (r"\?\.(?=\w)", "."),
     (r"^( +)await ", r"\1void "),
 ]
+_PAGES = _BOTH + _SCRIPT + _CALL_LEFT_OUT
 CHANGES = {
     ".cpp": _BOTH + _CPP + _CALL_LEFT_OUT,
     ".h": _BOTH + _CPP,
-    ".ts": _BOTH + _SCRIPT + _CALL_LEFT_OUT,
+    ".ts": _PAGES,
+    ".tsx": _PAGES,
 }
 # Lines that hold no behaviour of their own.
 LEFT_OUT = re.compile(

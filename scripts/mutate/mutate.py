@@ -12,13 +12,13 @@ import time
 
 import tree
 from mutants import mutants_of_file, spread
-from oracles import PAGES, UNITS, daemon_tests
+from oracles import PAGES, UNITS, browser_tests, daemon_tests
 
 VERDICTS = os.path.join(tree.WORK, "verdicts.txt")
 EQUIVALENT = os.path.join(tree.ROOT, "scripts/mutate/equivalent.txt")
-BY_UNIT, BY_DAEMON, SURVIVED = "unit", "daemon", "survived"
+BY_UNIT, BY_DAEMON, BY_BROWSER, SURVIVED = "unit", "daemon", "browser", "survived"
 EQUAL, NOT_BUILT = "equivalent", "not built"
-KINDS = [BY_UNIT, BY_DAEMON, SURVIVED, EQUAL, NOT_BUILT]
+KINDS = [BY_UNIT, BY_DAEMON, BY_BROWSER, SURVIVED, EQUAL, NOT_BUILT]
 
 
 def read(path):
@@ -31,12 +31,17 @@ def write(path, text):
         file.write(text)
 
 
-def verdict_on_pages(path):
+def verdict_on_pages(path, ask_browser):
     if not tree.is_script(path):
         return NOT_BUILT
     if not tree.pages_passed():
         return BY_UNIT
-    return SURVIVED if tree.pages_have_types() else NOT_BUILT
+    if not tree.pages_have_types():
+        return NOT_BUILT
+    if ask_browser and tree.pages_built():
+        if not all(tree.browser_passed(file) for file in browser_tests(path)):
+            return BY_BROWSER
+    return SURVIVED
 
 
 def verdict_on_daemon(folder, path, ask_daemon):
@@ -51,7 +56,7 @@ def verdict_on_daemon(folder, path, ask_daemon):
     return SURVIVED
 
 
-def judge(folder, mutant, ask_daemon):
+def judge(folder, mutant, given):
     """Puts one fault into the copy, asks the tests, and takes it out again."""
     path = os.path.join(tree.TREE, mutant.path)
     whole = read(path)
@@ -60,8 +65,8 @@ def judge(folder, mutant, ask_daemon):
     try:
         write(path, "\n".join(lines))
         if folder in PAGES:
-            return verdict_on_pages(mutant.path)
-        return verdict_on_daemon(folder, mutant.path, ask_daemon)
+            return verdict_on_pages(mutant.path, given.browser)
+        return verdict_on_daemon(folder, mutant.path, given.daemon)
     finally:
         write(path, whole)
 
@@ -92,6 +97,7 @@ def arguments():
     parser.add_argument("--seconds", type=int, default=3600)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--daemon", action="store_true")
+    parser.add_argument("--browser", action="store_true")
     parser.add_argument("folders", nargs="*", metavar="folder")
     given = parser.parse_args()
     given.folders = given.folders or list(UNITS)
@@ -110,7 +116,7 @@ def main():
     given = arguments()
     # Whoever ends a run ends what it started: a fault may have made a test busy for ever.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
-    tree.prepare(given.folders)
+    tree.prepare(given.folders, given.browser)
     end = time.monotonic() + given.seconds
     each = -(-given.count // len(given.folders))
     all_of = {folder: chosen(folder, each, given.seed) for folder in given.folders}
@@ -127,7 +133,7 @@ def main():
                 break
             mutant = all_of[folder][number]
             known = (mutant.path, code_of(mutant.text)) in equivalents
-            verdict = EQUAL if known else judge(folder, mutant, given.daemon)
+            verdict = EQUAL if known else judge(folder, mutant, given)
             counts[folder][verdict] += 1
             line = f"{verdict}: {mutant.path}:{mutant.line}: {mutant.text.strip()}"
             print(line, file=verdicts, flush=True)

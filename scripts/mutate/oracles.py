@@ -1,8 +1,8 @@
 """Who is asked about a fault in a file of the product: unit tests first, whatever lives, the running
-daemon next."""
+daemon or a browser next."""
 
-# The pages' modules that work without a page: their tests are one program.
-PAGES = ("web/src/model", "web/src/recorder", "web/src/state")
+# The pages: their unit tests are one program.
+PAGES = ("web/src/model", "web/src/recorder", "web/src/state", "web/src/views")
 # Folder: its own unit tests, and those of its users.
 UNITS = {
     "encoding": (["encoding_tests", "encoding_duplicate_tests"], ["webctrl_test"]),
@@ -55,9 +55,52 @@ FILES = [
     ("CBB/WebCtrl/WebCtrl.h", "blackbox/login blackbox/sessions"),
     ("CBB/WebCtrl/", "blackbox/lifecycle blackbox/http blackbox/exchange"),
 ]
+# The same for views: files of tests in a browser.
+VIEWS = [
+    ("AccessPointCode", "accesspoint"),
+    ("Dialogs", "saves drafts config"),
+    ("History", "history"),
+    ("Login", "signin"),
+    ("Maintenance", "config"),
+    ("Import", "config"),
+    ("Later", "settings"),
+    ("Platforms", "values"),
+    ("Security", "signin values"),
+    ("Shell", "drafts looks"),
+    ("Status", "history health"),
+    ("Video", "values"),
+    ("fleet/", "fleet"),
+    ("settings/", "settings"),
+    ("parts/Banner", "health"),
+    ("parts/Control", "labels drafts values"),
+    ("parts/CopyButton", "history settings"),
+    ("parts/Field", "drafts settings values"),
+    ("parts/File", "fleet config"),
+    ("parts/LabelsNotice", "labels"),
+    ("parts/Section", "saves health values"),
+    ("parts/Switches", "signin looks"),
+    ("parts/Trace", "history"),
+    ("parts/clipboard", "history settings"),
+    ("parts/hooks", "signin saves"),
+    ("parts/offer", "config fleet"),
+    ("parts/report", "history"),
+    ("parts/shown", "history"),
+    ("parts/traces", "history"),
+    ("", "saves looks"),
+]
+
+
+def near(table, path):
+    return next((names for start, names in table if path.startswith(start)), "").split()
 
 
 def daemon_tests(path):
     """The files of tests that ask the running daemon, those that wait least first."""
-    names = next((names for start, names in FILES if path.startswith(start)), "")
-    return [name.replace("/", "/test_") + ".py" for name in names.split()]
+    return [name.replace("/", "/test_") + ".py" for name in near(FILES, path)]
+
+
+def browser_tests(path):
+    """The same in a browser, for views."""
+    views = "web/src/views/"
+    names = near(VIEWS, path[len(views) :]) if path.startswith(views) else []
+    return [f"browser/{name}.test.js" for name in names]

@@ -77,6 +77,17 @@ def pages_passed():
     return ended_well([start(["node", f"{TREE}/web/test.mjs"])], _TEST_SEC)
 
 
+def pages_built():
+    return ended_well([start(["node", f"{TREE}/web/build.mjs", f"{BUILD}/bin/web_root"])], _TEST_SEC)
+
+
+def browser_passed(file):
+    programs = {"WEBCTRL_BIN": "webctrl", "DEVSIM_BIN": "devsim"}
+    environment = {name: f"{BUILD}/bin/{program}" for name, program in programs.items()}
+    command = [f"{TREE}/tests/ui/run.sh", f"{TREE}/tests/ui/{file}"]
+    return ended_well([start(command, TREE, **environment)], _DAEMON_SEC)
+
+
 def lay_out():
     listed = subprocess.run(
         ["git", "ls-files", "-z"], cwd=ROOT, check=True, stdout=subprocess.PIPE, text=True
@@ -87,7 +98,7 @@ def lay_out():
             os.makedirs(os.path.dirname(os.path.join(TREE, path)), exist_ok=True)
             # With new times: what a former run has built could hold its last fault.
             shutil.copy(os.path.join(ROOT, path), os.path.join(TREE, path))
-    for modules in (".deps", "web/node_modules"):
+    for modules in (".deps", "web/node_modules", "tests/ui/node_modules"):
         if os.path.isdir(os.path.join(ROOT, modules)):
             os.symlink(os.path.join(ROOT, modules), os.path.join(TREE, modules))
 
@@ -104,12 +115,12 @@ def configure():
     return ended_well([start(["cmake", "-S", TREE, "-B", BUILD, "-G", "Ninja", *options])], _BUILD_SEC)
 
 
-def prepare(folders):
+def prepare(folders, ask_browser):
     """A copy with a build of its own in which all tests pass."""
     lay_out()
     units = sorted({unit for folder in folders for group in UNITS[folder] for unit in group})
-    programs = ["webctrl", "devsim", "fault_shim", *units] if units else []
-    if units and not (configure() and built(programs)):
+    programs = ["webctrl", "devsim", "fault_shim", *units] if units or ask_browser else []
+    if programs and not (configure() and built(programs)):
         sys.exit("mutate: the copy in build/mutate does not build")
     if set(PAGES) & set(folders) and not (pages_have_types() and pages_passed()):
         sys.exit("mutate: the tests of the pages fail without a fault")
@@ -119,6 +130,6 @@ def prepare(folders):
 
 
 def source_files(folder):
-    endings = ("ts",) if folder in PAGES else ("cpp", "h")
+    endings = ("ts", "tsx") if folder in PAGES else ("cpp", "h")
     found = [glob.glob(f"{TREE}/{folder}/**/*.{ending}", recursive=True) for ending in endings]
     return sorted(os.path.relpath(path, TREE) for paths in found for path in paths)

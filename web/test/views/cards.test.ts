@@ -75,6 +75,7 @@ test('what is not known yet is said to come, or to have failed', () => {
       assert.equal(skeleton ? skeleton.childNodes.length : 0, bars, what);
       assert.equal(card.textContent.includes(t('again')), again, what);
     }
+    assert.equal(form.all('type', 'submit').length, 0);
   }
 });
 
