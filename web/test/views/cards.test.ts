@@ -5,6 +5,7 @@ import {kSignInPassword} from '../../src/model/import';
 import {readingOf} from '../../src/model/history';
 import {text} from '../../src/model/fields';
 import {giveEncoder} from '../../src/state/encoder';
+import {patch, type SignInNote} from '../../src/state/signIn';
 import {get, patchSection, resetStore, set, type Health, type Loading} from '../../src/state/store';
 import {steadyNow} from '../../src/state/history';
 import {AccessPointCode} from '../../src/views/AccessPointCode';
@@ -12,6 +13,7 @@ import {Apply} from '../../src/views/fleet/Apply';
 import {Template} from '../../src/views/fleet/Template';
 import {History} from '../../src/views/History';
 import {Import} from '../../src/views/Import';
+import {Login} from '../../src/views/Login';
 import {SectionForm} from '../../src/views/parts/SectionForm';
 import {Security} from '../../src/views/Security';
 import {AllSettings} from '../../src/views/settings/AllSettings';
@@ -149,5 +151,35 @@ test('keys lead along a plot by a reading, by a minute, and to its ends', async 
     await press('ArrowRight', 10);
     await press(key);
     assert.equal(plot!.attributes['aria-valuenow'], String(to), key);
+  }
+});
+
+// what is known of the recorder, what the sign-in says of it
+const kReached = [
+  [{reached: 'asking', deviceNo: ''}, 'Looking for the recorder…'],
+  [{reached: 'silent', deviceNo: ''}, 'The recorder does not answer.'],
+  [{reached: 'answers', deviceNo: ''}, 'The recorder answers.'],
+  [{reached: 'answers', deviceNo: '80012345'}, 'Recorder 80012345'],
+] as const;
+
+const kNotes: [SignInNote, string][] = [
+  [{kind: 'fault', why: 'deviceSilent'}, t('login.silent')],
+  [{kind: 'fault', why: 'serviceSilent'}, t('load.serviceSilent')],
+  [{kind: 'fault', why: 'dropped'}, t('load.lost')],
+  [{kind: 'fault', why: 'refused'}, t('load.lost')],
+  [{kind: 'wrong', left: 3}, t('login.wrong', {left: 3})],
+  [{kind: 'locked', until: 0}, t('login.open')],
+  [{kind: 'kept'}, t('login.kept')],
+];
+
+test('the sign-in tells whether the recorder answers, and what became of a try', () => {
+  const page = () => drawn(Login, {go() {}, prefetch() {}});
+  for (const [known, told] of kReached) {
+    patch(known);
+    assert.equal(page().all('data-reached')[0]!.textContent, told);
+  }
+  for (const [note, told] of kNotes) {
+    patch({note});
+    assert.equal(page().all('data-note')[0]!.textContent, told, note.kind);
   }
 });

@@ -30,6 +30,8 @@ export class Node {
   }
   setAttribute(name: string, value: unknown) { this.attributes[name] = String(value); }
   removeAttribute(name: string) { delete this.attributes[name]; }
+  focus() {}
+  select() {}
   // Names of events that a node does not announce come as they stand in the view.
   addEventListener(type: string, listener: Listener) {
     this.listeners[type.toLowerCase()] = (event) => listener.call(this, {...event, type});
