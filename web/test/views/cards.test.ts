@@ -11,12 +11,14 @@ import {steadyNow} from '../../src/state/history';
 import {AccessPointCode} from '../../src/views/AccessPointCode';
 import {Apply} from '../../src/views/fleet/Apply';
 import {Template} from '../../src/views/fleet/Template';
+import {Runs} from '../../src/views/fleet/Runs';
 import {History} from '../../src/views/History';
 import {Import} from '../../src/views/Import';
 import {Login} from '../../src/views/Login';
 import {SectionForm} from '../../src/views/parts/SectionForm';
 import {Security} from '../../src/views/Security';
 import {AllSettings} from '../../src/views/settings/AllSettings';
+import {Video} from '../../src/views/Video';
 import {addWords, speak, t} from '../../src/words';
 import {en} from '../../src/words/en';
 import {login} from '../../src/words/en-login';
@@ -49,6 +51,35 @@ test('beside a code stands that the recorder does not hold it yet, from the firs
       await drawnAnew();
       assert.equal(card.all('data-hint', 'unsaved').length, 1);
     });
+
+test('an access point that is known in part has no code to ask for', () => {
+  for (const path of [kName, kPassword]) {
+    patchSection('wifi', {held: {[kMode]: '2', [path]: 'platform9'}});
+    assert.deepEqual(drawn(AccessPointCode, {}).all('data-action'), [], path);
+  }
+});
+
+test('the lock\'s counter is set back where there is one, and once', () => {
+  for (const [count, busy, off] of [[0, false, true], [3, false, false], [3, true, true]] as const) {
+    set({lock: {...get().lock, busy, lock: {known: true, count, left: 0}}});
+    const [reset] = drawn(Security, {}).all('data-action', 'reset');
+    assert.equal('aria-disabled' in reset!.attributes, off, `${count} ${busy}`);
+  }
+});
+
+test('where a recorder tells of its first camera only, that is said', () => {
+  for (const channels of [1, 2]) {
+    const fields = Array.from({length: channels}, (_, i) =>
+      text(`stCamera/CH_${i}/strFD_Name`, 'camera', 31, {labelValues: {channel: i + 1}}));
+    patchSection('cameras', {loading: {state: 'loaded'}, fields});
+    const told = drawn(Video, {}).textContent.includes(t('cameras.firstOnly'));
+    assert.equal(told, channels === 1, `${channels}`);
+  }
+});
+
+test('a list of no runs can only be added to', () => {
+  assert.deepEqual(drawn(Runs, {}).all('type').map(({attributes}) => attributes.type), ['file']);
+});
 
 test('one line of a template is told as many are', () => {
   set({transfer: {...get().transfer, purpose: 'template', lines: [

@@ -6,6 +6,7 @@ import {patchSection, resetStore, sectionState, type Step} from '../../src/state
 import {FieldRow} from '../../src/views/parts/FieldRow';
 import {saveHere} from '../../src/views/parts/saveHere';
 import {StepNote} from '../../src/views/parts/SectionNote';
+import {display} from '../../src/views/parts/words';
 import {addWords, speak} from '../../src/words';
 import {en} from '../../src/words/en';
 import {login} from '../../src/words/en-login';
@@ -81,6 +82,20 @@ test('Ctrl and S together save, and neither alone', () => {
   }
 });
 
+// A field, its value, and how a list of changes shows it.
+const kShown: [Partial<Field>, string | undefined, string][] = [
+  [{}, undefined, '–'], [{}, '', '–'], [{}, 'fleet', 'fleet'],
+  [{kind: 'secret'}, '', '–'], [{kind: 'secret'}, 'card', en['value.hidden']],
+  [{kind: 'switch'}, '2', en.on], [{kind: 'switch'}, '0', en.off],
+  [{kind: 'clock'}, 'now', en['clock.now']], [{kind: 'clock'}, '2026-01-31', '2026-01-31'],
+  [{kind: 'choice', options: [['1', 'clock']]}, '1', en.clock],
+];
+
+test('a value is shown in words', () => {
+  for (const [more, value, shown] of kShown)
+    assert.equal(display({...apn, ...more}, value), shown, `${more.kind} ${value}`);
+});
+
 const kSteps: [Step, string][] = [
   ['session', 'Step 1 of 4. Checking the session…'],
   ['compare', 'Step 2 of 4. Comparing with the recorder…'],
@@ -94,4 +109,7 @@ test('the steps of a save are counted as far as they are known', () => {
     const step = {name, since: Date.now(), where: 'http://192.168.1.90'};
     assert.equal(drawn(StepNote, {step}).textContent, told);
   }
+  const step = {name: 'sending' as const, since: Date.now() - 1000};
+  assert.equal(drawn(StepNote, {step}).textContent,
+      `Step 3 of 4. ${en['step.restarting']} (1 s)`);
 });
