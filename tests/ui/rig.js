@@ -169,6 +169,13 @@ export const painted = (page) => page.evaluate(() => new Promise((resolve) => {
   requestAnimationFrame(() => requestAnimationFrame(resolve));
 }));
 
+// Whether the page would ask before it is closed.
+export const asksToStay = (page) => page.evaluate(() => {
+  const leaving = new Event('beforeunload', {cancelable: true});
+  window.dispatchEvent(leaving);
+  return leaving.defaultPrevented;
+});
+
 // Everything that the browser stores for these pages, as one text.
 export const memory = (page) => page.evaluate(() =>
   JSON.stringify([{...localStorage}, {...sessionStorage}, document.cookie, history.state]));

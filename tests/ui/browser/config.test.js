@@ -5,7 +5,7 @@ import {execFileSync} from 'node:child_process';
 import {readFileSync} from 'node:fs';
 import test from 'node:test';
 import {
-  agree, button, cancel, dialog, ended, line, press, put, section, until, visit,
+  agree, asksToStay, button, cancel, dialog, ended, line, press, put, section, until, visit,
 } from '../rig.js';
 import {page, rig, sharePage} from '../shared.js';
 
@@ -176,6 +176,20 @@ test('an import that the recorder refuses or does not answer is not called done'
   await rig.fault('for=set silent');
   assert.equal(await bring(), 'deviceSilent');
   assert.equal(rig.setting('stMobileGNet', 'strFD_Apn'), 'CMNET');
+});
+
+test('closing while an import is under way asks, before and after it does not', async () => {
+  const {text} = await exportFile();
+  await choose('edited.xml', text.replace('"CMNET"', '"fleet"'));
+  await rig.fault('for=set delay:1500');
+  const sets = rig.sets();
+  await press(page, 'import');
+  assert.equal(await asksToStay(page), false);
+  await agree(page);
+  await until(() => rig.sets() > sets, 'the set to reach the recorder');
+  assert.equal(await asksToStay(page), true);
+  assert.equal(await ended(page, 'import'), 'applied', await said());
+  assert.equal(await asksToStay(page), false);
 });
 
 // From here on the recorder's address changes, so these come last.

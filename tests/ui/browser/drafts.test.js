@@ -2,8 +2,9 @@
 // else.
 import assert from 'node:assert/strict';
 import test, {after, before, beforeEach} from 'node:test';
-import {button, dialog, field, fieldRow, get, go, memory, put, Rig, save, shown, visit, words}
-  from '../rig.js';
+import {
+  asksToStay, button, dialog, field, fieldRow, get, go, memory, put, Rig, save, shown, visit, words,
+} from '../rig.js';
 
 const kApn = 'stMobileGNet/strFD_Apn';
 const kPhone = 'stMobileGNet/strFD_PhoneNo';
@@ -47,16 +48,11 @@ test('a draft outlives other pages and a reload; a badge tells how many changes 
     });
 
 test('closing with changes asks, without changes it does not', async () => {
-  const asked = () => page.evaluate(() => {
-    const leaving = new Event('beforeunload', {cancelable: true});
-    window.dispatchEvent(leaving);
-    return leaving.defaultPrevented;
-  });
-  assert.equal(await asked(), false);
+  assert.equal(await asksToStay(page), false);
   await put(page, kApn, 'fleet');
-  assert.equal(await asked(), true);
+  assert.equal(await asksToStay(page), true);
   await button(page, 'mobile', 'discard').click();
-  assert.equal(await asked(), false);
+  assert.equal(await asksToStay(page), false);
   await over();
 });
 

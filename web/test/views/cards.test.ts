@@ -1,17 +1,17 @@
 // Cards as they are drawn for what the store holds.
 import assert from 'node:assert/strict';
 import test, {beforeEach} from 'node:test';
-import {kSignInPassword} from '../../src/model/import';
-import {readingOf} from '../../src/model/history';
 import {text} from '../../src/model/fields';
+import {readingOf} from '../../src/model/history';
+import {kSignInPassword} from '../../src/model/import';
 import {giveEncoder} from '../../src/state/encoder';
+import {steadyNow} from '../../src/state/history';
 import {patch, type SignInNote} from '../../src/state/signIn';
 import {get, patchSection, resetStore, set, type Health, type Loading} from '../../src/state/store';
-import {steadyNow} from '../../src/state/history';
 import {AccessPointCode} from '../../src/views/AccessPointCode';
 import {Apply} from '../../src/views/fleet/Apply';
-import {Template} from '../../src/views/fleet/Template';
 import {Runs} from '../../src/views/fleet/Runs';
+import {Template} from '../../src/views/fleet/Template';
 import {History} from '../../src/views/History';
 import {Import} from '../../src/views/Import';
 import {Login} from '../../src/views/Login';
@@ -59,8 +59,11 @@ test('an access point that is known in part has no code to ask for', () => {
   }
 });
 
+// wrong entries, whether the counter is being set back, whether that cannot be asked for
+const kLocks = [[0, false, true], [3, false, false], [3, true, true]] as const;
+
 test('the lock\'s counter is set back where there is one, and once', () => {
-  for (const [count, busy, off] of [[0, false, true], [3, false, false], [3, true, true]] as const) {
+  for (const [count, busy, off] of kLocks) {
     set({lock: {...get().lock, busy, lock: {known: true, count, left: 0}}});
     const [reset] = drawn(Security, {}).all('data-action', 'reset');
     assert.equal('aria-disabled' in reset!.attributes, off, `${count} ${busy}`);

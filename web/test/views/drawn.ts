@@ -43,7 +43,8 @@ export class Node {
   // All below with an attribute, or with this value of it.
   all(name: string, value?: string): Node[] {
     return this.childNodes.flatMap((node) => {
-      const has = name in node.attributes && (value === undefined || node.attributes[name] === value);
+      const own = node.attributes[name];
+      const has = own !== undefined && (value === undefined || own === value);
       return [...has ? [node] : [], ...node.all(name, value)];
     });
   }
