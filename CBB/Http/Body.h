@@ -36,6 +36,7 @@ class CBody {
 
   size_t Left() const { return m_nLeft; }
   bool HoldsFile() const { return m_nFd >= 0; }
+
   // The bytes of a text that only this object still holds.
   size_t Held() const;
 

@@ -31,7 +31,7 @@ off_t WholePages(size_t nSize) {
   return static_cast<off_t>((nSize + nPage - 1) / nPage * nPage);
 }
 
-// The memory that the file takes, in bytes.
+// The memory that the file takes, in bytes; 0 when the system does not tell, which fits no text.
 off_t Taken() {
   constexpr off_t kBlock = 512;
   struct stat st {};

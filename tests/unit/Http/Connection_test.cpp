@@ -55,6 +55,14 @@ std::string Get(const std::string& strPath, const std::string& strFields = "") {
 
 class ConnectionTest : public testing::Test {
  protected:
+  // After a request that was answered: the server has read only this part of the next one.
+  void SendPart(CTestClient& client, const std::string& strPart) {
+    client.Send(Get("/a"));
+    client.Await(5);
+    client.Send(strPart);
+    m_server.Poll();
+  }
+
   CTestServer m_server{&Answer};
 };
 
@@ -117,10 +125,7 @@ TEST_F(ConnectionTest, ReadsAnUrgentByteAsAnyOther) {
 
 TEST_F(ConnectionTest, TakesNothingFromASocketThatHasNothing) {
   CTestClient client(m_server);
-  client.Send(Get("/a"));
-  client.Await(5);
-  client.Send("POST /b HTTP/1.1\r\nContent-Length: 3\r\n\r\nc");
-  m_server.Poll();
+  SendPart(client, "POST /b HTTP/1.1\r\nContent-Length: 3\r\n\r\nc");
   g_pServed->OnReadable();
   client.Send("=1");
   EXPECT_EQ("</a ></b c=1>", client.Await(13));
@@ -128,10 +133,7 @@ TEST_F(ConnectionTest, TakesNothingFromASocketThatHasNothing) {
 
 TEST_F(ConnectionTest, HoldsWhatHasArrivedAndNoMore) {
   CTestClient client(m_server);
-  client.Send(Get("/a"));
-  client.Await(5);
-  client.Send("POST /b HTTP/1.1\r\nContent-Length: 900\r\n\r\n");
-  m_server.Poll();
+  SendPart(client, "POST /b HTTP/1.1\r\nContent-Length: 900\r\n\r\n");
   const size_t nBefore = g_pServed->Held();
   client.Send(std::string(500, 'c'));
   m_server.Poll();
